@@ -1,0 +1,127 @@
+#include "core/AppViewModel.h"
+#include "core/EntryText.h"
+#include "core/Prompts.h"
+
+namespace varno {
+
+void AppViewModel::reloadCurrentPage()
+{
+    reload();
+    publish();
+}
+
+void AppViewModel::upgradeToFullEntry()
+{
+    const Page* page = currentPage();
+    if (!page || page->parentPageId)
+        return;
+    set(sessionPage(page->id)->entryType, EntryType::full, Change::session);
+    reload();
+    publish();
+}
+
+void AppViewModel::reload()
+{
+    if (!currentPage())
+        return;
+    cancelActiveStreams();
+    set(m_errorMessage, std::nullopt, Change::errorMessage);
+
+    Page& page = *sessionPage(currentPage()->id);
+    QString prompt;
+    if (page.parentPageId) {
+        const Page* root = m_session->rootPage();
+        prompt = sectionPrompt(page.parentSectionName.value_or(page.title),
+                               root ? root->title : m_session->rootQuery);
+    } else {
+        prompt = entryPrompt(page.entryType, m_session->rootQuery);
+        page.tableOfContents.clear();
+        set(m_streamingTOC, QStringList(), Change::streamingTOC);
+    }
+    set(page.content, QString(), Change::session);
+    const Page reloaded = page;
+    streamPage(reloaded.id, reloaded.entryType, prompt, reloaded.title);
+}
+
+void AppViewModel::streamPage(const QUuid& id, EntryType entryType, const QString& prompt,
+                              const QString& title)
+{
+    set(m_isStreaming, true, Change::isStreaming);
+    set(m_streamingContent, QString(), Change::streamingContent);
+    set(m_streamingTitle, title, Change::streamingTitle);
+
+    const Page* page = sessionPage(id);
+    const bool isSection = page && page->parentPageId;
+    if (!isSection && entryType == EntryType::full)
+        requestTOC(id, title);
+
+    m_activeStreamTask = service().streamEntry({.prompt = prompt,
+                                                .systemPrompt = entrySystemPrompt(),
+                                                .model = rawValue(aiModel()),
+                                                .webSearch = webSearchEnabled()});
+    connect(m_activeStreamTask.get(), &EntryStream::piece, this,
+            [this, id](const QString& piece) { appendPiece(id, piece); });
+    connect(m_activeStreamTask.get(), &EntryStream::finished, this,
+            [this, id](const EntryStream::Outcome& outcome) { finishPage(id, outcome); });
+}
+
+void AppViewModel::requestTOC(const QUuid& id, const QString& title)
+{
+    set(m_streamingTOC, QStringList(), Change::streamingTOC);
+    set(m_tocIsLoading, true, Change::tocIsLoading);
+
+    m_activeTOCTask = std::make_unique<TOCWatcher>();
+    connect(m_activeTOCTask.get(), &TOCWatcher::finished, this, [this, id] { finishTOC(id); });
+    m_activeTOCTask->setFuture(
+        service().generateTOC(title, rawValue(aiModel()), webSearchEnabled()));
+}
+
+void AppViewModel::appendPiece(const QUuid& id, const QString& piece)
+{
+    m_streamingContent += piece;
+    if (Page* page = sessionPage(id))
+        page->content += piece;
+    m_pendingChanges |= Change::streamingPiece;
+    publish();
+}
+
+void AppViewModel::finishPage(const QUuid& id, const EntryStream::Outcome& outcome)
+{
+    m_activeStreamTask.release()->deleteLater(); // it is calling us
+    if (const auto* failure = std::get_if<Failure>(&outcome))
+        set(m_errorMessage, failure->description, Change::errorMessage);
+
+    const std::optional<QString> topics = relatedTopicsText(m_streamingContent);
+    const auto seeAlso = topics ? service().parseJSONArray(*topics) : std::nullopt;
+    set(m_streamingContent, cleanEntryText(m_streamingContent), Change::streamingContent);
+    if (Page* page = sessionPage(id)) {
+        page->seeAlso = seeAlso.value_or(QStringList());
+        set(page->content, m_streamingContent, Change::session);
+    }
+    set(m_isStreaming, false, Change::isStreaming);
+    publish();
+}
+
+void AppViewModel::finishTOC(const QUuid& id)
+{
+    const Result<QStringList> result = m_activeTOCTask->result();
+    m_activeTOCTask.release()->deleteLater(); // it is calling us
+    if (const auto* sections = std::get_if<QStringList>(&result)) {
+        set(m_streamingTOC, *sections, Change::streamingTOC);
+        if (Page* page = sessionPage(id))
+            set(page->tableOfContents, *sections, Change::session);
+    }
+    set(m_tocIsLoading, false, Change::tocIsLoading);
+    publish();
+}
+
+void AppViewModel::cancelActiveStreams()
+{
+    if (m_activeTOCTask)
+        set(m_tocIsLoading, false, Change::tocIsLoading);
+    m_activeStreamTask.reset();
+    m_activeTOCTask.reset();
+    set(m_isStreaming, false, Change::isStreaming);
+}
+
+} // namespace varno

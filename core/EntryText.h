@@ -1,0 +1,21 @@
+#pragma once
+
+#include <QString>
+
+#include <optional>
+
+namespace varno {
+
+// How a model's answer, without its opening "<entry>", is read.
+
+/// What follows "SEE_ALSO_JSON:", trimmed; nothing when the answer has no such line.
+std::optional<QString> relatedTopicsText(const QString& answer);
+
+/// The entry alone: what stands before the related topics and before "</entry>", trimmed.
+QString cleanEntryText(const QString& answer);
+
+/// A title from a query: the first letter of each word in upper case, all others in lower case.
+/// Words are what white space separates.
+QString capitalised(const QString& query);
+
+} // namespace varno

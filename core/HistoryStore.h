@@ -1,0 +1,43 @@
+#pragma once
+
+#include "core/Session.h"
+
+#include <QFuture>
+#include <QThreadPool>
+
+namespace varno {
+
+/// The file of saved sessions. All work is done in the background, one piece after the other;
+/// failures are silent. Main thread only.
+///
+/// A file that is there but is no history is put aside before the first save takes its place.
+class HistoryStore {
+public:
+    explicit HistoryStore(QString path = defaultPath());
+
+    /// Finishes the pending writes.
+    ~HistoryStore() = default;
+    Q_DISABLE_COPY_MOVE(HistoryStore)
+
+    /// `Varno/session_history.json` in the user's application data. Worked out once per process; the
+    /// folder is created then.
+    static QString defaultPath();
+
+    /// Starts reading. The list is empty when there is no readable history.
+    [[nodiscard]] QFuture<QList<Session>> load();
+
+    /// Starts replacing the file's contents; the last list handed over is the one that stays.
+    void save(const QList<Session>& sessions);
+
+    /// Blocks until everything started so far is done.
+    void waitForDone();
+
+private:
+    void write(const QList<Session>& sessions);
+
+    QString m_path;
+    bool m_putAside = false; ///< belongs to the background
+    QThreadPool m_background;
+};
+
+} // namespace varno

@@ -1,0 +1,42 @@
+#pragma once
+
+#include "core/EntryStream.h"
+
+#include <QFuture>
+#include <QStringList>
+
+#include <memory>
+#include <optional>
+
+namespace varno {
+
+/// What is asked of a language model.
+struct ModelRequest {
+    QString prompt;
+    QString systemPrompt;
+    QString model; ///< the raw value of an AIModel
+    bool webSearch = false;
+};
+
+/// A provider of language models. Stateless towards its callers: any number of calls at once, from
+/// any thread with an event loop.
+class ModelService {
+public:
+    virtual ~ModelService() = default;
+
+    /// Starts at once and returns at once. The pieces carry what follows the first "<entry>" of the
+    /// answer, or all of the answer if it has none.
+    [[nodiscard]] virtual std::unique_ptr<EntryStream>
+    streamEntry(const ModelRequest& request) const = 0;
+
+    /// The names of the sections for an article on `topic`; empty when the answer held no usable
+    /// list. Runs on when the future is dropped.
+    [[nodiscard]] virtual QFuture<Result<QStringList>>
+    generateTOC(const QString& topic, const QString& model, bool webSearch) const = 0;
+
+    /// The array of strings in `text`, whatever stands around it, or nothing. A last "]" before the
+    /// first "[" ends the process.
+    [[nodiscard]] virtual std::optional<QStringList> parseJSONArray(const QString& text) const = 0;
+};
+
+} // namespace varno

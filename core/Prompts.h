@@ -1,0 +1,25 @@
+#pragma once
+
+#include "core/EntryType.h"
+
+#include <QString>
+
+namespace varno {
+
+// The texts that steer the model. What it answers is read by them too: they ask for an <entry>
+// element whose last line is "SEE_ALSO_JSON:" and an array of related topics, so every character
+// counts. Topics go in as they are, quotes and all.
+
+/// Asks for a new entry on `query`.
+QString entryPrompt(EntryType type, const QString& query);
+
+/// Asks for one section, as its parent's table of contents names it.
+QString sectionPrompt(const QString& section, const QString& parentTopic);
+
+/// Goes with every entry and every section.
+QString entrySystemPrompt();
+
+QString tocPrompt(const QString& topic);
+QString tocSystemPrompt();
+
+} // namespace varno

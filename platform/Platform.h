@@ -1,0 +1,17 @@
+#pragma once
+
+#include "platform/HttpSession.h"
+#include "platform/KeyStore.h"
+#include "platform/PreferencesStore.h"
+
+#include <memory>
+
+namespace varno {
+
+/// The backends of the system that Varno runs on. Each is made on first use and lives as long as the
+/// process.
+HttpSession& systemHttpSession();
+KeyStore& systemKeyStore();
+std::unique_ptr<PreferencesStore> makeSystemPreferencesStore();
+
+} // namespace varno

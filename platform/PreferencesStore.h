@@ -1,0 +1,27 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <optional>
+
+namespace varno {
+
+/// The user's key/value preferences, kept between runs. Main thread only.
+///
+/// A value that is missing or of another type reads as absent. Setting writes through at once;
+/// a failure to write is silent.
+class PreferencesStore {
+public:
+    virtual ~PreferencesStore() = default;
+
+    [[nodiscard]] virtual std::optional<bool> boolean(const QString& key) const = 0;
+    [[nodiscard]] virtual std::optional<QString> string(const QString& key) const = 0;
+    [[nodiscard]] virtual std::optional<QStringList> stringArray(const QString& key) const = 0;
+
+    virtual void setBoolean(const QString& key, bool value) = 0;
+    virtual void setString(const QString& key, const QString& value) = 0;
+    virtual void setStringArray(const QString& key, const QStringList& value) = 0;
+};
+
+} // namespace varno

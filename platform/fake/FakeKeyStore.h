@@ -1,0 +1,43 @@
+#pragma once
+
+#include "platform/KeyStore.h"
+
+#include <map>
+#include <mutex>
+
+namespace varno {
+
+/// Keys in memory.
+class FakeKeyStore final : public KeyStore {
+public:
+    void add(const KeyName& name, const QByteArray& secret) override
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_secrets[name.service + u'/' + name.account] = secret;
+    }
+
+    void remove(const KeyName& name) override
+    {
+        const std::scoped_lock lock(m_mutex);
+        m_secrets.erase(name.service + u'/' + name.account);
+    }
+
+    [[nodiscard]] std::optional<QByteArray> find(const KeyName& name,
+                                                 std::stop_token) const override
+    {
+        const std::scoped_lock lock(m_mutex);
+        const auto found = m_secrets.find(name.service + u'/' + name.account);
+        return found == m_secrets.end() ? std::nullopt : std::optional(found->second);
+    }
+
+    [[nodiscard]] KeyPresence presence(const KeyName& name) const override
+    {
+        return find(name, {}) ? KeyPresence::present : KeyPresence::absent;
+    }
+
+private:
+    mutable std::mutex m_mutex;
+    std::map<QString, QByteArray> m_secrets;
+};
+
+} // namespace varno

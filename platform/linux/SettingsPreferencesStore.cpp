@@ -1,0 +1,64 @@
+#include "platform/linux/SettingsPreferencesStore.h"
+
+#include <QStandardPaths>
+
+namespace varno {
+
+SettingsPreferencesStore::SettingsPreferencesStore(const QString& path)
+    : m_settings(path, QSettings::IniFormat)
+{
+}
+
+QString SettingsPreferencesStore::defaultPath()
+{
+    return QStandardPaths::writableLocation(QStandardPaths::GenericConfigLocation) +
+           QStringLiteral("/Varno/Varno.conf");
+}
+
+std::optional<bool> SettingsPreferencesStore::boolean(const QString& key) const
+{
+    // The file keeps words; Qt would take every word but "false" and "0" for true.
+    const std::optional<QString> word = string(key);
+    if (word == u"true" || word == u"1")
+        return true;
+    if (word == u"false" || word == u"0")
+        return false;
+    return std::nullopt;
+}
+
+std::optional<QString> SettingsPreferencesStore::string(const QString& key) const
+{
+    const QVariant value = m_settings.value(key);
+    if (value.typeId() != QMetaType::QString && value.typeId() != QMetaType::Bool)
+        return std::nullopt;
+    return value.toString();
+}
+
+std::optional<QStringList> SettingsPreferencesStore::stringArray(const QString& key) const
+{
+    // In the file a list of one is a plain word.
+    const QVariant value = m_settings.value(key);
+    if (value.typeId() != QMetaType::QStringList && value.typeId() != QMetaType::QString)
+        return std::nullopt;
+    return value.toStringList();
+}
+
+void SettingsPreferencesStore::setBoolean(const QString& key, bool value) { set(key, value); }
+
+void SettingsPreferencesStore::setString(const QString& key, const QString& value)
+{
+    set(key, value);
+}
+
+void SettingsPreferencesStore::setStringArray(const QString& key, const QStringList& value)
+{
+    set(key, value);
+}
+
+void SettingsPreferencesStore::set(const QString& key, const QVariant& value)
+{
+    m_settings.setValue(key, value);
+    m_settings.sync();
+}
+
+} // namespace varno

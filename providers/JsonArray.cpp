@@ -1,0 +1,28 @@
+#include "providers/JsonArray.h"
+
+#include "core/JsonReader.h"
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace varno {
+
+std::optional<QStringList> parseJSONArray(const QString& text)
+{
+    const qsizetype first = text.indexOf(u'[');
+    const qsizetype last = text.lastIndexOf(u']');
+    if (first < 0 || last < 0)
+        return std::nullopt;
+    if (last < first) {
+        std::fputs("varno: parseJSONArray: the last \"]\" stands before the first \"[\"\n", stderr);
+        std::abort();
+    }
+    const QByteArray array = QStringView(text).sliced(first, last - first + 1).toUtf8();
+    json::Parser parser;
+    const auto value =
+        json::parse(parser, {array.data(), static_cast<std::size_t>(array.size())});
+    const auto elements = value ? json::as<json::Array>(*value) : std::nullopt;
+    return elements ? json::strings(*elements) : std::nullopt;
+}
+
+} // namespace varno

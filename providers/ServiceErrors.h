@@ -1,0 +1,37 @@
+#pragma once
+
+#include <QString>
+
+#include <variant>
+
+namespace varno {
+
+/// A failure that is neither the service's nor ours to name: of the transport, or of a reply that is
+/// not what the service promises.
+struct NetworkError {
+    QString description;
+};
+struct DecodingError {
+    QString message;
+};
+struct NoAPIKey {};
+
+/// The Anthropic service answered with a status other than 200.
+struct InvalidResponse {
+    int statusCode = 0;
+};
+using ClaudeError = std::variant<InvalidResponse, NetworkError, DecodingError, NoAPIKey>;
+
+/// The Gemini service answered with a status other than 200.
+struct APIError {
+    int statusCode = 0;
+    QString message;
+};
+using GeminiError = std::variant<APIError, NetworkError, DecodingError, NoAPIKey>;
+
+/// What the user reads.
+QString errorDescription(const NetworkError& error);
+QString errorDescription(const ClaudeError& error);
+QString errorDescription(const GeminiError& error);
+
+} // namespace varno
