@@ -13,6 +13,7 @@ struct EntryStream::Sink::Mailbox {
     EntryStream* stream = nullptr; ///< null once the stream is gone
     QStringList pieces;
     std::optional<Outcome> outcome;
+    bool finished = false;
     bool deliveryPosted = false;
 
     /// Changes the mailbox by `change` and sees to it that the stream empties it soon.
@@ -20,7 +21,7 @@ struct EntryStream::Sink::Mailbox {
     void update(Change change)
     {
         const std::scoped_lock lock(mutex);
-        if (!stream)
+        if (!stream || finished)
             return;
         change();
         if (!std::exchange(deliveryPosted, true))
@@ -40,7 +41,10 @@ void EntryStream::Sink::send(const QString& piece) const
 
 void EntryStream::Sink::finish(const Outcome& outcome) const
 {
-    m_mailbox->update([&] { m_mailbox->outcome = outcome; });
+    m_mailbox->update([&] {
+        m_mailbox->outcome = outcome;
+        m_mailbox->finished = true;
+    });
 }
 
 EntryStream::EntryStream()

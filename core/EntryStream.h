@@ -26,7 +26,7 @@ public:
     using Outcome = std::variant<Completed, Failure>;
 
     /// The producer's end. May outlive the stream, is freely copied and used from any thread; what
-    /// is sent to a stream that is gone is dropped.
+    /// is sent to a stream that is finished or gone is dropped.
     class Sink {
     public:
         void send(const QString& piece) const;

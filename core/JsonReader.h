@@ -19,9 +19,15 @@ using Object = simdjson::dom::object;
 using Array = simdjson::dom::array;
 using Parser = simdjson::dom::parser;
 
+/// All of `utf8`: QString::fromUtf8 would drop a U+FEFF at the beginning.
 inline QString toQString(std::string_view utf8)
 {
-    return QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+    const bool marked = utf8.starts_with(byteOrderMark);
+    if (marked)
+        utf8.remove_prefix(byteOrderMark.size());
+    const QString text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    return marked ? QChar(QChar::ByteOrderMark) + text : text;
 }
 
 /// Nothing unless `text` is one whole valid JSON value; good until `parser` reads the next one.

@@ -1,0 +1,91 @@
+#pragma once
+
+#include "core/AppViewModel.h"
+#include "platform/fake/FakePreferencesStore.h"
+#include "tests/ModelServiceByHand.h"
+
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <memory>
+
+namespace varno {
+
+/// A controller on a history file of its own, with model services played by the test.
+class ControllerFixture {
+public:
+    using Change = AppViewModel::Change;
+
+    ControllerFixture() { start(); }
+
+    /// As after a restart of the program: the preferences and the file stay.
+    void start()
+    {
+        model.reset();
+        history.reset(); // finishes what is being written
+        history = std::make_unique<HistoryStore>(path());
+        model = std::make_unique<AppViewModel>(
+            AppViewModel::Dependencies{.preferences = preferences,
+                                       .history = *history,
+                                       .claude = claude,
+                                       .gemini = gemini,
+                                       .now = [this] { return now; }});
+        QObject::connect(model.get(), &AppViewModel::changed, model.get(),
+                         [this](AppViewModel::Changes what) { announced |= what; });
+    }
+
+    [[nodiscard]] QString path() const { return folder.filePath(QStringLiteral("history.json")); }
+
+    /// Sends `text` as the answer to the newest request for an entry, and ends it.
+    void answer(const QString& text, const EntryStream::Outcome& outcome = EntryStream::Completed())
+    {
+        const auto& sink = claude.entries.back().sink;
+        sink.send(text);
+        sink.finish(outcome);
+        QTRY_VERIFY(!model->isStreaming());
+    }
+
+    /// Sends a piece of an answer and waits until it is on show.
+    void send(const QString& piece)
+    {
+        const QString wanted = model->streamingContent() + piece;
+        claude.entries.back().sink.send(piece);
+        QTRY_COMPARE(model->streamingContent(), wanted);
+    }
+
+    /// A finished entry for `query`.
+    void write(const QString& query, const QString& text = QStringLiteral("Text."))
+    {
+        model->search(query);
+        answer(text);
+    }
+
+    /// A finished article with its table of contents.
+    void writeArticle(const QString& query, const QStringList& sections)
+    {
+        model->search(query);
+        claude.tocs.back().answer(sections);
+        answer(QStringLiteral("Overview."));
+        QTRY_VERIFY(!model->tocIsLoading());
+    }
+
+    /// The titles of the pages on the trail.
+    [[nodiscard]] QStringList trail() const
+    {
+        QStringList titles;
+        for (const QUuid& id : model->session()->navigationHistory)
+            titles.append(model->session()->page(id)->title);
+        return titles;
+    }
+
+    QTemporaryDir folder;
+    FakePreferencesStore preferences;
+    ModelServiceByHand claude;
+    ModelServiceByHand gemini;
+    QDateTime now = QDateTime::fromString(QStringLiteral("2026-05-20T12:00:00Z"), Qt::ISODate);
+    AppViewModel::Changes announced;
+    std::unique_ptr<HistoryStore> history;
+    std::unique_ptr<AppViewModel> model;
+};
+
+} // namespace varno

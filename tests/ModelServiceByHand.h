@@ -1,0 +1,61 @@
+#pragma once
+
+#include "core/ModelService.h"
+#include "providers/JsonArray.h"
+
+#include <QPointer>
+#include <QPromise>
+
+#include <deque>
+#include <memory>
+
+namespace varno {
+
+/// A model service whose replies the test gives by hand, and which remembers what it was asked.
+class ModelServiceByHand final : public ModelService {
+public:
+    struct Entry {
+        ModelRequest request;
+        EntryStream::Sink sink;
+        QPointer<EntryStream> stream; ///< null once nobody listens
+    };
+    struct TOC {
+        QString topic;
+        QString model;
+        bool webSearch = false;
+        std::shared_ptr<QPromise<Result<QStringList>>> promise;
+
+        void answer(const Result<QStringList>& result) const
+        {
+            promise->addResult(result);
+            promise->finish();
+        }
+    };
+
+    mutable std::deque<Entry> entries;
+    mutable std::deque<TOC> tocs;
+
+    [[nodiscard]] std::unique_ptr<EntryStream>
+    streamEntry(const ModelRequest& request) const override
+    {
+        auto stream = std::make_unique<EntryStream>();
+        entries.push_back({request, stream->sink(), stream.get()});
+        return stream;
+    }
+
+    [[nodiscard]] QFuture<Result<QStringList>>
+    generateTOC(const QString& topic, const QString& model, bool webSearch) const override
+    {
+        auto promise = std::make_shared<QPromise<Result<QStringList>>>();
+        promise->start();
+        tocs.push_back({topic, model, webSearch, promise});
+        return promise->future();
+    }
+
+    [[nodiscard]] std::optional<QStringList> parseJSONArray(const QString& text) const override
+    {
+        return varno::parseJSONArray(text);
+    }
+};
+
+} // namespace varno
