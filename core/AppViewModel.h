@@ -21,8 +21,8 @@ namespace varno {
 /// keeps both histories. Main thread only.
 ///
 /// Screens read the state and call the operations. Each operation changes the state completely
-/// before it announces anything, so a screen may call any operation, or destroy the controller, from
-/// within an announcement.
+/// before it announces anything, so a screen may call any operation, or destroy the controller,
+/// from within an announcement.
 class AppViewModel final : public QObject {
     Q_OBJECT
 
@@ -61,8 +61,8 @@ public:
     /// Reads the preferences, and starts reading the saved sessions.
     explicit AppViewModel(Dependencies dependencies);
 
-    // State. References are good until the next operation; a copy of the session or of its text that
-    // is kept while an entry streams makes every piece copy the page.
+    // State. References are good until the next operation; a copy of the session or of its text
+    // that is kept while an entry streams makes every piece copy the page.
     [[nodiscard]] bool isShowingEntry() const { return m_isShowingEntry; }
     [[nodiscard]] bool isShowingSettings() const { return m_isShowingSettings; }
     [[nodiscard]] bool isShowingFind() const { return m_isShowingFind; }

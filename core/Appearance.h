@@ -17,7 +17,10 @@ struct RawValues<AppTheme> {
     }};
 };
 
-constexpr bool isLight(AppTheme theme) { return theme != AppTheme::dark; }
+constexpr bool isLight(AppTheme theme)
+{
+    return theme != AppTheme::dark;
+}
 
 enum class FontSize { small, medium, large };
 

@@ -39,8 +39,8 @@ QString capitalised(const QString& query)
     for (const char32_t codePoint : query.toUcs4()) {
         const QString character = QString::fromUcs4(&codePoint, 1);
         title += firstLetterSeen ? character.toLower() : character.toUpper();
-        firstLetterSeen = !QChar::isSpace(codePoint) &&
-                          (firstLetterSeen || QChar::isLetter(codePoint));
+        firstLetterSeen =
+            !QChar::isSpace(codePoint) && (firstLetterSeen || QChar::isLetter(codePoint));
     }
     return title;
 }

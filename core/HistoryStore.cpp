@@ -54,7 +54,10 @@ void HistoryStore::save(const QList<Session>& sessions)
     m_background.start([this, sessions] { write(sessions); });
 }
 
-void HistoryStore::waitForDone() { m_background.waitForDone(); }
+void HistoryStore::waitForDone()
+{
+    m_background.waitForDone();
+}
 
 void HistoryStore::write(const QList<Session>& sessions)
 {

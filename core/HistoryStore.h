@@ -19,8 +19,8 @@ public:
     ~HistoryStore() = default;
     Q_DISABLE_COPY_MOVE(HistoryStore)
 
-    /// `Varno/session_history.json` in the user's application data. Worked out once per process; the
-    /// folder is created then.
+    /// `Varno/session_history.json` in the user's application data. Worked out once per process;
+    /// the folder is created then.
     static QString defaultPath();
 
     /// Starts reading. The list is empty when there is no readable history.

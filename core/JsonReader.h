@@ -4,10 +4,10 @@
 #include <QString>
 #include <QStringList>
 
+#include <simdjson.h>
+
 #include <optional>
 #include <string_view>
-
-#include <simdjson.h>
 
 namespace varno::json {
 

@@ -12,9 +12,9 @@ namespace varno {
 
 /// What is asked of a language model.
 struct ModelRequest {
-    QString prompt;
-    QString systemPrompt;
-    QString model; ///< the raw value of an AIModel
+    QString prompt = {};
+    QString systemPrompt = {};
+    QString model = {}; ///< the raw value of an AIModel
     bool webSearch = false;
 };
 

@@ -11,12 +11,12 @@ QString entryPrompt(EntryType type, const QString& query)
         return u"Write a concise encyclopedia definition for \"%1\". Include etymology if "
                u"relevant. Keep it to 2–4 sentences. After the definition, on a new line write "
                u"exactly: SEE_ALSO_JSON: followed by a JSON array of 4–5 related terms as strings."_s
-            .arg(query);
+                   .arg(query);
     case EntryType::shortAnswer:
         return u"Write a brief encyclopedia entry (1 paragraph) answering \"%1\". Use an "
                u"encyclopedic, authoritative tone. After the entry, on a new line write exactly: "
-               u"SEE_ALSO_JSON: followed by a JSON array of 4–5 related topics as strings."_s
-            .arg(query);
+               u"SEE_ALSO_JSON: followed by a JSON array of 4–5 related topics as strings."_s.arg(
+                   query);
     case EntryType::full:
         break;
     }
@@ -25,8 +25,7 @@ QString entryPrompt(EntryType type, const QString& query)
            u"Write in an authoritative but accessible encyclopedia style. Use ## sub-headings "
            u"(e.g. ## Etymology, ## Background, ## Significance) to divide the content into named "
            u"parts where the topic warrants it. After the entry, on a new line write exactly: "
-           u"SEE_ALSO_JSON: followed by a JSON array of 5 related topics as strings."_s
-        .arg(query);
+           u"SEE_ALSO_JSON: followed by a JSON array of 5 related topics as strings."_s.arg(query);
 }
 
 QString sectionPrompt(const QString& section, const QString& parentTopic)
@@ -39,8 +38,8 @@ QString sectionPrompt(const QString& section, const QString& parentTopic)
            u"examples, or analysis relevant only to this section. Do not repeat the section title "
            u"at the very top. You may use ## or ### sub-headings to divide the body into named "
            u"parts if the content warrants it. After the entry, on a new line write exactly: "
-           u"SEE_ALSO_JSON: followed by a JSON array of 4–5 related topics as strings."_s
-        .arg(section, parentTopic);
+           u"SEE_ALSO_JSON: followed by a JSON array of 4–5 related topics as strings."_s.arg(
+               section, parentTopic);
 }
 
 QString entrySystemPrompt()
@@ -61,8 +60,7 @@ QString tocPrompt(const QString& topic)
            u"\"Overview\", \"Introduction\", or \"Summary\" as sections — only body sections. "
            u"Return ONLY a JSON array of 5–8 section name strings. Example: [\"Historical "
            u"Background\",\"Key Principles\",\"Contemporary "
-           u"Applications\",\"Critiques\",\"Further Reading\"]"_s
-        .arg(topic);
+           u"Applications\",\"Critiques\",\"Further Reading\"]"_s.arg(topic);
 }
 
 QString tocSystemPrompt()

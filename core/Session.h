@@ -51,7 +51,8 @@ struct Session {
     /// Shows a page that the session holds once more; without effect for any other.
     void revisit(const QUuid& pageId);
 
-    /// Cuts the trail after the last time that `pageId` was shown; without effect when it never was.
+    /// Cuts the trail after the last time that `pageId` was shown; without effect when it never
+    /// was.
     void cutHistoryAfter(const QUuid& pageId);
 
     /// A written page for that section of `parentId`, by its exact name.

@@ -9,7 +9,10 @@
 namespace varno {
 namespace {
 
-QString canonical(const QUuid& id) { return id.toString(QUuid::WithoutBraces).toUpper(); }
+QString canonical(const QUuid& id)
+{
+    return id.toString(QUuid::WithoutBraces).toUpper();
+}
 
 void writeStrings(JsonWriter& writer, QStringView key, const QStringList& strings)
 {

@@ -7,7 +7,10 @@
 namespace varno {
 namespace {
 
-Failure failure(const ClaudeError& error) { return {errorDescription(error)}; }
+Failure failure(const ClaudeError& error)
+{
+    return {errorDescription(error)};
+}
 
 QByteArray body(const ModelRequest& request, ReplyForm form)
 {
@@ -47,8 +50,8 @@ ServiceDialect dialect(const QByteArray& endpoint, const KeychainService& keycha
         .eventText = &claudeEventText,
         .replyText = &claudeReplyText,
         .readsErrorBody = false,
-        .statusFailure =
-            [](int statusCode, std::string_view) { return failure(InvalidResponse{statusCode}); },
+        .statusFailure = [](int statusCode,
+                            std::string_view) { return failure(InvalidResponse{statusCode}); },
     };
 }
 
@@ -56,8 +59,8 @@ ServiceDialect dialect(const QByteArray& endpoint, const KeychainService& keycha
 
 const ClaudeService& ClaudeService::shared()
 {
-    static const ClaudeService service("https://api.anthropic.com/v1/messages",
-                                       systemHttpSession(), KeychainService::shared());
+    static const ClaudeService service("https://api.anthropic.com/v1/messages", systemHttpSession(),
+                                       KeychainService::shared());
     return service;
 }
 

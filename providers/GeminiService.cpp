@@ -11,7 +11,10 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-Failure failure(const GeminiError& error) { return {errorDescription(error)}; }
+Failure failure(const GeminiError& error)
+{
+    return {errorDescription(error)};
+}
 
 bool isHexDigit(QByteArrayView text, qsizetype position)
 {
@@ -24,8 +27,8 @@ bool isQueryText(QByteArrayView text)
     constexpr std::string_view marks = "-._~!$&'()*+,;=:@/?";
     for (qsizetype i = 0; i < text.size(); ++i) {
         const char c = text[i];
-        const bool letterOrDigit = (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') ||
-                                   (c >= '0' && c <= '9');
+        const bool letterOrDigit =
+            (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || (c >= '0' && c <= '9');
         const bool escape = c == '%' && isHexDigit(text, i + 1) && isHexDigit(text, i + 2);
         if (!letterOrDigit && !escape && marks.find(c) == std::string_view::npos)
             return false;
@@ -94,10 +97,10 @@ ServiceDialect dialect(const QByteArray& baseURL, const KeychainService& keychai
     return {
         .keyAccount = keychain.geminiAccount,
         .noAPIKey = failure(NoAPIKey()),
-        .makeRequest = [baseURL, timeout](const ModelRequest& request, ReplyForm form,
-                                          const QString& key) {
-            return makeRequest(baseURL, timeout, request, form, key);
-        },
+        .makeRequest =
+            [baseURL, timeout](const ModelRequest& request, ReplyForm form, const QString& key) {
+                return makeRequest(baseURL, timeout, request, form, key);
+            },
         .eventText = &geminiEventText,
         .replyText = &geminiReplyText,
         .readsErrorBody = true,

@@ -28,12 +28,11 @@ void KeychainService::save(const QString& key, const QString& account) const
 
 std::optional<QString> KeychainService::load(const QString& account, std::stop_token stop) const
 {
-    const auto bytes =
-        m_store.find({.service = service, .account = account}, std::move(stop));
+    const auto bytes = m_store.find({.service = service, .account = account}, std::move(stop));
     if (!bytes)
         return std::nullopt;
     QStringDecoder decode(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless |
-                                                   QStringDecoder::Flag::ConvertInitialBom);
+                                                    QStringDecoder::Flag::ConvertInitialBom);
     const QString key = decode(*bytes);
     return decode.hasError() ? std::nullopt : std::optional(key);
 }

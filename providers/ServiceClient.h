@@ -31,8 +31,7 @@ class ServiceClient : public ModelService {
 public:
     ServiceClient(HttpSession& http, const KeychainService& keychain, ServiceDialect dialect);
 
-    [[nodiscard]] std::unique_ptr<EntryStream>
-    streamEntry(const ModelRequest& request) const final;
+    [[nodiscard]] std::unique_ptr<EntryStream> streamEntry(const ModelRequest& request) const final;
 
     [[nodiscard]] QFuture<Result<QStringList>>
     generateTOC(const QString& topic, const QString& model, bool webSearch) const final;

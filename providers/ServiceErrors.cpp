@@ -48,8 +48,17 @@ struct ForGemini : Common {
 
 } // namespace
 
-QString errorDescription(const NetworkError& error) { return Common()(error); }
-QString errorDescription(const ClaudeError& error) { return std::visit(ForClaude(), error); }
-QString errorDescription(const GeminiError& error) { return std::visit(ForGemini(), error); }
+QString errorDescription(const NetworkError& error)
+{
+    return Common()(error);
+}
+QString errorDescription(const ClaudeError& error)
+{
+    return std::visit(ForClaude(), error);
+}
+QString errorDescription(const GeminiError& error)
+{
+    return std::visit(ForGemini(), error);
+}
 
 } // namespace varno

@@ -6,8 +6,8 @@
 
 namespace varno {
 
-/// A failure that is neither the service's nor ours to name: of the transport, or of a reply that is
-/// not what the service promises.
+/// A failure that is neither the service's nor ours to name: of the transport, or of a reply that
+/// is not what the service promises.
 struct NetworkError {
     QString description;
 };

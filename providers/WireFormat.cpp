@@ -46,8 +46,8 @@ bool readTyped(json::Object object, std::string_view& type, Text& text)
     return true;
 }
 
-/// Walks the records of `array`; what the first one holds goes to `first`. False when any of them is
-/// not as `read` wants it.
+/// Walks the records of `array`; what the first one holds goes to `first`. False when any of them
+/// is not as `read` wants it.
 template <typename Read>
 bool readFirst(json::Array array, Text& first, Read read)
 {
@@ -127,8 +127,7 @@ std::optional<QString> geminiEventText(json::Parser& parser, std::string_view pa
 std::optional<QString> claudeReplyText(json::Parser& parser, std::string_view body)
 {
     const auto reply = parseObject(parser, body);
-    const auto blocks =
-        reply ? json::requiredMember<json::Array>(*reply, "content") : std::nullopt;
+    const auto blocks = reply ? json::requiredMember<json::Array>(*reply, "content") : std::nullopt;
     if (!blocks)
         return std::nullopt;
 

@@ -1,5 +1,6 @@
-#include "core/AIModel.h"
 #include "core/Appearance.h"
+
+#include "core/AIModel.h"
 
 #include <QTest>
 
@@ -40,8 +41,8 @@ private slots:
         QTest::addColumn<QList<int>>("amber");
         QTest::addColumn<QList<int>>("dark");
         using L = QList<int>;
-        QTest::newRow("background") << ColorRole::background << L{245, 236, 215}
-                                    << L{232, 213, 163} << L{42, 34, 24};
+        QTest::newRow("background")
+            << ColorRole::background << L{245, 236, 215} << L{232, 213, 163} << L{42, 34, 24};
         QTest::newRow("surface") << ColorRole::surface << L{237, 224, 196} << L{217, 196, 128}
                                  << L{30, 24, 16};
         QTest::newRow("border") << ColorRole::border << L{196, 168, 130} << L{160, 128, 64}

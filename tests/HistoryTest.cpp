@@ -28,8 +28,7 @@ QStringList savedQueries(const ControllerFixture& fixture)
 {
     fixture.history->waitForDone();
     const QByteArray bytes = contents(fixture.path());
-    const auto sessions =
-        decodeSessions({bytes.data(), static_cast<std::size_t>(bytes.size())});
+    const auto sessions = decodeSessions({bytes.data(), static_cast<std::size_t>(bytes.size())});
     QStringList queries;
     for (const Session& session : sessions.value_or(QList<Session>()))
         queries.append(session.rootQuery);
@@ -145,8 +144,9 @@ private slots:
         fixture.model->newSearch();
         QCOMPARE(savedQueries(fixture), QStringList({u"carthage"_s, u"rome"_s}));
 
-        const QStringList others = QDir(fixture.folder.path())
-                                       .entryList({u"history.json.*"_s}, QDir::Files | QDir::Hidden);
+        const QStringList others =
+            QDir(fixture.folder.path())
+                .entryList({u"history.json.*"_s}, QDir::Files | QDir::Hidden);
         QCOMPARE(others.size(), 1);
         QCOMPARE(contents(fixture.folder.filePath(others.first())), bytes);
     }

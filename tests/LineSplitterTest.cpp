@@ -39,15 +39,21 @@ private slots:
         QTest::newRow("LF") << QByteArray("a\nb\n\nc\n") << Lines{"a", "b", "", "c"};
         QTest::newRow("CR LF") << QByteArray("a\r\nb\r\n\r\nc\r\n") << Lines{"a", "b", "", "c"};
         QTest::newRow("CR") << QByteArray("a\rb\r\rc\r") << Lines{"a", "b", "", "c"};
-        QTest::newRow("mixed") << QByteArray("a\n\rb\r\n\nc\r\r\nd") << Lines{"a", "", "b", "", "c", "", "d"};
+        QTest::newRow("mixed") << QByteArray("a\n\rb\r\n\nc\r\r\nd")
+                               << Lines{"a", "", "b", "", "c", "", "d"};
         QTest::newRow("no end") << QByteArray("data: x") << Lines{"data: x"};
         QTest::newRow("nothing") << QByteArray() << Lines{};
         QTest::newRow("end alone") << QByteArray("\n") << Lines{""};
         QTest::newRow("other separators") << QByteArray("a\x0b b\x0c c\xc2\x85 d\xe2\x80\xa8 e\n")
                                           << Lines{"a\x0b b\x0c c\xc2\x85 d\xe2\x80\xa8 e"};
         QTest::newRow("NUL") << QByteArray("a\0b\nc", 5) << Lines{QByteArray("a\0b", 3), "c"};
-        QTest::newRow("one byte-order mark") << QByteArray("\xEF\xBB\xBF\xEF\xBB\xBF" "a\n\xEF\xBB\xBF" "b\n")
-                                             << Lines{"\xEF\xBB\xBF" "a", "\xEF\xBB\xBF" "b"};
+        QTest::newRow("one byte-order mark") << QByteArray("\xEF\xBB\xBF\xEF\xBB\xBF"
+                                                           "a\n\xEF\xBB\xBF"
+                                                           "b\n")
+                                             << Lines{"\xEF\xBB\xBF"
+                                                      "a",
+                                                      "\xEF\xBB\xBF"
+                                                      "b"};
     }
     void linesDoNotDependOnTheCut()
     {

@@ -23,8 +23,8 @@ private slots:
         QTest::newRow("tab is no separator") << u"quantum\tmechanics"_s << EntryType::definition;
         QTest::newRow("newline is no separator") << u"a\nb\nc\nd\ne"_s << EntryType::definition;
         QTest::newRow("no-break space is no separator") << u"a\u00A0b"_s << EntryType::definition;
-        QTest::newRow("surrounding newlines") << u"\n\t photosynthesis\u2003\n"_s
-                                              << EntryType::definition;
+        QTest::newRow("surrounding newlines")
+            << u"\n\t photosynthesis\u2003\n"_s << EntryType::definition;
         QTest::newRow("nothing") << QString() << EntryType::full;
         QTest::newRow("blanks alone") << u" \t "_s << EntryType::full;
     }
@@ -73,7 +73,8 @@ private slots:
     void topicsGoInAsTheyAre()
     {
         const QString hostile = u"the \"%1\" and %2 of {query} \\ 100%"_s;
-        for (const EntryType type : {EntryType::definition, EntryType::shortAnswer, EntryType::full})
+        for (const EntryType type :
+             {EntryType::definition, EntryType::shortAnswer, EntryType::full})
             QCOMPARE(entryPrompt(type, hostile).count(u'"' + hostile + u'"'), 1);
         QCOMPARE(tocPrompt(hostile).count(u'"' + hostile + u'"'), 1);
 

@@ -95,10 +95,10 @@ private slots:
         QTest::newRow("as asked") << u"Text.\nSEE_ALSO_JSON: [\"A\", \"B\"]\n</entry>"_s
                                   << u"Text."_s << QStringList({u"A"_s, u"B"_s});
         QTest::newRow("no topics") << u" Text.</entry>"_s << u"Text."_s << QStringList();
-        QTest::newRow("malformed topics") << u"Text.\nSEE_ALSO_JSON: [\"A\", B]</entry>"_s
-                                          << u"Text."_s << QStringList();
-        QTest::newRow("topics cut off") << u"Text.\nSEE_ALSO_JSON: [\"A\""_s << u"Text."_s
-                                        << QStringList();
+        QTest::newRow("malformed topics")
+            << u"Text.\nSEE_ALSO_JSON: [\"A\", B]</entry>"_s << u"Text."_s << QStringList();
+        QTest::newRow("topics cut off")
+            << u"Text.\nSEE_ALSO_JSON: [\"A\""_s << u"Text."_s << QStringList();
         QTest::newRow("topics behind the tag")
             << u"Text.</entry>\nSEE_ALSO_JSON: [\"A\"]"_s << u"Text."_s << QStringList({u"A"_s});
         QTest::newRow("nothing") << QString() << QString() << QStringList();

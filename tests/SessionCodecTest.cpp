@@ -90,10 +90,8 @@ private slots:
         QJsonDocument document = QJsonDocument::fromJson(handWritten());
         QJsonObject session = document.array().at(0).toObject();
         const QJsonArray pairs = session["pages"_L1].toArray();
-        session["pages"_L1] =
-            QJsonObject{{rootId, pairs.at(1)}, {sectionId, pairs.at(3)}};
-        const auto sessions =
-            decodeSessions(view(QJsonDocument(QJsonArray{session}).toJson()));
+        session["pages"_L1] = QJsonObject{{rootId, pairs.at(1)}, {sectionId, pairs.at(3)}};
+        const auto sessions = decodeSessions(view(QJsonDocument(QJsonArray{session}).toJson()));
         QCOMPARE(sessions, decodeSessions(view(handWritten())));
     }
 
@@ -117,18 +115,18 @@ private slots:
             << withReplaced(good, "\"parentSectionName\":\"Logic\"", "\"parentSectionName\":1");
         QTest::newRow("parent id is no id")
             << withReplaced(good, "\"parentPageId\":null", "\"parentPageId\":\"x\"");
-        QTest::newRow("id in braces") << withReplaced(
-            good, "\"11111111-2222-4333-8444-555555555555\"",
-            "\"{1111111-2222-4333-8444-55555555555}\"");
+        QTest::newRow("id in braces")
+            << withReplaced(good, "\"11111111-2222-4333-8444-555555555555\"",
+                            "\"{1111111-2222-4333-8444-55555555555}\"");
         QTest::newRow("id with another letter")
             << withReplaced(good, "11111111-2222", "1111111g-2222");
-        QTest::newRow("history holds null") << withReplaced(
-            good, "\"navigationHistory\":[", "\"navigationHistory\":[null,");
-        QTest::newRow("odd number of pages")
-            << withReplaced(good, "\"pages\":[", "\"pages\":[\"0A1B2C3D-0000-4000-8000-00000000002F\",");
-        QTest::newRow("pages is a number")
-            << QByteArray("[{\"createdAt\":0,\"rootQuery\":\"\",\"pages\":1,\"navigationHistory\":[],"
-                          "\"id\":\"11111111-2222-4333-8444-555555555555\"}]");
+        QTest::newRow("history holds null")
+            << withReplaced(good, "\"navigationHistory\":[", "\"navigationHistory\":[null,");
+        QTest::newRow("odd number of pages") << withReplaced(
+            good, "\"pages\":[", "\"pages\":[\"0A1B2C3D-0000-4000-8000-00000000002F\",");
+        QTest::newRow("pages is a number") << QByteArray(
+            "[{\"createdAt\":0,\"rootQuery\":\"\",\"pages\":1,\"navigationHistory\":[],"
+            "\"id\":\"11111111-2222-4333-8444-555555555555\"}]");
         QTest::newRow("invalid UTF-8") << withReplaced(good, "Zeno", "Z\xffno");
         QTest::newRow("lone surrogate") << withReplaced(good, "Zeno", "\\ud800");
         QTest::newRow("nested without end") << QByteArray(5 * 1000 * 1000, '[');
@@ -142,7 +140,8 @@ private slots:
 
     void idsReadInEitherCase()
     {
-        const auto sessions = decodeSessions(view(withReplaced(handWritten(), "0A1B2C3D", "0a1b2c3d")));
+        const auto sessions =
+            decodeSessions(view(withReplaced(handWritten(), "0A1B2C3D", "0a1b2c3d")));
         QCOMPARE(sessions, decodeSessions(view(handWritten())));
     }
 
@@ -173,7 +172,8 @@ private slots:
         QTest::newRow("controls") << u"\t\n\r\b\f\u0001\u001f\u007f\"\\/"_s;
         QTest::newRow("NUL") << u"a"_s + QChar(u'\0') + u"b"_s;
         QTest::newRow("line separators") << u"a\u2028b\u2029c\u0085d"_s;
-        QTest::newRow("beyond the first plane") << u"\U0001F3DB\U0001F468\u200D\U0001F469 e\u0301"_s;
+        QTest::newRow("beyond the first plane")
+            << u"\U0001F3DB\U0001F468\u200D\U0001F469 e\u0301"_s;
         QTest::newRow("looks like an escape") << u"\\u0041 \\n"_s;
         QTest::newRow("byte-order mark") << u"\uFEFFx"_s;
     }

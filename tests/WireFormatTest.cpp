@@ -1,6 +1,7 @@
+#include "providers/WireFormat.h"
+
 #include "providers/EntryTagFilter.h"
 #include "providers/JsonArray.h"
-#include "providers/WireFormat.h"
 
 #include <QProcess>
 #include <QTest>
@@ -20,7 +21,10 @@ std::string_view view(const QByteArray& bytes)
 using Text = std::optional<QString>;
 
 /// JSON with single quotes, for the eye.
-QByteArray quoted(QByteArray text) { return text.replace('\'', '"'); }
+QByteArray quoted(QByteArray text)
+{
+    return text.replace('\'', '"');
+}
 
 } // namespace
 
@@ -44,32 +48,51 @@ private slots:
         const auto row = [](const char* name, const char* payload, const Text& text) {
             QTest::newRow(name) << quoted(payload) << text;
         };
-        row("text", "{'type':'content_block_delta','index':0,'delta':{'type':'text_delta','text':'Rome'}   }", u"Rome"_s);
-        row("any kind of delta", "{'type':'content_block_delta','delta':{'type':'x','text':'a'}}", u"a"_s);
+        row("text",
+            "{'type':'content_block_delta','index':0,'delta':{'type':'text_delta','text':'Rome'}   "
+            "}",
+            u"Rome"_s);
+        row("any kind of delta", "{'type':'content_block_delta','delta':{'type':'x','text':'a'}}",
+            u"a"_s);
         row("empty text", "{'type':'content_block_delta','delta':{'type':'x','text':''}}", u""_s);
-        row("escapes", "{'type':'content_block_delta','delta':{'type':'x','text':'\\u00e9\\ud83c\\udfdb\\u0000\\n'}}",
+        row("escapes",
+            "{'type':'content_block_delta','delta':{'type':'x','text':'"
+            "\\u00e9\\ud83c\\udfdb\\u0000\\n'}}",
             u"é\U0001F3DB"_s + QChar(u'\0') + u"\n"_s);
-        row("byte-order mark", "{'type':'content_block_delta','delta':{'type':'x','text':'\xEF\xBB\xBFx'}}", u"\uFEFFx"_s);
-        row("null members", "{'type':'content_block_delta','index':null,'delta':{'type':'x','text':null}}", {});
+        row("byte-order mark",
+            "{'type':'content_block_delta','delta':{'type':'x','text':'\xEF\xBB\xBFx'}}",
+            u"\uFEFFx"_s);
+        row("null members",
+            "{'type':'content_block_delta','index':null,'delta':{'type':'x','text':null}}", {});
         row("delta without type", "{'type':'content_block_delta','delta':{'text':'a'}}", {});
         row("delta is null", "{'type':'content_block_delta','delta':null}", {});
         row("text is a number", "{'type':'content_block_delta','delta':{'type':'x','text':1}}", {});
-        row("index is a text", "{'type':'content_block_delta','index':'0','delta':{'type':'x','text':'a'}}", {});
-        row("index is a fraction", "{'type':'content_block_delta','index':0.5,'delta':{'type':'x','text':'a'}}", {});
-        row("index is whole", "{'type':'content_block_delta','index':1.0,'delta':{'type':'x','text':'a'}}", u"a"_s);
+        row("index is a text",
+            "{'type':'content_block_delta','index':'0','delta':{'type':'x','text':'a'}}", {});
+        row("index is a fraction",
+            "{'type':'content_block_delta','index':0.5,'delta':{'type':'x','text':'a'}}", {});
+        row("index is whole",
+            "{'type':'content_block_delta','index':1.0,'delta':{'type':'x','text':'a'}}", u"a"_s);
         row("another event", "{'type':'message_delta','delta':{'stop_reason':'end_turn'}}", {});
-        row("another event with text", "{'type':'content_block_start','delta':{'type':'x','text':'a'}}", {});
+        row("another event with text",
+            "{'type':'content_block_start','delta':{'type':'x','text':'a'}}", {});
         row("no type", "{'delta':{'type':'x','text':'a'}}", {});
-        row("error", "{'type':'error','error':{'type':'overloaded_error','message':'Overloaded'}}", {});
+        row("error", "{'type':'error','error':{'type':'overloaded_error','message':'Overloaded'}}",
+            {});
         row("end mark", "[DONE]", {});
         row("array", "[]", {});
         row("nothing", "", {});
         row("cut off", "{'type':'content_block_delta','delta':{'type':'x','text':'a", {});
-        row("trailing text", "{'type':'content_block_delta','delta':{'type':'x','text':'a'}} x", {});
-        row("broken elsewhere", "{'type':'content_block_delta','other':nope,'delta':{'type':'x','text':'a'}}", {});
-        row("bad number elsewhere", "{'type':'content_block_delta','other':01,'delta':{'type':'x','text':'a'}}", {});
-        row("invalid UTF-8", "{'type':'content_block_delta','delta':{'type':'x','text':'\xC3('}}", {});
-        row("lone surrogate", "{'type':'content_block_delta','delta':{'type':'x','text':'\\ud800'}}", {});
+        row("trailing text", "{'type':'content_block_delta','delta':{'type':'x','text':'a'}} x",
+            {});
+        row("broken elsewhere",
+            "{'type':'content_block_delta','other':nope,'delta':{'type':'x','text':'a'}}", {});
+        row("bad number elsewhere",
+            "{'type':'content_block_delta','other':01,'delta':{'type':'x','text':'a'}}", {});
+        row("invalid UTF-8", "{'type':'content_block_delta','delta':{'type':'x','text':'\xC3('}}",
+            {});
+        row("lone surrogate",
+            "{'type':'content_block_delta','delta':{'type':'x','text':'\\ud800'}}", {});
     }
     void claudeEvents()
     {
@@ -85,18 +108,27 @@ private slots:
         const auto row = [](const char* name, const char* payload, const Text& text) {
             QTest::newRow(name) << quoted(payload) << text;
         };
-        row("text", "{'candidates':[{'content':{'parts':[{'text':'Rome'}],'role':'model'},'index':0}]}", u"Rome"_s);
+        row("text",
+            "{'candidates':[{'content':{'parts':[{'text':'Rome'}],'role':'model'},'index':0}]}",
+            u"Rome"_s);
         row("empty text", "{'candidates':[{'content':{'parts':[{'text':''}]}}]}", u""_s);
-        row("first part alone", "{'candidates':[{'content':{'parts':[{'text':'a'},{'text':'b'}]}}]}", u"a"_s);
-        row("first candidate alone", "{'candidates':[{'content':{'parts':[{'text':'a'}]}},{'content':{'parts':[{'text':'b'}]}}]}", u"a"_s);
-        row("text in the second part", "{'candidates':[{'content':{'parts':[{'functionCall':{}},{'text':'b'}]}}]}", {});
+        row("first part alone",
+            "{'candidates':[{'content':{'parts':[{'text':'a'},{'text':'b'}]}}]}", u"a"_s);
+        row("first candidate alone",
+            "{'candidates':[{'content':{'parts':[{'text':'a'}]}},{'content':{'parts':[{'text':'b'}]"
+            "}}]}",
+            u"a"_s);
+        row("text in the second part",
+            "{'candidates':[{'content':{'parts':[{'functionCall':{}},{'text':'b'}]}}]}", {});
         row("no candidates", "{'usageMetadata':{}}", {});
         row("empty lists", "{'candidates':[]}", {});
         row("no parts", "{'candidates':[{'content':{'role':'model'},'finishReason':'STOP'}]}", {});
         row("no content", "{'candidates':[{'finishReason':'SAFETY'}]}", {});
         row("nulls", "{'candidates':[{'content':{'parts':[{'text':null}]}}]}", {});
-        row("a later part is malformed", "{'candidates':[{'content':{'parts':[{'text':'a'},{'text':1}]}}]}", {});
-        row("a later candidate is malformed", "{'candidates':[{'content':{'parts':[{'text':'a'}]}},{'content':{'parts':{}}}]}", {});
+        row("a later part is malformed",
+            "{'candidates':[{'content':{'parts':[{'text':'a'},{'text':1}]}}]}", {});
+        row("a later candidate is malformed",
+            "{'candidates':[{'content':{'parts':[{'text':'a'}]}},{'content':{'parts':{}}}]}", {});
         row("candidates is an object", "{'candidates':{}}", {});
         row("error", "{'error':{'code':503,'message':'overloaded','status':'UNAVAILABLE'}}", {});
     }
@@ -116,7 +148,9 @@ private slots:
             QTest::newRow(name) << gemini << quoted(body) << text;
         };
         row("claude: first text block", false,
-            "{'content':[{'type':'server_tool_use','name':'web_search'},{'type':'text','text':'[1]'},{'type':'text','text':'[2]'}]}", u"[1]"_s);
+            "{'content':[{'type':'server_tool_use','name':'web_search'},{'type':'text','text':'[1]'"
+            "},{'type':'text','text':'[2]'}]}",
+            u"[1]"_s);
         row("claude: first text block has no text", false,
             "{'content':[{'type':'text'},{'type':'text','text':'[2]'}]}", u""_s);
         row("claude: no text block", false, "{'content':[]}", u""_s);
@@ -124,7 +158,8 @@ private slots:
             "{'content':[{'type':'text','text':'[1]'},{'text':'x'}]}", {});
         row("claude: no content", false, "{'type':'message'}", {});
         row("claude: no JSON", false, "<html>", {});
-        row("gemini: text", true, "{'candidates':[{'content':{'parts':[{'text':'[1]'}]}}]}", u"[1]"_s);
+        row("gemini: text", true, "{'candidates':[{'content':{'parts':[{'text':'[1]'}]}}]}",
+            u"[1]"_s);
         row("gemini: nothing", true, "{}", u""_s);
         row("gemini: malformed", true, "{'candidates':1}", {});
     }
@@ -146,7 +181,8 @@ private slots:
             << Text(u"No."_s);
         QTest::newRow("message alone") << quoted("{'error':{'message':'No.'}}") << Text(u"No."_s);
         QTest::newRow("no message") << quoted("{'error':{'code':400}}") << Text();
-        QTest::newRow("code is a text") << quoted("{'error':{'code':'400','message':'No.'}}") << Text();
+        QTest::newRow("code is a text")
+            << quoted("{'error':{'code':'400','message':'No.'}}") << Text();
         QTest::newRow("a page") << quoted("<html>Bad Request</html>") << Text();
         QTest::newRow("nothing") << QByteArray() << Text();
     }

@@ -3,10 +3,14 @@
 #include <QFile>
 
 #include <algorithm>
+#include <chrono>
 #include <memory>
+#include <variant>
 
 namespace varno {
 namespace {
+
+using namespace std::chrono_literals;
 
 struct Delete {
     void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
@@ -71,6 +75,8 @@ QString describe(CURLcode code)
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
         return QStringLiteral("The connection to the server was lost.");
+    case CURLE_ABORTED_BY_CALLBACK:
+        return QStringLiteral("The request was cancelled.");
     default:
         return QString::fromUtf8(curl_easy_strerror(code));
     }
@@ -84,24 +90,90 @@ bool hasControlCharacter(const QByteArray& text)
     });
 }
 
-/// Runs `handle` to its end, or until `stop`.
-CURLcode run(CURL* handle, const std::stop_token& stop)
+using HeaderList = std::unique_ptr<curl_slist, Delete>;
+
+void append(HeaderList& headers, const QByteArray& line)
+{
+    curl_slist* longer = curl_slist_append(headers.get(), line.constData());
+    static_cast<void>(headers.release());
+    headers.reset(longer);
+}
+
+Result<HeaderList> headersOf(const HttpRequest& request)
+{
+    HeaderList headers;
+    for (const auto& [name, value] : request.headers) {
+        if (hasControlCharacter(name) || hasControlCharacter(value))
+            return Failure{QStringLiteral("A line break or another control character stands in "
+                                          "the “%1” of the request.")
+                               .arg(QString::fromUtf8(name).simplified())};
+        // libcurl leaves out a header without a value unless it ends so.
+        append(headers, value.trimmed().isEmpty() ? name + ';' : name + ": " + value);
+    }
+    append(headers, "Expect:"); // no round trip before the body
+    return headers;
+}
+
+void setUp(CURL* handle, const HttpRequest& request, const HeaderList& headers, Transfer& transfer)
+{
+    const auto set = [&](CURLoption option, auto value) {
+        curl_easy_setopt(handle, option, value);
+    };
+    set(CURLOPT_URL, request.url.constData());
+    set(CURLOPT_PROTOCOLS_STR, "http,https");
+    set(CURLOPT_HTTPHEADER, headers.get());
+    set(CURLOPT_POSTFIELDS, request.body.constData());
+    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
+    // HTTP/1.1, because libcurl sends a refused HTTP/2 stream again by itself.
+    set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
+    set(CURLOPT_FRESH_CONNECT, 1L);
+    set(CURLOPT_FORBID_REUSE, 1L);
+    set(CURLOPT_FOLLOWLOCATION, 0L);
+    set(CURLOPT_NOSIGNAL, 1L);
+    set(CURLOPT_QUICK_EXIT, 1L); // a stopped transfer does not wait for the resolver
+    set(CURLOPT_TCP_NODELAY, 1L);
+    set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
+    set(CURLOPT_CONNECTTIMEOUT, static_cast<long>(request.timeout.count()));
+    set(CURLOPT_HEADERFUNCTION, onHeader);
+    set(CURLOPT_HEADERDATA, &transfer);
+    set(CURLOPT_WRITEFUNCTION, onBody);
+    set(CURLOPT_WRITEDATA, &transfer);
+}
+
+/// Moves the transfer in `multi` until it ends, `stop` asks for its end, or nothing has passed on
+/// the wire for `timeout`. The low-speed limit of libcurl is no measure of that: it takes an
+/// average over seconds, which cuts a server that sends a byte now and then.
+CURLcode drive(CURLM* multi, std::chrono::milliseconds timeout, const std::stop_token& stop)
+{
+    using Clock = std::chrono::steady_clock;
+    auto deadline = Clock::now() + timeout;
+    while (!stop.stop_requested()) {
+        int running = 0;
+        if (curl_multi_perform(multi, &running) != CURLM_OK)
+            return CURLE_FAILED_INIT;
+        int remaining = 0;
+        if (const CURLMsg* message = curl_multi_info_read(multi, &remaining))
+            return message->data.result;
+
+        const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
+        const auto wait = std::clamp<std::chrono::milliseconds>(left, 0ms, 1h);
+        int active = 0; // sockets that can be read from or written to
+        curl_multi_poll(multi, nullptr, 0, static_cast<int>(wait.count()), &active);
+        if (active > 0)
+            deadline = Clock::now() + timeout;
+        else if (Clock::now() >= deadline)
+            return CURLE_OPERATION_TIMEDOUT;
+    }
+    return CURLE_ABORTED_BY_CALLBACK;
+}
+
+CURLcode run(CURL* handle, std::chrono::milliseconds timeout, const std::stop_token& stop)
 {
     const std::unique_ptr<CURLM, Delete> multi(curl_multi_init());
     if (!multi || curl_multi_add_handle(multi.get(), handle) != CURLM_OK)
         return CURLE_FAILED_INIT;
     const std::stop_callback wake(stop, [&] { curl_multi_wakeup(multi.get()); });
-
-    CURLcode code = CURLE_ABORTED_BY_CALLBACK;
-    for (int running = 1; running > 0 && !stop.stop_requested();) {
-        if (curl_multi_perform(multi.get(), &running) != CURLM_OK)
-            break;
-        if (running > 0)
-            curl_multi_poll(multi.get(), nullptr, 0, 1000, nullptr);
-    }
-    int remaining = 0;
-    if (const CURLMsg* message = curl_multi_info_read(multi.get(), &remaining))
-        code = message->data.result;
+    const CURLcode code = drive(multi.get(), timeout, stop);
     curl_multi_remove_handle(multi.get(), handle);
     return code;
 }
@@ -116,71 +188,48 @@ CurlHttpSession::CurlHttpSession(const QString& authorities)
 
     m_share = curl_share_init();
     curl_share_setopt(m_share, CURLSHOPT_USERDATA, this);
-    curl_share_setopt(m_share, CURLSHOPT_LOCKFUNC,
-                      +[](CURL*, curl_lock_data data, curl_lock_access, void* user) {
-                          static_cast<CurlHttpSession*>(user)->m_locks[data].lock();
-                      });
-    curl_share_setopt(m_share, CURLSHOPT_UNLOCKFUNC, +[](CURL*, curl_lock_data data, void* user) {
-        static_cast<CurlHttpSession*>(user)->m_locks[data].unlock();
-    });
+    curl_share_setopt(
+        m_share, CURLSHOPT_LOCKFUNC, +[](CURL*, curl_lock_data data, curl_lock_access, void* user) {
+            static_cast<CurlHttpSession*>(user)->m_locks[data].lock();
+        });
+    curl_share_setopt(
+        m_share, CURLSHOPT_UNLOCKFUNC, +[](CURL*, curl_lock_data data, void* user) {
+            static_cast<CurlHttpSession*>(user)->m_locks[data].unlock();
+        });
     curl_share_setopt(m_share, CURLSHOPT_SHARE, CURL_LOCK_DATA_DNS);
     curl_share_setopt(m_share, CURLSHOPT_SHARE, CURL_LOCK_DATA_SSL_SESSION);
 }
 
-CurlHttpSession::~CurlHttpSession() { curl_share_cleanup(m_share); }
+CurlHttpSession::~CurlHttpSession()
+{
+    curl_share_cleanup(m_share);
+}
 
 std::optional<Failure> CurlHttpSession::perform(const HttpRequest& request, HttpReceiver& receiver,
                                                 std::stop_token stop)
 {
+    if (request.url.contains('\0')) // libcurl would send what stands before it
+        return Failure{describe(CURLE_URL_MALFORMAT)};
+    const Result<HeaderList> headers = headersOf(request);
+    if (const auto* failure = std::get_if<Failure>(&headers))
+        return *failure;
+
     const std::unique_ptr<CURL, Delete> handle(curl_easy_init());
-    std::unique_ptr<curl_slist, Delete> headers;
-    const auto addHeader = [&](const QByteArray& line) {
-        curl_slist* longer = curl_slist_append(headers.get(), line.constData());
-        static_cast<void>(headers.release());
-        headers.reset(longer);
-    };
-    for (const auto& [name, value] : request.headers) {
-        if (hasControlCharacter(value))
-            return Failure{QStringLiteral("A line break or another control character stands in "
-                                          "the “%1” of the request.")
-                               .arg(QString::fromUtf8(name))};
-        addHeader(name + ": " + value);
-    }
-    addHeader("Expect:"); // no round trip before the body
-
     Transfer transfer{.receiver = receiver, .handle = handle.get()};
-    const auto set = [&](CURLoption option, auto value) {
-        curl_easy_setopt(handle.get(), option, value);
-    };
-    set(CURLOPT_URL, request.url.constData());
-    set(CURLOPT_PROTOCOLS_STR, "http,https");
-    set(CURLOPT_HTTPHEADER, headers.get());
-    set(CURLOPT_POSTFIELDS, request.body.constData());
-    set(CURLOPT_POSTFIELDSIZE_LARGE, static_cast<curl_off_t>(request.body.size()));
-    // HTTP/1.1, because libcurl sends a refused HTTP/2 stream again by itself.
-    set(CURLOPT_HTTP_VERSION, static_cast<long>(CURL_HTTP_VERSION_1_1));
-    set(CURLOPT_SHARE, m_share);
-    set(CURLOPT_FRESH_CONNECT, 1L);
-    set(CURLOPT_FORBID_REUSE, 1L);
-    set(CURLOPT_FOLLOWLOCATION, 0L);
-    set(CURLOPT_NOSIGNAL, 1L);
-    set(CURLOPT_QUICK_EXIT, 1L); // a stopped transfer does not wait for the resolver
-    set(CURLOPT_TCP_NODELAY, 1L);
-    set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
-    set(CURLOPT_CONNECTTIMEOUT, static_cast<long>(request.timeout.count()));
-    set(CURLOPT_LOW_SPEED_LIMIT, 1L);
-    set(CURLOPT_LOW_SPEED_TIME, static_cast<long>(request.timeout.count()));
-    set(CURLOPT_HEADERFUNCTION, onHeader);
-    set(CURLOPT_HEADERDATA, &transfer);
-    set(CURLOPT_WRITEFUNCTION, onBody);
-    set(CURLOPT_WRITEDATA, &transfer);
-    if (!m_authorities.isEmpty())
-        set(CURLOPT_CAINFO, m_authorities.constData());
+    setUp(handle.get(), request, std::get<HeaderList>(headers), transfer);
+    curl_easy_setopt(handle.get(), CURLOPT_SHARE, m_share);
+    if (!m_authorities.isEmpty()) {
+        curl_easy_setopt(handle.get(), CURLOPT_CAINFO, m_authorities.constData());
+        curl_easy_setopt(handle.get(), CURLOPT_CAPATH, nullptr); // the system's folder
+    }
 
-    const CURLcode code = run(handle.get(), stop);
-    if (code == CURLE_OK || transfer.declined)
+    const CURLcode code = run(handle.get(), request.timeout, stop);
+    if (transfer.declined)
         return std::nullopt;
-    return Failure{describe(code)};
+    if (code != CURLE_OK)
+        return Failure{describe(code)};
+    // libcurl takes a connection that is closed within the head for an empty response.
+    return transfer.headSeen ? std::nullopt : std::optional(Failure{describe(CURLE_GOT_NOTHING)});
 }
 
 } // namespace varno

@@ -1,5 +1,9 @@
 #include "platform/linux/SettingsPreferencesStore.h"
 
+#include "platform/Files.h"
+
+#include <QFile>
+#include <QFileInfo>
 #include <QStandardPaths>
 
 namespace varno {
@@ -36,14 +40,19 @@ std::optional<QString> SettingsPreferencesStore::string(const QString& key) cons
 
 std::optional<QStringList> SettingsPreferencesStore::stringArray(const QString& key) const
 {
-    // In the file a list of one is a plain word.
+    // In the file a list of one is a plain word, and an empty one the word for "no value".
     const QVariant value = m_settings.value(key);
+    if (!value.isValid() && m_settings.contains(key))
+        return QStringList();
     if (value.typeId() != QMetaType::QStringList && value.typeId() != QMetaType::QString)
         return std::nullopt;
     return value.toStringList();
 }
 
-void SettingsPreferencesStore::setBoolean(const QString& key, bool value) { set(key, value); }
+void SettingsPreferencesStore::setBoolean(const QString& key, bool value)
+{
+    set(key, value);
+}
 
 void SettingsPreferencesStore::setString(const QString& key, const QString& value)
 {
@@ -57,6 +66,10 @@ void SettingsPreferencesStore::setStringArray(const QString& key, const QStringL
 
 void SettingsPreferencesStore::set(const QString& key, const QVariant& value)
 {
+    // QSettings would make a file that everybody can read; of one that is there it keeps the mode.
+    createPrivateDirectory(QFileInfo(m_settings.fileName()).absolutePath());
+    QFile(m_settings.fileName())
+        .open(QIODevice::WriteOnly | QIODevice::NewOnly, QFile::ReadOwner | QFile::WriteOwner);
     m_settings.setValue(key, value);
     m_settings.sync();
 }

@@ -1,0 +1,16 @@
+#pragma once
+
+#include "bench/Table.h"
+
+namespace varno::bench {
+
+// Each subject registers its benchmarks, and the rows of the table that their figures go to.
+
+struct EventSamples;
+
+void addEventDecoding(Table& table, const EventSamples& samples);
+void addHistory(Table& table);
+void addStart(Table& table);
+void addStreaming(Table& table);
+
+} // namespace varno::bench

@@ -1,0 +1,54 @@
+#pragma once
+
+#include <benchmark/benchmark.h>
+
+#include <map>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <vector>
+
+namespace varno::bench {
+
+/// How the figure of a benchmark is read off its runs.
+enum class Measure {
+    time,        ///< of one iteration
+    timePerItem, ///< of one of the items that the benchmark counted
+    itemRate,
+    byteRate,
+};
+
+/// What the ratio of our figure to the reference's should be.
+struct Bound {
+    enum class Kind { atLeast, atMost };
+    Kind kind;
+    double ratio;
+};
+
+/// One line of the table. Benchmarks go by their names.
+struct Row {
+    std::string name;
+    Measure measure = Measure::time;
+    std::string ours;
+    std::string reference = {}; ///< empty when there is nothing to compare with
+    std::optional<Bound> wanted = {};
+};
+
+/// The medians of all repetitions, ours beside the reference, and the usual console output above.
+class Table final : public benchmark::ConsoleReporter {
+public:
+    void add(const Row& row) { m_rows.push_back(row); }
+
+    void ReportRuns(const std::vector<Run>& runs) override;
+
+    void print(std::ostream& out) const;
+
+private:
+    [[nodiscard]] std::optional<double> figure(const std::string& benchmark, Measure measure) const;
+    void print(std::ostream& out, const Row& row) const;
+
+    std::vector<Row> m_rows;
+    std::map<std::string, Run> m_medians; ///< by the name of the benchmark
+};
+
+} // namespace varno::bench
