@@ -4,12 +4,15 @@
 #include "platform/linux/CurlHttpSession.h"
 #include "providers/ClaudeService.h"
 #include "providers/GeminiService.h"
+#include "tests/HttpByHand.h"
+#include "tests/Received.h"
 
-#include <QFutureWatcher>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QTest>
+
+#include <future>
 
 using namespace varno;
 using namespace Qt::StringLiterals;
@@ -17,31 +20,6 @@ using namespace Qt::StringLiterals;
 namespace {
 
 const QString secret = u"AIza-made-up-secret-0123"_s;
-
-/// What became of a stream.
-struct Received {
-    QStringList pieces;
-    QString error; ///< empty after a good end
-
-    [[nodiscard]] QString text() const { return pieces.join(QString()); }
-};
-
-Received receive(std::unique_ptr<EntryStream> stream)
-{
-    Received received;
-    bool ended = false;
-    QObject::connect(stream.get(), &EntryStream::piece, stream.get(),
-                     [&](const QString& piece) { received.pieces.append(piece); });
-    QObject::connect(stream.get(), &EntryStream::finished, stream.get(),
-                     [&](const EntryStream::Outcome& outcome) {
-                         if (const auto* failure = std::get_if<Failure>(&outcome))
-                             received.error = failure->description;
-                         ended = true;
-                     });
-    if (!QTest::qWaitFor([&] { return ended; }, 20000))
-        received.error = u"the stream did not end"_s;
-    return received;
-}
 
 /// Both clients, with keys of their own, on a stand-in service.
 struct Clients {
@@ -89,18 +67,6 @@ void addProviders()
     QTest::newRow("claude") << false;
     QTest::newRow("gemini") << true;
 }
-
-/// HTTP whose response the test writes, on the thread of the request.
-class HttpByHand final : public HttpSession {
-public:
-    std::function<std::optional<Failure>(const HttpRequest&, HttpReceiver&)> respond;
-
-    std::optional<Failure> perform(const HttpRequest& request, HttpReceiver& receiver,
-                                   std::stop_token) override
-    {
-        return respond(request, receiver);
-    }
-};
 
 } // namespace
 

@@ -142,8 +142,9 @@ private slots:
         QTest::newRow("empty list") << QByteArray("@Invalid()") << none << false << true;
         QTest::newRow("bytes") << QByteArray("@ByteArray(true)") << none << false << false;
         QTest::newRow("point") << QByteArray("@Point(1 2)") << none << false << false;
+        // Qt cannot tell it from the word for an empty list.
         QTest::newRow("damaged object")
-            << QByteArray("@Variant(\\0\\0\\0\\x7f)") << none << false << false;
+            << QByteArray("@Variant(\\0\\0\\0\\x7f)") << none << false << true;
     }
 
     void otherTypesReadAsAbsent()

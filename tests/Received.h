@@ -1,0 +1,37 @@
+#pragma once
+
+#include "core/EntryStream.h"
+
+#include <QStringList>
+#include <QTest>
+
+#include <memory>
+
+namespace varno {
+
+/// What became of a stream.
+struct Received {
+    QStringList pieces;
+    QString error; ///< empty after a good end
+
+    [[nodiscard]] QString text() const { return pieces.join(QString()); }
+};
+
+inline Received receive(const std::unique_ptr<EntryStream>& stream)
+{
+    Received received;
+    bool ended = false;
+    QObject::connect(stream.get(), &EntryStream::piece, stream.get(),
+                     [&](const QString& piece) { received.pieces.append(piece); });
+    QObject::connect(stream.get(), &EntryStream::finished, stream.get(),
+                     [&](const EntryStream::Outcome& outcome) {
+                         if (const auto* failure = std::get_if<Failure>(&outcome))
+                             received.error = failure->description;
+                         ended = true;
+                     });
+    if (!QTest::qWaitFor([&] { return ended; }, 20000))
+        received.error = QStringLiteral("the stream did not end");
+    return received;
+}
+
+} // namespace varno
