@@ -8,6 +8,7 @@
 #include <QCoreApplication>
 #include <QTemporaryDir>
 
+#include <algorithm>
 #include <cstdio>
 
 namespace varno {
@@ -45,14 +46,15 @@ QString modelNames()
 /// is in use: its keys must not be touched.
 bool fillKeyRing(const KeychainService& keychain)
 {
-    for (const QString& account : {keychain.anthropicAccount, keychain.geminiAccount}) {
-        if (keychain.presence(account) != KeyPresence::absent)
-            return false;
+    const QStringList accounts = {keychain.anthropicAccount, keychain.geminiAccount};
+    const auto absent = [&](const QString& account) {
+        return keychain.presence(account) == KeyPresence::absent;
+    };
+    if (!std::all_of(accounts.begin(), accounts.end(), absent))
+        return false;
+    for (const QString& account : accounts)
         keychain.save(u"demonstration-key"_s, account);
-        if (!keychain.load(account))
-            return false;
-    }
-    return true;
+    return std::none_of(accounts.begin(), accounts.end(), absent);
 }
 
 int run(const QCoreApplication& application)
