@@ -52,9 +52,13 @@ QByteArray geminiEvent(const QString& text)
     writer.endArray().key(u"role").string(u"model").endObject();
     writer.key(u"index").integer(0).endObject().endArray();
     writer.key(u"usageMetadata").beginObject();
-    writer.key(u"promptTokenCount").integer(412).key(u"totalTokenCount").integer(509);
-    writer.endObject();
-    writer.key(u"modelVersion").string(u"a-model-of-that-service").endObject();
+    writer.key(u"promptTokenCount").integer(412).key(u"candidatesTokenCount").integer(97);
+    writer.key(u"totalTokenCount").integer(509);
+    writer.key(u"promptTokensDetails").beginArray().beginObject();
+    writer.key(u"modality").string(u"TEXT").key(u"tokenCount").integer(412);
+    writer.endObject().endArray().endObject();
+    writer.key(u"modelVersion").string(u"a-model-of-that-service");
+    writer.key(u"responseId").string(u"c2VkaW1lbnQgYW5kIHNpbHQ").endObject();
     return "data: " + writer.text() + "\r\n\r\n";
 }
 

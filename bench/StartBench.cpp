@@ -21,10 +21,10 @@ public:
     {
         return std::make_unique<EntryStream>();
     }
-    [[nodiscard]] QFuture<Result<QStringList>> generateTOC(const QString&, const QString&,
-                                                           bool) const override
+    [[nodiscard]] std::unique_ptr<TOCRequest> generateTOC(const QString&, const QString&,
+                                                          bool) const override
     {
-        return {};
+        return std::make_unique<TOCRequest>();
     }
     [[nodiscard]] std::optional<QStringList> parseJSONArray(const QString&) const override
     {

@@ -32,10 +32,10 @@ public:
         m_sink = stream->sink();
         return stream;
     }
-    [[nodiscard]] QFuture<Result<QStringList>> generateTOC(const QString&, const QString&,
-                                                           bool) const override
+    [[nodiscard]] std::unique_ptr<TOCRequest> generateTOC(const QString&, const QString&,
+                                                          bool) const override
     {
-        return {};
+        return std::make_unique<TOCRequest>();
     }
     [[nodiscard]] std::optional<QStringList> parseJSONArray(const QString&) const override
     {

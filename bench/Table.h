@@ -37,6 +37,11 @@ struct Row {
 /// The medians of all repetitions, ours beside the reference, and the usual console output above.
 class Table final : public benchmark::ConsoleReporter {
 public:
+    Table()
+        : ConsoleReporter(OO_None)
+    {
+    }
+
     void add(const Row& row) { m_rows.push_back(row); }
 
     void ReportRuns(const std::vector<Run>& runs) override;

@@ -7,11 +7,10 @@
 #include "core/Session.h"
 
 #include <QDateTime>
-#include <QFuture>
-#include <QFutureWatcher>
 #include <QObject>
 
 #include <functional>
+#include <future>
 #include <memory>
 #include <optional>
 
@@ -124,8 +123,6 @@ signals:
     void changed(varno::AppViewModel::Changes what);
 
 private:
-    using TOCWatcher = QFutureWatcher<Result<QStringList>>;
-
     // Private operations leave announcing to the public operation that they belong to.
     template <typename Value, typename NewValue>
     void set(Value& member, NewValue&& value, Change change);
@@ -138,7 +135,7 @@ private:
     void requestTOC(const QUuid& id, const QString& title);
     void appendPiece(const QUuid& id, const QString& piece);
     void finishPage(const QUuid& id, const EntryStream::Outcome& outcome);
-    void finishTOC(const QUuid& id);
+    void finishTOC(const QUuid& id, const TOCRequest::Outcome& outcome);
     void cancelActiveStreams();
     void reload();
 
@@ -171,11 +168,11 @@ private:
     std::optional<Session> m_session;
     Preferences m_preferences;
 
-    QFuture<QList<Session>> m_loadedHistory;
+    std::future<QList<Session>> m_loadedHistory;
     ReferenceSeconds m_oldestKept = 0;
     std::optional<QList<Session>> m_sessionHistory; ///< absent until it is needed first
     std::unique_ptr<EntryStream> m_activeStreamTask;
-    std::unique_ptr<TOCWatcher> m_activeTOCTask;
+    std::unique_ptr<TOCRequest> m_activeTOCTask;
 };
 
 Q_DECLARE_OPERATORS_FOR_FLAGS(AppViewModel::Changes)

@@ -70,10 +70,9 @@ void AppViewModel::requestTOC(const QUuid& id, const QString& title)
     set(m_streamingTOC, QStringList(), Change::streamingTOC);
     set(m_tocIsLoading, true, Change::tocIsLoading);
 
-    m_activeTOCTask = std::make_unique<TOCWatcher>();
-    connect(m_activeTOCTask.get(), &TOCWatcher::finished, this, [this, id] { finishTOC(id); });
-    m_activeTOCTask->setFuture(
-        service().generateTOC(title, rawValue(aiModel()), webSearchEnabled()));
+    m_activeTOCTask = service().generateTOC(title, rawValue(aiModel()), webSearchEnabled());
+    connect(m_activeTOCTask.get(), &TOCRequest::finished, this,
+            [this, id](const TOCRequest::Outcome& outcome) { finishTOC(id, outcome); });
 }
 
 void AppViewModel::appendPiece(const QUuid& id, const QString& piece)
@@ -102,11 +101,10 @@ void AppViewModel::finishPage(const QUuid& id, const EntryStream::Outcome& outco
     publish();
 }
 
-void AppViewModel::finishTOC(const QUuid& id)
+void AppViewModel::finishTOC(const QUuid& id, const TOCRequest::Outcome& outcome)
 {
-    const Result<QStringList> result = m_activeTOCTask->result();
     m_activeTOCTask.release()->deleteLater(); // it is calling us
-    if (const auto* sections = std::get_if<QStringList>(&result)) {
+    if (const auto* sections = std::get_if<QStringList>(&outcome)) {
         set(m_streamingTOC, *sections, Change::streamingTOC);
         if (Page* page = sessionPage(id))
             set(page->tableOfContents, *sections, Change::session);

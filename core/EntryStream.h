@@ -1,11 +1,12 @@
 #pragma once
 
+#include "core/Mailbox.h"
 #include "platform/Result.h"
 
 #include <QObject>
+#include <QString>
 
 #include <memory>
-#include <optional>
 #include <variant>
 
 namespace varno {
@@ -29,19 +30,17 @@ public:
     /// is sent to a stream that is finished or gone is dropped.
     class Sink {
     public:
-        void send(const QString& piece) const;
-        void finish(const Outcome& outcome) const;
+        void send(const QString& piece) const { m_mailbox->send(piece); }
+        void finish(const Outcome& outcome) const { m_mailbox->send(outcome); }
 
     private:
         friend EntryStream;
-        struct Mailbox;
-        explicit Sink(std::shared_ptr<Mailbox> mailbox);
-
-        std::shared_ptr<Mailbox> m_mailbox;
+        std::shared_ptr<Mailbox<std::variant<QString, Outcome>>> m_mailbox;
     };
 
     EntryStream();
     ~EntryStream() override;
+    Q_DISABLE_COPY_MOVE(EntryStream)
 
     [[nodiscard]] Sink sink() const { return m_sink; }
 
@@ -49,10 +48,12 @@ signals:
     void piece(const QString& text);
     void finished(const varno::EntryStream::Outcome& outcome);
 
-private:
-    void deliver();
+protected:
+    void customEvent(QEvent* event) override;
 
+private:
     Sink m_sink;
+    bool m_finished = false;
 };
 
 } // namespace varno

@@ -3,8 +3,7 @@
 #include "core/SessionCodec.h"
 #include "platform/Files.h"
 
-#include <QPromise>
-
+#include <memory>
 #include <utility>
 
 namespace varno {
@@ -18,8 +17,6 @@ constexpr qint64 largestFile = 256LL * 1024 * 1024;
 HistoryStore::HistoryStore(QString path)
     : m_path(std::move(path))
 {
-    m_background.setMaxThreadCount(1);
-    m_background.setThreadPriority(QThread::LowPriority);
 }
 
 QString HistoryStore::defaultPath()
@@ -32,26 +29,24 @@ QString HistoryStore::defaultPath()
     return path;
 }
 
-QFuture<QList<Session>> HistoryStore::load()
+std::future<QList<Session>> HistoryStore::load()
 {
-    auto promise = std::make_shared<QPromise<QList<Session>>>();
-    promise->start();
-    m_background.start([this, promise] {
+    auto promise = std::make_shared<std::promise<QList<Session>>>();
+    m_background.add([this, promise] {
         const auto file = readFile(m_path, largestFile);
         std::optional<QList<Session>> sessions;
         if (const auto* bytes = std::get_if<QByteArray>(&file))
             sessions = decodeSessions({bytes->data(), static_cast<std::size_t>(bytes->size())});
         const auto* error = std::get_if<FileError>(&file);
         m_putAside = !sessions && !(error && *error == FileError::absent);
-        promise->addResult(std::move(sessions).value_or(QList<Session>()));
-        promise->finish();
+        promise->set_value(std::move(sessions).value_or(QList<Session>()));
     });
-    return promise->future();
+    return promise->get_future();
 }
 
 void HistoryStore::save(const QList<Session>& sessions)
 {
-    m_background.start([this, sessions] { write(sessions); });
+    m_background.add([this, sessions] { write(sessions); });
 }
 
 void HistoryStore::waitForDone()

@@ -1,9 +1,9 @@
 #pragma once
 
 #include "core/Session.h"
+#include "core/TaskQueue.h"
 
-#include <QFuture>
-#include <QThreadPool>
+#include <future>
 
 namespace varno {
 
@@ -24,7 +24,7 @@ public:
     static QString defaultPath();
 
     /// Starts reading. The list is empty when there is no readable history.
-    [[nodiscard]] QFuture<QList<Session>> load();
+    [[nodiscard]] std::future<QList<Session>> load();
 
     /// Starts replacing the file's contents; the last list handed over is the one that stays.
     void save(const QList<Session>& sessions);
@@ -37,7 +37,7 @@ private:
 
     QString m_path;
     bool m_putAside = false; ///< belongs to the background
-    QThreadPool m_background;
+    TaskQueue m_background;  ///< last, so that it ends first
 };
 
 } // namespace varno

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "core/EntryStream.h"
+#include "core/TOCRequest.h"
 
-#include <QFuture>
 #include <QStringList>
 
 #include <memory>
@@ -30,8 +30,8 @@ public:
     streamEntry(const ModelRequest& request) const = 0;
 
     /// The names of the sections for an article on `topic`; empty when the answer held no usable
-    /// list. Runs on when the future is dropped.
-    [[nodiscard]] virtual QFuture<Result<QStringList>>
+    /// list. Starts at once and returns at once.
+    [[nodiscard]] virtual std::unique_ptr<TOCRequest>
     generateTOC(const QString& topic, const QString& model, bool webSearch) const = 0;
 
     /// The array of strings in `text`, whatever stands around it, or nothing. A last "]" before the

@@ -119,8 +119,7 @@ std::optional<QString> readPromptText(json::Object request)
 std::optional<ModelCall> readBody(const QByteArray& body)
 {
     json::Parser parser;
-    const auto value = json::parse(parser, {body.data(), static_cast<std::size_t>(body.size())});
-    const auto request = value ? json::as<json::Object>(*value) : std::nullopt;
+    const auto request = json::readRecord(parser, body);
     if (!request)
         return std::nullopt;
     const auto model = json::requiredMember<std::string_view>(*request, "model");

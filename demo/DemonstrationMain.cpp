@@ -59,7 +59,7 @@ bool fillKeyRing(const KeychainService& keychain)
 
 int run(const QCoreApplication& application)
 {
-    const QStringList arguments = application.arguments();
+    const QStringList arguments = QCoreApplication::arguments();
     if (arguments.size() < 2 || arguments.size() > 3 || arguments.at(1).trimmed().isEmpty())
         return fail(u"Usage: varno-demo QUERY [MODEL]\nModels: "_s + modelNames(), usageError);
     const std::optional<AIModel> model =

@@ -72,8 +72,7 @@ bool areSettingsValid(json::Object request)
 std::optional<ModelCall> readBody(const QByteArray& body, const Target& target)
 {
     json::Parser parser;
-    const auto value = json::parse(parser, {body.data(), static_cast<std::size_t>(body.size())});
-    const auto request = value ? json::as<json::Object>(*value) : std::nullopt;
+    const auto request = json::readRecord(parser, body);
     if (!request)
         return std::nullopt;
     const auto prompt = readContents(*request);

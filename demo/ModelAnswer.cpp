@@ -46,8 +46,7 @@ QString relatedTopics(const EntryLibrary& library, const QString& missing)
 QString apology(const QString& missing)
 {
     return u"Nothing is written here on “%1”. This is a demonstration: in place of a language "
-           u"model "
-           u"a small library answers, and it knows only what was put into it."_s.arg(missing);
+           u"model a small library answers, and it knows only what was put into it."_s.arg(missing);
 }
 
 /// An entry of the kind asked for that says what is missing.

@@ -24,10 +24,11 @@ std::optional<QString> readTopic(const QString& prompt, const QString& pattern,
     return end < start ? std::nullopt : std::optional(prompt.sliced(start, end - start));
 }
 
-std::optional<SectionQuestion> readSectionPrompt(const QString& prompt)
+std::optional<SectionQuestion> readSectionPrompt(const QString& prompt, const QString& marker)
 {
-    const QString head = u"Write the \""_s;
-    const QString middle = u"\" section of an encyclopedia article about \""_s;
+    const QString pattern = sectionPrompt(marker, marker);
+    const QString head = pattern.section(marker, 0, 0);
+    const QString middle = pattern.section(marker, 1, 1);
     const qsizetype first = prompt.indexOf(middle);
     if (!prompt.startsWith(head) || first < 0)
         return std::nullopt;
@@ -49,7 +50,7 @@ std::optional<SectionQuestion> readSectionPrompt(const QString& prompt)
 
 std::optional<Question> readPrompt(const QString& prompt)
 {
-    const QString marker(QChar(QChar::ReplacementCharacter));
+    const QString marker = QChar(QChar::ReplacementCharacter);
     constexpr std::array types = {EntryType::definition, EntryType::shortAnswer, EntryType::full};
     for (const EntryType type : types) {
         if (const auto topic = readTopic(prompt, entryPrompt(type, marker), marker))
@@ -57,7 +58,7 @@ std::optional<Question> readPrompt(const QString& prompt)
     }
     if (const auto topic = readTopic(prompt, tocPrompt(marker), marker))
         return TOCQuestion{.topic = *topic};
-    return readSectionPrompt(prompt);
+    return readSectionPrompt(prompt, marker);
 }
 
 } // namespace varno

@@ -2,7 +2,7 @@
 
 #include "core/JsonReader.h"
 
-#include <QString>
+#include <QByteArray>
 
 #include <optional>
 #include <string_view>
@@ -10,6 +10,13 @@
 namespace varno::json {
 
 // What the requests of both services have in common.
+
+/// The record that `body` is; good until `parser` reads the next one.
+inline std::optional<Object> readRecord(Parser& parser, const QByteArray& body)
+{
+    const auto value = parse(parser, {body.data(), static_cast<std::size_t>(body.size())});
+    return value ? as<Object>(*value) : std::nullopt;
+}
 
 /// Calls `read` for each record of `array`. False when there is none, one is no record, or `read`
 /// refuses one.

@@ -114,8 +114,7 @@ ScriptedReply ScriptedReply::compose(const Dialect& dialect, const Refusal& refu
 {
     return {.statusCode = refusal.statusCode,
             .contentType = dialect.contentType(refusal.streamed, false),
-            .events = {{.bytes = dialect.errorBody(refusal.statusCode, refusal.message),
-                        .hasText = true}}};
+            .events = {{.bytes = dialect.errorBody(refusal.statusCode, refusal.message)}}};
 }
 
 } // namespace varno

@@ -96,6 +96,8 @@ public:
 
 private:
     bool makeServer(bool tls);
+    void configureServer();
+    int bind(const std::string& host, int port);
     void answer(const httplib::Request& request, httplib::Response& response);
     void send(const ScriptedReply& reply, const Script& script, httplib::Response& response);
 
@@ -131,17 +133,8 @@ bool StandInService::Implementation::makeServer(bool tls)
     return m_server->is_valid() && file.open(QIODevice::WriteOnly) && file.write(pem) == pem.size();
 }
 
-QString StandInService::Implementation::listen(const Settings& settings)
+void StandInService::Implementation::configureServer()
 {
-    // The name is this machine's by convention, whatever the name service says.
-    const bool byName = settings.address.compare("localhost"_L1, Qt::CaseInsensitive) == 0;
-    const QString address = byName ? u"127.0.0.1"_s : settings.address;
-    if (!isLoopback(address))
-        return u"The stand-in service listens on loopback addresses only, and %1 is none."_s.arg(
-            settings.address);
-    if (!makeServer(settings.tls))
-        return u"The certificate for TLS could not be made."_s;
-
     m_server->new_task_queue = [] { return new httplib::ThreadPool(repliesAtATime); };
     m_server->set_tcp_nodelay(true);
     m_server->set_keep_alive_max_count(1);
@@ -153,13 +146,28 @@ QString StandInService::Implementation::listen(const Settings& settings)
     m_server->Post(".*", [this](const httplib::Request& request, httplib::Response& response) {
         answer(request, response);
     });
+}
 
-    const std::string host = address.toStdString();
-    int port = settings.port;
+/// Returns the port that was bound, or a negative number.
+int StandInService::Implementation::bind(const std::string& host, int port)
+{
     if (port == 0)
-        port = m_server->bind_to_any_port(host);
-    else if (!m_server->bind_to_port(host, port))
-        port = -1;
+        return m_server->bind_to_any_port(host);
+    return m_server->bind_to_port(host, port) ? port : -1;
+}
+
+QString StandInService::Implementation::listen(const Settings& settings)
+{
+    // The name is this machine's by convention, whatever the name service says.
+    const bool byName = settings.address.compare("localhost"_L1, Qt::CaseInsensitive) == 0;
+    const QString address = byName ? u"127.0.0.1"_s : settings.address;
+    if (!isLoopback(address))
+        return u"The stand-in service listens on loopback addresses only, and %1 is none."_s.arg(
+            settings.address);
+    if (!makeServer(settings.tls))
+        return u"The certificate for TLS could not be made."_s;
+    configureServer();
+    const int port = bind(address.toStdString(), settings.port);
     if (port < 0)
         return u"The stand-in service cannot listen on port %1 of %2."_s.arg(settings.port)
             .arg(settings.address);
@@ -191,7 +199,7 @@ void StandInService::Implementation::answer(const httplib::Request& request,
         send(ScriptedReply::compose(*dialect, *refusal), {}, response);
         return;
     }
-    const ModelCall& call = std::get<ModelCall>(read);
+    const auto& call = std::get<ModelCall>(read);
     const Script script = scriptFor(call);
     const QString text = modelAnswer(m_library, call.prompt);
     send(ScriptedReply::compose(*dialect, call, text, script), script, response);

@@ -6,8 +6,6 @@
 #include "providers/LineSplitter.h"
 #include "providers/ServiceErrors.h"
 
-#include <QPromise>
-
 #include <string>
 #include <utility>
 
@@ -161,24 +159,22 @@ std::unique_ptr<EntryStream> ServiceClient::streamEntry(const ModelRequest& requ
     return stream;
 }
 
-QFuture<Result<QStringList>> ServiceClient::generateTOC(const QString& topic, const QString& model,
-                                                        bool webSearch) const
+std::unique_ptr<TOCRequest> ServiceClient::generateTOC(const QString& topic, const QString& model,
+                                                       bool webSearch) const
 {
     const ModelRequest request{.prompt = tocPrompt(topic),
                                .systemPrompt = tocSystemPrompt(),
                                .model = model,
                                .webSearch = webSearch};
-    auto promise = std::make_shared<QPromise<Result<QStringList>>>();
-    promise->start();
-    m_tasks.start([this, request, promise](const std::stop_token& stop) {
+    auto toc = std::make_unique<TOCRequest>();
+    m_tasks.start([this, request, sink = toc->sink()](const std::stop_token& stop) {
         const Result<QString> reply = callNonStreaming(request, stop);
         if (const auto* failure = std::get_if<Failure>(&reply))
-            promise->addResult(*failure);
+            sink.finish(*failure);
         else
-            promise->addResult(parseJSONArray(std::get<QString>(reply)).value_or(QStringList()));
-        promise->finish();
+            sink.finish(parseJSONArray(std::get<QString>(reply)).value_or(QStringList()));
     });
-    return promise->future();
+    return toc;
 }
 
 std::optional<QStringList> ServiceClient::parseJSONArray(const QString& text) const

@@ -33,7 +33,7 @@ public:
 
     [[nodiscard]] std::unique_ptr<EntryStream> streamEntry(const ModelRequest& request) const final;
 
-    [[nodiscard]] QFuture<Result<QStringList>>
+    [[nodiscard]] std::unique_ptr<TOCRequest>
     generateTOC(const QString& topic, const QString& model, bool webSearch) const final;
 
     [[nodiscard]] std::optional<QStringList> parseJSONArray(const QString& text) const final;

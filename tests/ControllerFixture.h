@@ -64,7 +64,7 @@ public:
     void writeArticle(const QString& query, const QStringList& sections)
     {
         model->search(query);
-        claude.tocs.back().answer(sections);
+        claude.tocs.back().sink.finish(sections);
         answer(QStringLiteral("Overview."));
         QTRY_VERIFY(!model->tocIsLoading());
     }

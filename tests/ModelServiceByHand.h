@@ -4,7 +4,6 @@
 #include "providers/JsonArray.h"
 
 #include <QPointer>
-#include <QPromise>
 
 #include <deque>
 #include <memory>
@@ -23,13 +22,7 @@ public:
         QString topic;
         QString model;
         bool webSearch = false;
-        std::shared_ptr<QPromise<Result<QStringList>>> promise;
-
-        void answer(const Result<QStringList>& result) const
-        {
-            promise->addResult(result);
-            promise->finish();
-        }
+        TOCRequest::Sink sink;
     };
 
     mutable std::deque<Entry> entries;
@@ -43,13 +36,12 @@ public:
         return stream;
     }
 
-    [[nodiscard]] QFuture<Result<QStringList>>
+    [[nodiscard]] std::unique_ptr<TOCRequest>
     generateTOC(const QString& topic, const QString& model, bool webSearch) const override
     {
-        auto promise = std::make_shared<QPromise<Result<QStringList>>>();
-        promise->start();
-        tocs.push_back({topic, model, webSearch, promise});
-        return promise->future();
+        auto request = std::make_unique<TOCRequest>();
+        tocs.push_back({topic, model, webSearch, request->sink()});
+        return request;
     }
 
     [[nodiscard]] std::optional<QStringList> parseJSONArray(const QString& text) const override

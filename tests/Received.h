@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/EntryStream.h"
+#include "core/TOCRequest.h"
 
 #include <QStringList>
 #include <QTest>
@@ -31,6 +32,19 @@ inline Received receive(const std::unique_ptr<EntryStream>& stream)
                      });
     if (!QTest::qWaitFor([&] { return ended; }, 20000))
         received.error = QStringLiteral("the stream did not end");
+    return received;
+}
+
+inline TOCRequest::Outcome receive(const std::unique_ptr<TOCRequest>& request)
+{
+    TOCRequest::Outcome received = Failure{QStringLiteral("the request did not end")};
+    bool ended = false;
+    QObject::connect(request.get(), &TOCRequest::finished, request.get(),
+                     [&](const TOCRequest::Outcome& outcome) {
+                         received = outcome;
+                         ended = true;
+                     });
+    static_cast<void>(QTest::qWaitFor([&] { return ended; }, 20000));
     return received;
 }
 

@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cerrno>
 #include <chrono>
 #include <mutex>
@@ -166,11 +167,11 @@ private:
                 wanted = end + 4 + (reads == Reads::wholeRequest ? contentLength(bytes) : 0);
             if (wanted >= 0 && bytes.size() >= wanted)
                 return {.head = bytes.left(end + 4), .body = bytes.sliced(end + 4)};
-            char buffer[16384];
-            const ssize_t count = ::recv(connection, buffer, sizeof buffer, 0);
+            std::array<char, 16384> buffer;
+            const ssize_t count = ::recv(connection, buffer.data(), buffer.size(), 0);
             if (count <= 0)
                 return {.head = bytes, .body = {}};
-            bytes.append(buffer, count);
+            bytes.append(buffer.data(), count);
         }
     }
 

@@ -141,8 +141,8 @@ private slots:
         ControllerFixture fixture;
         fixture.model->search(u"the history of the roman empire"_s);
         const QStringList sections = {u"Kings"_s, u"Republic"_s};
-        fixture.claude.tocs.back().answer(fails ? Result<QStringList>(Failure{u"lost"_s})
-                                                : Result<QStringList>(sections));
+        fixture.claude.tocs.back().sink.finish(fails ? Result<QStringList>(Failure{u"lost"_s})
+                                                     : Result<QStringList>(sections));
         QTRY_VERIFY(!fixture.model->tocIsLoading());
         QCOMPARE(fixture.model->streamingTOC(), fails ? QStringList() : sections);
         QCOMPARE(fixture.model->currentPage()->tableOfContents, fixture.model->streamingTOC());
@@ -161,7 +161,7 @@ private slots:
         QVERIFY(!old.stream);
         old.sink.send(u"late"_s);
         old.sink.finish(Failure{u"late"_s});
-        oldTOC.answer(QStringList({u"late"_s}));
+        oldTOC.sink.finish(QStringList({u"late"_s}));
         fixture.answer(u"A city."_s);
         QCOMPARE(fixture.model->streamingContent(), u"A city."_s);
         QVERIFY(fixture.model->streamingTOC().isEmpty());
@@ -313,7 +313,7 @@ private slots:
             fixture.model->search(u"the history of the roman empire"_s);
             fixture.claude.entries.back().sink.send(u"Text."_s);
             fixture.claude.entries.back().sink.finish(EntryStream::Completed());
-            fixture.claude.tocs.back().answer(QStringList({u"Kings"_s}));
+            fixture.claude.tocs.back().sink.finish(QStringList({u"Kings"_s}));
             QTest::qWait(20);
             QVERIFY(done);
             QCOMPARE(fixture.model == nullptr, destroys);

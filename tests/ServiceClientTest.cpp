@@ -10,6 +10,7 @@
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
+#include <QSignalSpy>
 #include <QTest>
 
 #include <future>
@@ -23,8 +24,10 @@ const QString secret = u"AIza-made-up-secret-0123"_s;
 
 /// Both clients, with keys of their own, on a stand-in service.
 struct Clients {
-    explicit Clients(const StandInService::Settings& settings = {})
-        : service(StandInService::start(settings))
+    explicit Clients(const StandInService::Settings& settings = {},
+                     std::chrono::seconds longestSilence = std::chrono::seconds(2))
+        : timeout(longestSilence)
+        , service(StandInService::start(settings))
         , http(settings.tls ? service->certificateFile() : QString())
     {
         keychain.save(secret, keychain.anthropicAccount);
@@ -47,18 +50,17 @@ struct Clients {
 
     [[nodiscard]] Result<QStringList> askTOC(bool isGemini) const
     {
-        QFuture<Result<QStringList>> future = client(isGemini).generateTOC(
-            u"Stoicism"_s, isGemini ? u"gemini-3.6-flash"_s : u"claude-sonnet-5"_s, true);
-        future.waitForFinished();
-        return future.result();
+        return receive(client(isGemini).generateTOC(
+            u"Stoicism"_s, isGemini ? u"gemini-3.6-flash"_s : u"claude-sonnet-5"_s, true));
     }
 
+    std::chrono::seconds timeout;
     std::unique_ptr<StandInService> service;
     CurlHttpSession http;
     FakeKeyStore store;
     KeychainService keychain{store};
-    ClaudeService claude{service->claudeEndpoint(), http, keychain, std::chrono::seconds(2)};
-    GeminiService gemini{service->geminiBaseURL(), http, keychain, std::chrono::seconds(2)};
+    ClaudeService claude{service->claudeEndpoint(), http, keychain, timeout};
+    GeminiService gemini{service->geminiBaseURL(), http, keychain, timeout};
 };
 
 void addProviders()
@@ -471,7 +473,7 @@ private slots:
         QCOMPARE(receive(client.streamEntry({})).error, u"Network error: The reply is too long."_s);
         QVERIFY(blocks < 100);
         blocks = 0;
-        const auto toc = client.generateTOC(u"x"_s, u"x"_s, false).result();
+        const auto toc = receive(client.generateTOC(u"x"_s, u"x"_s, false));
         QCOMPARE(toc, Result<QStringList>(Failure{u"Network error: The reply is too long."_s}));
         QVERIFY(blocks < 100);
     }
@@ -480,18 +482,22 @@ private slots:
     void destroyingTheClientEndsItsCalls()
     {
         QFETCH(bool, isGemini);
-        auto clients = std::make_unique<Clients>();
+        auto clients =
+            std::make_unique<Clients>(StandInService::Settings(), std::chrono::seconds(1000));
         clients->service->setScript({.hangAfterEvents = 1});
         clients->service->setTOCScript({.hangAfterEvents = 0});
+        const QString model = isGemini ? u"gemini-3.6-flash"_s : u"claude-sonnet-5"_s;
         const auto stream = clients->client(isGemini).streamEntry(
             {.prompt = entryPrompt(EntryType::definition, u"palimpsest"_s),
              .systemPrompt = entrySystemPrompt(),
-             .model = u"gemini-3.6-flash"_s});
-        const auto toc =
-            clients->client(isGemini).generateTOC(u"x"_s, u"gemini-3.6-flash"_s, false);
+             .model = model});
+        const auto toc = clients->client(isGemini).generateTOC(u"x"_s, model, false);
+        QSignalSpy streamEnd(stream.get(), &EntryStream::finished);
+        QSignalSpy tocEnd(toc.get(), &TOCRequest::finished);
         QTRY_COMPARE(clients->service->requests().size(), 2);
-        clients.reset(); // would never return otherwise
-        QVERIFY(toc.isFinished());
+        QCOMPARE(streamEnd.size() + tocEnd.size(), 0);
+        clients.reset(); // would wait for the end of the silence otherwise
+        QTRY_COMPARE(streamEnd.size() + tocEnd.size(), 2);
     }
 };
 

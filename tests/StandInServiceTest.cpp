@@ -1,40 +1,31 @@
+#include "core/EntryText.h"
 #include "demo/ModelAnswer.h"
-#include "platform/linux/CurlHttpSession.h"
+#include "demo/Question.h"
 #include "providers/JsonArray.h"
 #include "tests/StandInClient.h"
 
-#include <QFile>
+#include <QDirIterator>
+#include <QRegularExpression>
 #include <QTest>
+
+#include <deque>
 
 using namespace varno;
 using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Keeps what comes.
-struct Collector final : HttpReceiver {
-    bool onStatus(int statusCode) override
-    {
-        status = statusCode;
-        return true;
-    }
-    bool onBytes(std::string_view bytes) override
-    {
-        body.append(bytes.data(), static_cast<qsizetype>(bytes.size()));
-        return true;
-    }
+const QByteArray withoutTools = QByteArray(claudeRequest).replace("tools", "notes");
 
-    int status = 0;
-    QByteArray body;
-};
-
-HttpRequest claudeRequest(const StandInService& service)
+/// The records in the lines with data, empty for what is no record.
+QList<QJsonValue> records(const QByteArray& body)
 {
-    return {.url = service.claudeEndpoint(),
-            .headers = {{"x-api-key", "k"},
-                        {"anthropic-version", "2023-06-01"},
-                        {"content-type", "application/json"}},
-            .body = claudeBody(aPrompt, true)};
+    QList<QJsonValue> records;
+    for (const QByteArray& line : body.split('\n')) {
+        if (line.startsWith("data: "))
+            records.append(QJsonDocument::fromJson(line.sliced(6)).object());
+    }
+    return records;
 }
 
 } // namespace
@@ -45,263 +36,254 @@ class StandInServiceTest : public QObject {
 private slots:
     void listensOnLoopbackOnly_data()
     {
-        QTest::addColumn<QString>("address");
-        QTest::addColumn<QByteArray>("origin");
-        QTest::newRow("IPv4") << u"127.0.0.1"_s << QByteArray("http://127.0.0.1:");
-        QTest::newRow("another of the block") << u"127.8.0.1"_s << QByteArray("http://127.8.0.1:");
-        QTest::newRow("name") << u"localhost"_s << QByteArray("http://localhost:");
-        QTest::newRow("all addresses") << u"0.0.0.0"_s << QByteArray();
-        QTest::newRow("all IPv6 addresses") << u"::"_s << QByteArray();
-        QTest::newRow("a network") << u"192.168.0.1"_s << QByteArray();
-        QTest::newRow("a host") << u"example.org"_s << QByteArray();
-        QTest::newRow("a misleading host") << u"127.0.0.1.example.org"_s << QByteArray();
-        QTest::newRow("misleading bytes") << u"1.0.0.127"_s << QByteArray();
-        QTest::newRow("IPv4 in IPv6") << u"::ffff:10.0.0.1"_s << QByteArray();
-        QTest::newRow("nothing") << QString() << QByteArray();
+        QTest::addColumn<bool>("allowed");
+        for (const char* address : {"127.8.0.1", "localhost"})
+            QTest::newRow(address) << true;
+        for (const char* address : {"0.0.0.0", "::", "192.168.0.1", "127.0.0.1.example.org",
+                                    "1.0.0.127", "::ffff:10.0.0.1", ""})
+            QTest::newRow(address) << false;
     }
     void listensOnLoopbackOnly()
     {
-        QFETCH(QString, address);
-        QFETCH(QByteArray, origin);
+        QFETCH(bool, allowed);
         QString error;
+        const QString address = QString::fromLatin1(QTest::currentDataTag());
         const auto service = StandInService::start({.address = address}, &error);
-        QCOMPARE(service != nullptr, !origin.isEmpty());
-        QCOMPARE(error.isEmpty(), !origin.isEmpty());
-        if (service)
-            QVERIFY(service->claudeEndpoint().startsWith(origin));
-    }
-
-    void takenPort()
-    {
-        const auto first = StandInService::start();
-        QVERIFY(first);
-        const int port = QUrl(QString::fromLatin1(first->claudeEndpoint())).port();
-        QString error;
-        QVERIFY(!StandInService::start({.port = port}, &error));
-        QVERIFY(error.contains(QString::number(port)));
+        QCOMPARE(service != nullptr, allowed);
+        QCOMPARE(error.isEmpty(), allowed);
+        if (!service)
+            return;
+        const QUrl url = QUrl::fromEncoded(service->claudeEndpoint());
+        QCOMPARE(url.host(), address);
+        QVERIFY(!StandInService::start({.address = address, .port = url.port()})); // it is taken
     }
 
     void claudeStream()
     {
+        const QRegularExpression named(u"event: (\\w+)\ndata: \\{\"type\":\"\\1\"[^\n]*\\}\n\n"_s);
         const auto service = StandInService::start();
-        const RawReply reply = askClaude(*service);
-        QCOMPARE(reply.status, 200);
+        const BareReply reply = ask(*service, claudeRequest);
         QVERIFY(reply.complete);
-        QCOMPARE(reply.contentType, "text/event-stream; charset=utf-8");
-        QVERIFY(!reply.body().contains('\r'));
-        QVERIFY(reply.body().contains("} }\n")); // a padded record
-        QVERIFY(!reply.body().contains("[DONE]"));
-        QCOMPARE(claudeText(reply), modelAnswer(EntryLibrary(), aPrompt));
-
-        QByteArrayList names = eventNames(reply);
-        QVERIFY(names.removeAll("content_block_delta") > 20);
-        QCOMPARE(names, QByteArrayList({"message_start", "content_block_start", "ping",
-                                        "content_block_stop", "message_delta", "message_stop"}));
+        QCOMPARE(reply.contentType, QByteArray("text/event-stream; charset=utf-8"));
+        QCOMPARE(QString::fromUtf8(reply.body()).remove(named), QString());
+        QVERIFY(reply.body().contains(" }\n")); // a padded record
+        QStringList kinds;
+        QString text;
+        for (const QJsonValue& record : records(reply.body())) {
+            const QJsonValue delta = record[u"delta"];
+            text += delta[u"text"].toString();
+            const QString kind = record[u"type"].toString() + u':' + delta[u"type"].toString() +
+                                 record[u"content_block"][u"type"].toString();
+            if (!kinds.endsWith(kind))
+                kinds.append(kind);
+        }
+        QCOMPARE(text, u"I'll look that up."_s + modelAnswer(EntryLibrary(), aPrompt));
+        QCOMPARE(kinds.join(u' ').remove(u"content_block_"_s),
+                 u"message_start: start:text ping: delta:text_delta stop: "
+                 "start:server_tool_use delta:input_json_delta stop: "
+                 "start:web_search_tool_result stop: "
+                 "start:text delta:text_delta stop: message_delta: message_stop:"_s);
     }
 
-    void claudeWebSearch()
-    {
-        const auto service = StandInService::start();
-        const RawReply streamed = askClaude(*service, aPrompt, true, true);
-        QVERIFY(claudeText(streamed).startsWith("I'll look that up.<entry>"_L1));
-        const QByteArray body = streamed.body();
-        const qsizetype use = body.indexOf("server_tool_use");
-        QVERIFY(use > 0);
-        QVERIFY(body.indexOf("input_json_delta") > use);
-        QVERIFY(body.indexOf("web_search_tool_result") > body.lastIndexOf("input_json_delta"));
-        QVERIFY(body.lastIndexOf("text_delta") > body.indexOf("web_search_tool_result"));
-
-        const RawReply whole = askClaude(*service, tocPrompt(u"stoicism"_s), false, true);
-        QVERIFY(whole.body().contains("web_search_tool_result"));
-        QCOMPARE(parseJSONArray(claudeMessageText(whole)).value_or(QStringList()).size(), 6);
-    }
-
-    void geminiStream_data()
-    {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QStringList>("expected");
-        QTest::newRow("text in the last chunk")
-            << QByteArray("<a>'b'&c") << QStringList{u"<a>'"_s, u"b'&c"_s, QString()};
-        QTest::newRow("no text there")
-            << QByteArray("abcdef<g>") << QStringList{u"abcd"_s, u"ef<g"_s, u">"_s};
-    }
     void geminiStream()
     {
-        QFETCH(QByteArray, text);
         const auto service = StandInService::start();
-        service->setScript({.pieceLength = 4, .text = text});
-        const RawReply reply = askGemini(*service);
-        QVERIFY(reply.complete);
-        QCOMPARE(reply.contentType, "text/event-stream");
-        QTEST(pieces(reply, &geminiEventText), "expected");
-        const QByteArray body = reply.body();
-        QCOMPARE(body.count('\n'), body.count("\r\n"));
-        QCOMPARE(body.count("\r\n\r\n"), body.count("data: "));
-        QCOMPARE(body.count("\"finishReason\":\"STOP\""), 1);
-        QVERIFY(body.lastIndexOf("data: ") < body.indexOf("finishReason"));
-        QVERIFY(!body.contains('<'));
+        for (const QString& pieces : {u"<a>'|b'&c|d"_s, u"<a>'|b'&c|"_s}) { // or none at the end
+            service->setScript({.pieceLength = 4, .text = QString(pieces).remove(u'|').toUtf8()});
+            const BareReply reply = ask(*service, geminiRequest);
+            QCOMPARE(reply.contentType, QByteArray("text/event-stream"));
+            QCOMPARE(reply.body().count("\r\n\r\n"), 3);
+            QCOMPARE(reply.body().count('\n'), 6);
+            QVERIFY(!reply.body().contains('<')); // an escape in its place
+            QStringList found;
+            for (const QJsonValue& record : records(reply.body())) {
+                const QJsonValue candidate = record[u"candidates"][0];
+                found.append(candidate[u"content"][u"parts"][0][u"text"].toString());
+                QCOMPARE(candidate[u"finishReason"] == u"STOP"_s, found.size() == 3);
+                QCOMPARE(candidate[u"groundingMetadata"].isObject(), found.size() == 3);
+            }
+            QCOMPARE(found.join(u'|'), pieces);
+        }
     }
 
     void wholeReplies()
     {
         const auto service = StandInService::start();
-        service->setScript({.statusCode = 500}); // of no account here
-        const QString prompt = tocPrompt(u"stoicism"_s);
-        const QString answer = modelAnswer(EntryLibrary(), prompt);
-        const RawReply claude = askClaude(*service, prompt, false);
-        QCOMPARE(claude.contentType, "application/json");
-        QCOMPARE(claudeMessageText(claude), answer);
-
-        const RawReply gemini = askGemini(*service, prompt, false);
-        QVERIFY(gemini.contentType.startsWith("application/json"));
-        json::Parser parser;
-        QCOMPARE(geminiReplyText(parser, gemini.body().toStdString()), answer);
-
-        service->setTOCScript({.statusCode = 503});
-        QCOMPARE(askGemini(*service, prompt, false).status, 503);
+        service->setScript({.statusCode = 500}); // for those that are streamed
+        const QString answer = modelAnswer(EntryLibrary(), aPrompt);
+        const BareReply claude = ask(*service, QByteArray(claudeRequest).replace("true", "false"));
+        QCOMPARE(claude.contentType, QByteArray("application/json"));
+        QCOMPARE(claude.json()[u"content"][2][u"text"], answer);
+        const BareReply gemini = ask(*service, QByteArray(geminiRequest).replace("streamG", "g"));
+        QCOMPARE(gemini.contentType, QByteArray("application/json; charset=UTF-8"));
+        QCOMPARE(gemini.json()[u"candidates"][0][u"content"][u"parts"][0][u"text"], answer);
     }
 
-    void claudeRefusals_data()
+    void refusals_data()
     {
-        QTest::addColumn<QByteArray>("headers");
-        QTest::addColumn<QByteArray>("body");
+        QTest::addColumn<bool>("isGemini");
         QTest::addColumn<int>("status");
-        QTest::addColumn<QString>("type");
-        const QByteArray version = "anthropic-version: 2023-06-01\r\n";
-        const QByteArray key = "x-api-key: k\r\n";
-        const QByteArray good = claudeBody(u"?"_s, true);
-        const auto refused = [](const char* name, const QByteArray& headers, const QByteArray& body,
-                                int status, const QString& type) {
-            QTest::newRow(name) << headers << body << status << type;
+        QTest::addColumn<QString>("error");
+        // What is missing from a request in good order:
+        const auto row = [](bool isGemini, const char* missing, int status, const QString& error) {
+            QTest::newRow(missing) << isGemini << status << error;
         };
-        const auto malformed = [&](const char* name, const char* before, const char* after) {
-            refused(name, claudeHeaders, QByteArray(good).replace(before, after), 400,
-                    u"invalid_request_error"_s);
-        };
-        refused("no key", jsonType + version, good, 401, u"authentication_error"_s);
-        refused("an empty key", jsonType + version + "x-api-key: \r\n", good, 401,
-                u"authentication_error"_s);
-        refused("no version", jsonType + key, good, 400, u"invalid_request_error"_s);
-        refused("no content type", version + key, good, 400, u"invalid_request_error"_s);
-        refused("an unknown model", claudeHeaders, QByteArray(good).replace("claude-", "cloud-"),
-                404, u"not_found_error"_s);
-        malformed("no JSON", "}", "");
-        malformed("an array", good.constData(), "[1]");
-        malformed("no limit", "max_tokens", "most");
-        malformed("a limit in words", "2048", "\"many\"");
-        malformed("no messages", "messages", "letters");
-        malformed("a wrong role", "\"user\"", "\"system\"");
+        row(false, "X-Api-Key: k\r\n", 401, u"authentication_error"_s);
+        row(false, "anthropic-version: 2023-06-01\r\n", 400, u"invalid_request_error"_s);
+        row(false, "Content-Type: application/json\r\n", 400, u"invalid_request_error"_s);
+        row(false, "claude-", 404, u"not_found_error"_s);
+        row(false, "}", 400, u"invalid_request_error"_s);
+        row(false, "max_tokens", 400, u"invalid_request_error"_s);
+        row(false, "\"name\":\"web_search\"", 400, u"invalid_request_error"_s);
+        row(false, "role", 400, u"invalid_request_error"_s);
+        row(true, "key=k&", 403, u"PERMISSION_DENIED"_s);
+        row(true, "gemini-", 404, u"NOT_FOUND"_s);
+        row(true, "stream", 404, u"NOT_FOUND"_s);
+        row(true, "&alt=sse", 400, u"INVALID_ARGUMENT"_s);
+        row(true, "contents", 400, u"INVALID_ARGUMENT"_s);
+        row(true, "text", 400, u"INVALID_ARGUMENT"_s);
     }
-    void claudeRefusals()
+    void refusals()
     {
-        QFETCH(QByteArray, headers);
-        QFETCH(QByteArray, body);
+        QFETCH(bool, isGemini);
         const auto service = StandInService::start();
-        const RawReply reply = RawExchange(service->claudeEndpoint(), headers, body).readAll();
-        QTEST(reply.status, "status");
-        QCOMPARE(reply.contentType, "application/json");
+        QByteArray request = isGemini ? geminiRequest : claudeRequest;
+        request.replace(QTest::currentDataTag(), "");
+        const BareReply reply = ask(*service, request);
         QVERIFY(reply.complete);
-        QTEST(claudeErrorType(reply), "type");
+        QTEST(reply.status, "status");
+        const bool wantsEvents = request.contains(":stream") && request.contains("alt=sse");
+        QCOMPARE(reply.contentType.startsWith("text/event-stream"), wantsEvents);
+        const QJsonValue error = reply.json()[u"error"];
+        QTEST(error[isGemini ? u"status" : u"type"].toString(), "error");
+        QVERIFY(error[u"message"].isString());
+        QVERIFY(isGemini ? error[u"code"] == reply.status : reply.json()[u"type"] == u"error"_s);
     }
 
-    void geminiRefusals_data()
+    void scriptedBodies()
     {
-        QTest::addColumn<QByteArray>("target");
-        QTest::addColumn<QByteArray>("body");
-        QTest::addColumn<int>("status");
-        QTest::addColumn<QByteArray>("type");
-        const QByteArray good = geminiBody(u"?"_s);
-        const auto refused = [](const char* name, const QByteArray& target, const QByteArray& body,
-                                int status, const QByteArray& type) {
-            QTest::newRow(name) << target << body << status << type;
+        const auto service = StandInService::start();
+        service->setScript({.statusCode = 529});
+        QCOMPARE(ask(*service, claudeRequest).json()[u"error"][u"type"], u"overloaded_error"_s);
+        Script recorded{.body = "data:\r\n\r\ndata: \xff\n\n\n: b\r\rno end"};
+        service->setScript(recorded);
+        QCOMPARE(ask(*service, claudeRequest).chunks,
+                 QByteArrayList({"data:\r\n\r\n", "data: \xff\n\n", "\n: b\r\rno end"}));
+        recorded.writeLength = 12;
+        service->setScript(recorded);
+        QCOMPARE(ask(*service, claudeRequest).chunks,
+                 QByteArrayList({"data:\r\n\r\ndat", "a: \xff\n\n\n: b\r\r", "no end"}));
+    }
+
+    void disturbances()
+    {
+        const auto service = StandInService::start();
+        service->setScript({.pieceLength = 4,
+                            .crlf = true,
+                            .text = "11112222",
+                            .malformedEvent = true,
+                            .hugeLineLength = 300'000,
+                            .errorEvent = true});
+        for (const QByteArray& request : {withoutTools, geminiRequest}) {
+            const QByteArray body = ask(*service, request).body();
+            QCOMPARE(body.count("\r\n"), body.count('\n'));
+            const qsizetype start = body.indexOf("1111");
+            const QByteArray between = body.mid(start, body.indexOf("2222") - start);
+            QVERIFY(between.contains("\"text\":\r\n\r\n"));
+            QVERIFY(between.contains(QByteArray(299'900, 'x')));
+            QVERIFY(between.contains("\"error\":{"));
+        }
+    }
+
+    void endsInTheMiddle_data()
+    {
+        QTest::addColumn<Script>("script");
+        QTest::addColumn<int>("pieces"); // that still come
+        QTest::newRow("drop") << Script{.dropAfterEvents = 3} << 3;
+        QTest::newRow("hang at once") << Script{.hangAfterEvents = 0} << 0;
+        QTest::newRow("hang") << Script{.hangAfterEvents = 2} << 2;
+        QTest::newRow("pause") << Script{.pauseAfterFirstEvent = std::chrono::hours(1)} << 1;
+    }
+    void endsInTheMiddle()
+    {
+        QFETCH(Script, script);
+        QFETCH(int, pieces);
+        const QByteArray last = pieces == 0 ? "\r\n\r\n" : QByteArray::number(pieces * 1111);
+        auto service = StandInService::start();
+        script.pieceLength = 4;
+        script.text = "11112222333344445555";
+        service->setScript(script);
+        std::deque<Exchange> many;
+        for (int i = 0; i < 20; ++i) {
+            many.emplace_back(*service, withoutTools);
+            QVERIFY(many.back().readUntil(last));
+        }
+        if (!script.dropAfterEvents)
+            service.reset();
+        for (Exchange& exchange : many) {
+            const BareReply reply = exchange.readAll();
+            QVERIFY(!reply.complete);
+            QVERIFY(!reply.body().contains(QByteArray::number((pieces + 1) * 1111)));
+        }
+    }
+
+    void libraryIsWhole()
+    {
+        const EntryLibrary library;
+        qsizetype count = 0;
+        const auto gives = [&](const QString& prompt, const std::optional<QString>& text) {
+            if (!text)
+                return true;
+            ++count;
+            const auto related = parseJSONArray(relatedTopicsText(*text).value_or(QString()));
+            return related && related->size() >= 4 && !cleanEntryText(*text).isEmpty() &&
+                   modelAnswer(library, prompt).endsWith("<entry>"_L1 + *text + "</entry>"_L1);
         };
-        const QByteArray events = "text/event-stream";
-        const QByteArray record = "application/json; charset=UTF-8";
-        const QByteArray whole = "/gemini-3:generateContent?key=k";
-        const QByteArray stream = "/gemini-3:streamGenerateContent";
-        refused("no key", stream + "?alt=sse", good, 403, events);
-        refused("an empty key", stream + "?key=&alt=sse", good, 403, events);
-        refused("no key, whole", "/gemini-3:generateContent", good, 403, record);
-        refused("an unknown model", "/twins:generateContent?key=k", good, 404, record);
-        refused("an unknown method", "/gemini-3:sing?key=k", good, 404, record);
-        refused("no events", stream + "?key=k", good, 400, record);
-        refused("no contents", whole, "{}", 400, record);
-        refused("empty contents", whole, "{\"contents\":[]}", 400, record);
-        refused("wrong settings", whole,
-                good.chopped(1) + ",\"generationConfig\":{\"maxOutputTokens\":0}}", 400, record);
-    }
-    void geminiRefusals()
-    {
-        QFETCH(QByteArray, target);
-        QFETCH(QByteArray, body);
-        QFETCH(int, status);
-        const auto service = StandInService::start();
-        const RawReply reply =
-            RawExchange(service->geminiBaseURL() + target, jsonType, body).readAll();
-        QCOMPARE(reply.status, status);
-        QTEST(reply.contentType, "type");
-        QVERIFY(reply.body().startsWith(
-            "{\n  \"error\": {\n    \"code\": " + QByteArray::number(status) + ",\n"));
-        json::Parser parser;
-        const auto message = geminiErrorMessage(parser, reply.body().toStdString());
-        QVERIFY(!message.value_or(QString()).isEmpty());
+        for (const auto& topic : library.topics()) {
+            const QString title = topic.title.toUpper() + u'?';
+            QCOMPARE(library.find(title), &topic);
+            QVERIFY(gives(entryPrompt(EntryType::definition, title), topic.definition));
+            QVERIFY(gives(entryPrompt(EntryType::shortAnswer, title), topic.answer));
+            QVERIFY(gives(entryPrompt(EntryType::full, title), topic.article));
+            for (const auto& [name, text] : topic.sections)
+                QVERIFY2(gives(sectionPrompt(name, title), text), qUtf8Printable(name));
+            QCOMPARE(topic.article.has_value(), topic.sections.size() >= 5);
+            const auto sections = parseJSONArray(modelAnswer(library, tocPrompt(title)));
+            QCOMPARE(sections->size(), topic.sections.size());
+        }
+        const QString source = QFINDTESTDATA("../demo/library");
+        QDirIterator files(source, QDir::Files, QDirIterator::Subdirectories);
+        for (; files.hasNext(); files.next())
+            --count;
+        QCOMPARE(count, 0);
     }
 
-    void unknownPath()
+    void saysWhatIsMissing()
     {
-        const auto service = StandInService::start();
-        const QByteArray url = service->claudeEndpoint() + "s";
-        QCOMPARE(RawExchange(url, claudeHeaders, claudeBody(aPrompt, true)).readAll().status, 404);
+        const EntryLibrary library;
+        for (const QString& prompt : {entryPrompt(EntryType::full, u"the soup"_s),
+                                      sectionPrompt(u"the soup"_s, u"Stoicism"_s), u"the soup"_s}) {
+            const QString text = modelAnswer(library, prompt);
+            QVERIFY(cleanEntryText(text).contains("the soup"_L1));
+            const auto related = parseJSONArray(relatedTopicsText(text).value_or(QString()));
+            QCOMPARE(related.value_or(QStringList()).size(), 5);
+            for (const QString& title : *related)
+                QVERIFY2(library.find(title), qUtf8Printable(title));
+        }
     }
 
-    void keepsRequests()
+    void readsPrompts()
     {
-        const auto service = StandInService::start();
-        askClaude(*service);
-        RawExchange(service->geminiBaseURL() + "/nothing?key=k", {}, "body").readAll();
-        const QList<ReceivedRequest> requests = service->requests();
-        QCOMPARE(requests.size(), 2);
-        QCOMPARE(requests[0].path, "/v1/messages");
-        QCOMPARE(requests[0].header("x-api-key"), "k");
-        QCOMPARE(requests[0].header("X-Goog-Api-Key"), QByteArray());
-        QCOMPARE(requests[0].headers.size(), 5); // host and content-length are the other two
-        QCOMPARE(requests[0].body, claudeBody(aPrompt, true));
-        QCOMPARE(requests[1].path, "/v1beta/models/nothing?key=k");
-        QCOMPARE(requests[1].body, "body");
-    }
-
-    void tls()
-    {
-        auto service = StandInService::start({.tls = true});
-        QVERIFY(service->claudeEndpoint().startsWith("https://"));
-        const QString certificate = service->certificateFile();
-        const HttpRequest request = claudeRequest(*service);
-        Collector collector;
-        QVERIFY(!CurlHttpSession(certificate).perform(request, collector, {}));
-        QCOMPARE(collector.status, 200);
-        QVERIFY(collector.body.contains("message_stop"));
-
-        QVERIFY(CurlHttpSession().perform(request, collector, {})); // not trusted
-        QCOMPARE(service->requests().size(), 1);
-        service.reset();
-        QVERIFY(!QFile::exists(certificate));
-    }
-
-    void cutConnectionIsAnError_data()
-    {
-        QTest::addColumn<bool>("tls");
-        QTest::newRow("plain") << false;
-        QTest::newRow("TLS") << true;
-    }
-    void cutConnectionIsAnError()
-    {
-        QFETCH(bool, tls);
-        const auto service = StandInService::start({.tls = tls});
-        service->setScript({.dropAfterEvents = 2});
-        Collector collector;
-        CurlHttpSession http(service->certificateFile());
-        QVERIFY(http.perform(claudeRequest(*service), collector, {}));
-        QCOMPARE(collector.body.count("text_delta"), 2);
+        for (const QString& topic :
+             {u"the \"great\" shift\""_s, u"%1 and %2"_s, u"\". Include etymology. \"x"_s,
+              u"a\" section of an encyclopedia article about \"b"_s, u"漢字 🙂\n"_s, u""_s}) {
+            QCOMPARE(readPrompt(entryPrompt(EntryType::full, topic)),
+                     Question(EntryQuestion{EntryType::full, topic}));
+            QCOMPARE(readPrompt(tocPrompt(topic)), Question(TOCQuestion{topic}));
+            QCOMPARE(readPrompt(sectionPrompt(u"A \"name\""_s, topic)),
+                     Question(SectionQuestion{u"A \"name\""_s, topic}));
+        }
+        QCOMPARE(readPrompt(u"For the topic \"Rome\"!"_s), Question(TOCQuestion{u"Rome"_s}));
     }
 };
 

@@ -84,7 +84,8 @@ private slots:
     void defaultReturns()
     {
         QFETCH(int, number);
-        const int survived = statusOfChild(number, [] { TerminationSignals::install().release(); });
+        const int survived = statusOfChild(
+            number, [] { static_cast<void>(TerminationSignals::install().release()); });
         QVERIFY(WIFEXITED(survived));
 
         const int ended = statusOfChild(number, [] { TerminationSignals::install().reset(); });
@@ -104,7 +105,8 @@ private slots:
 
     void otherSignalsKeepTheirHandling()
     {
-        const int status = statusOfChild(SIGUSR1, [] { TerminationSignals::install().release(); });
+        const int status = statusOfChild(
+            SIGUSR1, [] { static_cast<void>(TerminationSignals::install().release()); });
         QVERIFY(WIFSIGNALED(status));
         QCOMPARE(WTERMSIG(status), SIGUSR1);
     }

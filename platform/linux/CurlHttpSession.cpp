@@ -21,7 +21,7 @@ struct Delete {
 /// What the callbacks of one transfer know.
 struct Transfer {
     HttpReceiver& receiver;
-    CURL* handle;
+    CURL* handle = nullptr;
     bool headSeen = false;
     bool declined = false;
 
@@ -153,7 +153,7 @@ CURLcode drive(CURLM* multi, std::chrono::milliseconds timeout, const std::stop_
             return CURLE_FAILED_INIT;
         int remaining = 0;
         if (const CURLMsg* message = curl_multi_info_read(multi, &remaining))
-            return message->data.result;
+            return message->data.result; // NOLINT(cppcoreguidelines-pro-type-union-access)
 
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
         const auto wait = std::clamp<std::chrono::milliseconds>(left, 0ms, 1h);
@@ -178,15 +178,19 @@ CURLcode run(CURL* handle, std::chrono::milliseconds timeout, const std::stop_to
     return code;
 }
 
+CURLSH* makeShare()
+{
+    static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
+    Q_UNUSED(initialised)
+    return curl_share_init();
+}
+
 } // namespace
 
 CurlHttpSession::CurlHttpSession(const QString& authorities)
     : m_authorities(QFile::encodeName(authorities))
+    , m_share(makeShare())
 {
-    static const CURLcode initialised = curl_global_init(CURL_GLOBAL_DEFAULT);
-    Q_UNUSED(initialised)
-
-    m_share = curl_share_init();
     curl_share_setopt(m_share, CURLSHOPT_USERDATA, this);
     curl_share_setopt(
         m_share, CURLSHOPT_LOCKFUNC, +[](CURL*, curl_lock_data data, curl_lock_access, void* user) {

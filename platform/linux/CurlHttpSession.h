@@ -4,10 +4,10 @@
 
 #include <QString>
 
+#include <curl/curl.h>
+
 #include <array>
 #include <mutex>
-
-#include <curl/curl.h>
 
 namespace varno {
 
@@ -20,8 +20,8 @@ public:
     ~CurlHttpSession() override;
     Q_DISABLE_COPY_MOVE(CurlHttpSession)
 
-    [[nodiscard]] std::optional<Failure>
-    perform(const HttpRequest& request, HttpReceiver& receiver, std::stop_token stop) override;
+    [[nodiscard]] std::optional<Failure> perform(const HttpRequest& request, HttpReceiver& receiver,
+                                                 std::stop_token stop) override;
 
 private:
     QByteArray m_authorities;

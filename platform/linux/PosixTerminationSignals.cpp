@@ -2,13 +2,13 @@
 
 #include <QSocketNotifier>
 
-#include <array>
-#include <cerrno>
-#include <csignal>
-
 #include <fcntl.h>
 #include <sys/socket.h>
 #include <unistd.h>
+
+#include <array>
+#include <cerrno>
+#include <csignal>
 
 namespace varno {
 namespace {
