@@ -36,7 +36,7 @@ std::future<QList<Session>> HistoryStore::load()
         const auto file = readFile(m_path, largestFile);
         std::optional<QList<Session>> sessions;
         if (const auto* bytes = std::get_if<QByteArray>(&file))
-            sessions = decodeSessions({bytes->data(), static_cast<std::size_t>(bytes->size())});
+            sessions = decodeSessions(*bytes);
         const auto* error = std::get_if<FileError>(&file);
         m_putAside = !sessions && !(error && *error == FileError::absent);
         promise->set_value(std::move(sessions).value_or(QList<Session>()));

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QList>
+#include <QByteArray>
 #include <QString>
 #include <QStringList>
 
@@ -23,11 +23,10 @@ using Parser = simdjson::dom::parser;
 inline QString toQString(std::string_view utf8)
 {
     constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
-    const bool marked = utf8.starts_with(byteOrderMark);
-    if (marked)
-        utf8.remove_prefix(byteOrderMark.size());
-    const QString text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
-    return marked ? QChar(QChar::ByteOrderMark) + text : text;
+    QString text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
+    if (utf8.starts_with(byteOrderMark))
+        text.prepend(QChar(QChar::ByteOrderMark));
+    return text;
 }
 
 /// Nothing unless `text` is one whole valid JSON value; good until `parser` reads the next one.
@@ -35,6 +34,17 @@ inline std::optional<Value> parse(Parser& parser, std::string_view text)
 {
     Value value;
     if (parser.parse(text.data(), text.size()).get(value) != simdjson::SUCCESS)
+        return std::nullopt;
+    return value;
+}
+
+/// The same without a copy of `text`, if it has room to spare behind its end.
+inline std::optional<Value> parse(Parser& parser, const QByteArray& text)
+{
+    const auto size = static_cast<std::size_t>(text.size());
+    const bool roomy = text.capacity() - text.size() >= qsizetype{simdjson::SIMDJSON_PADDING};
+    Value value;
+    if (parser.parse(text.data(), size, !roomy).get(value) != simdjson::SUCCESS)
         return std::nullopt;
     return value;
 }

@@ -5,7 +5,6 @@
 #include <QByteArray>
 
 #include <optional>
-#include <string_view>
 
 namespace varno {
 
@@ -14,6 +13,6 @@ QByteArray encodeSessions(const QList<Session>& sessions);
 
 /// Nothing when any part of `json` is not as `encodeSessions` would have it; unknown members, and
 /// "pages" as an object keyed by the ids, are fine.
-std::optional<QList<Session>> decodeSessions(std::string_view json);
+std::optional<QList<Session>> decodeSessions(const QByteArray& json);
 
 } // namespace varno

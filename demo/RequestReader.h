@@ -14,7 +14,8 @@ namespace varno::json {
 /// The record that `body` is; good until `parser` reads the next one.
 inline std::optional<Object> readRecord(Parser& parser, const QByteArray& body)
 {
-    const auto value = parse(parser, {body.data(), static_cast<std::size_t>(body.size())});
+    const std::string_view text(body.data(), static_cast<std::size_t>(body.size()));
+    const auto value = parse(parser, text);
     return value ? as<Object>(*value) : std::nullopt;
 }
 

@@ -10,11 +10,12 @@ using namespace varno;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    const auto sessions = decodeSessions({reinterpret_cast<const char*>(data), size});
+    const auto sessions = decodeSessions(
+        QByteArray(reinterpret_cast<const char*>(data), static_cast<qsizetype>(size)));
     if (!sessions)
         return 0;
     const QByteArray encoded = encodeSessions(*sessions);
-    const auto again = decodeSessions({encoded.data(), static_cast<std::size_t>(encoded.size())});
+    const auto again = decodeSessions(encoded);
     fuzz::check(again == sessions, "a history written reads back");
     return 0;
 }

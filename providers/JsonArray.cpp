@@ -19,7 +19,7 @@ std::optional<QStringList> parseJSONArray(const QString& text)
     }
     const QByteArray array = QStringView(text).sliced(first, last - first + 1).toUtf8();
     json::Parser parser;
-    const auto value = json::parse(parser, {array.data(), static_cast<std::size_t>(array.size())});
+    const auto value = json::parse(parser, array);
     const auto elements = value ? json::as<json::Array>(*value) : std::nullopt;
     return elements ? json::strings(*elements) : std::nullopt;
 }

@@ -28,7 +28,7 @@ QStringList savedQueries(const ControllerFixture& fixture)
 {
     fixture.history->waitForDone();
     const QByteArray bytes = contents(fixture.path());
-    const auto sessions = decodeSessions({bytes.data(), static_cast<std::size_t>(bytes.size())});
+    const auto sessions = decodeSessions(bytes);
     QStringList queries;
     for (const Session& session : sessions.value_or(QList<Session>()))
         queries.append(session.rootQuery);

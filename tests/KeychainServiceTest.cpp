@@ -80,6 +80,17 @@ public:
         return Value(reply);
     }
 
+    bool isOwned(const char* name) const
+    {
+        const Value reply =
+            call("org.freedesktop.DBus", "/org/freedesktop/DBus", "org.freedesktop.DBus",
+                 "NameHasOwner", g_variant_new("(s)", name));
+        gboolean result = FALSE;
+        if (reply)
+            g_variant_get(reply.get(), "(b)", &result);
+        return result;
+    }
+
     bool takeName(const char* name) const
     {
         const Value reply =
@@ -335,6 +346,10 @@ public:
         m_daemon.write("varno");
         m_daemon.closeWriteChannel();
         m_daemon.waitForBytesWritten();
+        const SessionBusAddress bus(m_address);
+        const Caller caller;
+        while (!caller.isOwned(secrets))
+            m_daemon.waitForFinished(20);
     }
 
     void end()
@@ -606,7 +621,7 @@ private slots:
             PrivateBus own;
             own.startKeyRing();
             const SessionBusAddress bus(own.address());
-            QTRY_COMPARE(m_keychain.presence(m_account), KeyPresence::absent);
+            QCOMPARE(m_keychain.presence(m_account), KeyPresence::absent);
             m_keychain.save(u"other"_s, m_account);
             QCOMPARE(m_keychain.load(m_account), Key(u"other"_s));
             const Prompter prompter(Prompter::User::silent);

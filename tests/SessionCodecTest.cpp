@@ -17,11 +17,6 @@ namespace {
 constexpr auto rootId = "0A1B2C3D-0000-4000-8000-00000000000F"_L1;
 constexpr auto sectionId = "0A1B2C3D-0000-4000-8000-00000000001F"_L1;
 
-std::string_view view(const QByteArray& bytes)
-{
-    return {bytes.data(), static_cast<std::size_t>(bytes.size())};
-}
-
 /// One session of two pages, written by hand.
 QByteArray handWritten()
 {
@@ -46,7 +41,7 @@ class SessionCodecTest : public QObject {
 private slots:
     void readsTheDocumentedForm()
     {
-        const auto sessions = decodeSessions(view(handWritten()));
+        const auto sessions = decodeSessions(handWritten());
         QVERIFY(sessions);
         QCOMPARE(sessions->size(), 1);
         const Session& session = sessions->constFirst();
@@ -65,7 +60,7 @@ private slots:
 
     void writesTheDocumentedForm()
     {
-        const QByteArray written = encodeSessions(*decodeSessions(view(handWritten())));
+        const QByteArray written = encodeSessions(*decodeSessions(handWritten()));
         const QJsonObject session = QJsonDocument::fromJson(written).array().at(0).toObject();
         QCOMPARE(session.keys(), QStringList({u"createdAt"_s, u"id"_s, u"navigationHistory"_s,
                                               u"pages"_s, u"rootQuery"_s}));
@@ -91,8 +86,8 @@ private slots:
         QJsonObject session = document.array().at(0).toObject();
         const QJsonArray pairs = session["pages"_L1].toArray();
         session["pages"_L1] = QJsonObject{{rootId, pairs.at(1)}, {sectionId, pairs.at(3)}};
-        const auto sessions = decodeSessions(view(QJsonDocument(QJsonArray{session}).toJson()));
-        QCOMPARE(sessions, decodeSessions(view(handWritten())));
+        const auto sessions = decodeSessions(QJsonDocument(QJsonArray{session}).toJson());
+        QCOMPARE(sessions, decodeSessions(handWritten()));
     }
 
     void refuses_data()
@@ -135,14 +130,13 @@ private slots:
     void refuses()
     {
         QFETCH(QByteArray, json);
-        QVERIFY(!decodeSessions(view(json)));
+        QVERIFY(!decodeSessions(json));
     }
 
     void idsReadInEitherCase()
     {
-        const auto sessions =
-            decodeSessions(view(withReplaced(handWritten(), "0A1B2C3D", "0a1b2c3d")));
-        QCOMPARE(sessions, decodeSessions(view(handWritten())));
+        const auto sessions = decodeSessions(withReplaced(handWritten(), "0A1B2C3D", "0a1b2c3d"));
+        QCOMPARE(sessions, decodeSessions(handWritten()));
     }
 
     void datesSurviveToTheLastBit_data()
@@ -160,7 +154,7 @@ private slots:
         QFETCH(double, date);
         Session session;
         session.createdAt = date;
-        const auto read = decodeSessions(view(encodeSessions({session})));
+        const auto read = decodeSessions(encodeSessions({session}));
         QVERIFY(read);
         QCOMPARE(std::bit_cast<quint64>(read->constFirst().createdAt),
                  std::bit_cast<quint64>(date));
@@ -188,7 +182,7 @@ private slots:
         Session session;
         session.rootQuery = text;
         session.push(page);
-        QCOMPARE(decodeSessions(view(encodeSessions({session, session}))),
+        QCOMPARE(decodeSessions(encodeSessions({session, session})),
                  QList<Session>({session, session}));
     }
 
@@ -196,7 +190,7 @@ private slots:
     {
         Session session;
         session.rootQuery = u"a"_s + QChar(0xD800) + u"b"_s;
-        const auto read = decodeSessions(view(encodeSessions({session})));
+        const auto read = decodeSessions(encodeSessions({session}));
         QVERIFY(read);
         QCOMPARE(read->constFirst().rootQuery.size(), 3);
     }

@@ -50,7 +50,7 @@ private slots:
         const QString address = QString::fromLatin1(QTest::currentDataTag());
         const auto service = StandInService::start({.address = address}, &error);
         QCOMPARE(service != nullptr, allowed);
-        QCOMPARE(error.isEmpty(), allowed);
+        QCOMPARE(error.contains("on loopback addresses only"_L1), !allowed);
         if (!service)
             return;
         const QUrl url = QUrl::fromEncoded(service->claudeEndpoint());
@@ -134,7 +134,6 @@ private slots:
         row(false, "claude-", 404, u"not_found_error"_s);
         row(false, "}", 400, u"invalid_request_error"_s);
         row(false, "max_tokens", 400, u"invalid_request_error"_s);
-        row(false, "\"name\":\"web_search\"", 400, u"invalid_request_error"_s);
         row(false, "role", 400, u"invalid_request_error"_s);
         row(true, "key=k&", 403, u"PERMISSION_DENIED"_s);
         row(true, "gemini-", 404, u"NOT_FOUND"_s);
@@ -280,8 +279,8 @@ private slots:
             QCOMPARE(readPrompt(entryPrompt(EntryType::full, topic)),
                      Question(EntryQuestion{EntryType::full, topic}));
             QCOMPARE(readPrompt(tocPrompt(topic)), Question(TOCQuestion{topic}));
-            QCOMPARE(readPrompt(sectionPrompt(u"A \"name\""_s, topic)),
-                     Question(SectionQuestion{u"A \"name\""_s, topic}));
+            QCOMPARE(readPrompt(sectionPrompt(topic, topic)),
+                     Question(SectionQuestion{topic, topic}));
         }
         QCOMPARE(readPrompt(u"For the topic \"Rome\"!"_s), Question(TOCQuestion{u"Rome"_s}));
     }

@@ -145,7 +145,8 @@ std::variant<QByteArray, FileError> readFile(const QString& path, qint64 limit)
         return FileError::unreadable;
 
     // The length is but a hint: some files of the system have none, and others may grow meanwhile.
-    QByteArray bytes(status.st_size + 1, Qt::Uninitialized);
+    constexpr qsizetype spare = 64; // shows the end, and lets parsers look ahead without a copy
+    QByteArray bytes(status.st_size + spare, Qt::Uninitialized);
     qsizetype done = 0;
     for (;;) {
         const ssize_t count = readSome(file, bytes.data() + done, bytes.size() - done);

@@ -56,7 +56,8 @@ public:
     static void promptAsync(SecretService* service, SecretPrompt* prompt, const GVariantType* type,
                             GCancellable* cancellable, GAsyncReadyCallback callback, gpointer user)
     {
-        GTask* task = g_task_new(service, cancellable, callback, user);
+        const Owned<GCancellable> own(cancellable ? nullptr : g_cancellable_new());
+        GTask* task = g_task_new(service, cancellable ? cancellable : own.get(), callback, user);
         auto* question = new SecretQuestion(prompt, type, task);
         g_task_set_task_data(task, question,
                              [](gpointer data) { delete static_cast<SecretQuestion*>(data); });
@@ -90,6 +91,8 @@ private:
         g_dbus_proxy_call(m_prompt.get(), "Prompt", g_variant_new("(s)", ""),
                           G_DBUS_CALL_FLAGS_NO_AUTO_START, -1, m_calling.get(), &onAsked,
                           g_object_ref(m_task));
+        if (g_cancellable_is_cancelled(g_task_get_cancellable(m_task)))
+            finish();
     }
 
     void finish(Owned<GVariant> answer = {})
@@ -146,7 +149,7 @@ private:
         static_cast<SecretQuestion*>(user)->finish();
     }
 
-    /// Of the end of a connection, GLib tells only the thread that made it.
+    /// Of the end of a connection, GLib tells the main thread only.
     static gboolean onSecond(gpointer user)
     {
         auto* self = static_cast<SecretQuestion*>(user);
@@ -188,8 +191,10 @@ public:
     explicit SecretConversation(std::stop_token stop = {})
         : m_cancelOnStop(std::move(stop), [this] { cancel(); })
     {
-        g_main_context_push_thread_default(m_context.get());
+        // The whole process shares one connection, whose end must not be told in a context that has
+        // gone by then: GLib would keep the dead connection for ever.
         m_bus.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, m_opening.get(), IgnoredError()));
+        g_main_context_push_thread_default(m_context.get());
         if (!m_bus)
             return;
         // GLib would end the process when the session bus goes away.
