@@ -15,7 +15,7 @@ class TerminationSignals : public QObject {
 public:
     static std::unique_ptr<TerminationSignals> install();
 
-signals:
+Q_SIGNALS:
     void received();
 
 protected:

@@ -37,7 +37,7 @@ public:
         connect(m_notifier.get(), &QSocketNotifier::activated, this, [this] {
             std::array<char, 16> bytes = {};
             static_cast<void>(::read(m_pipe[0], bytes.data(), bytes.size()));
-            emit received();
+            Q_EMIT received();
         });
         handle(&onSignal);
     }

@@ -1,8 +1,6 @@
-// clang-format off: GLib first, it has members called `signals`
-#include "platform/linux/SecretConversation.h"
-// clang-format on
-
 #include "platform/linux/SecretServiceKeyStore.h"
+
+#include "platform/linux/SecretConversation.h"
 
 #include <utility>
 
