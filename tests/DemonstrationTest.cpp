@@ -102,6 +102,20 @@ private slots:
         QVERIFY(!keychain.load(keychain.anthropicAccount));
     }
 
+    void endsInGoodOrderWhenTold()
+    {
+        QProcess process;
+        process.start(QStringLiteral(VARNO_DEMO), {u"the history of the roman empire"_s});
+        QString output;
+        QTRY_VERIFY(
+            (output += QString::fromUtf8(process.readAllStandardOutput())).contains(u"AD 117"_s));
+        process.terminate(); // while text is arriving
+        QVERIFY(process.waitForFinished());
+        QCOMPARE(process.exitStatus(), QProcess::NormalExit);
+        QCOMPARE(process.exitCode(), 1);
+        QVERIFY(!process.readAllStandardOutput().contains("CONTENTS"));
+    }
+
     void saysWhenThereIsNoKeyRing()
     {
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();

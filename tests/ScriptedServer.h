@@ -3,7 +3,6 @@
 #include <QByteArray>
 #include <QList>
 
-#include <arpa/inet.h>
 #include <netinet/in.h>
 #include <poll.h>
 #include <sys/socket.h>
@@ -11,8 +10,8 @@
 
 #include <algorithm>
 #include <array>
-#include <cerrno>
 #include <chrono>
+#include <list>
 #include <mutex>
 #include <thread>
 #include <utility>
@@ -24,18 +23,12 @@ namespace varno {
 /// given beforehand, right or wrong. Any thread.
 class ScriptedServer {
 public:
-    struct Piece {
-        QByteArray bytes;
-        std::chrono::milliseconds after{0}; ///< silence before the bytes
-    };
-    enum class End { close, silence };
-    enum class Reads { wholeRequest, headOnly, nothing };
-
-    /// What happens on one connection: a request is read, the pieces are sent.
-    struct Script {
-        std::vector<Piece> pieces;
-        End end = End::close; ///< `silence` lasts until the client closes
-        Reads reads = Reads::wholeRequest;
+    /// What happens on one connection.
+    struct Answer {
+        QList<QByteArray> pieces;
+        std::chrono::milliseconds pause{0}; ///< before each piece but the first
+        bool readsBody = true;              ///< before the first piece, and always the head
+        bool closes = true;                 ///< otherwise silence until the client closes
     };
 
     struct Request {
@@ -43,9 +36,9 @@ public:
         QByteArray body;
     };
 
-    /// One script for each connection in turn, and the last for all further ones.
-    explicit ScriptedServer(std::vector<Script> scripts)
-        : m_scripts(std::move(scripts))
+    /// One answer for each connection in turn, and the last for all further ones.
+    explicit ScriptedServer(std::vector<Answer> answers)
+        : m_answers(std::move(answers))
         , m_listener(::socket(AF_INET, SOCK_STREAM | SOCK_CLOEXEC, 0))
     {
         sockaddr_in address = {};
@@ -56,18 +49,12 @@ public:
         if (::bind(m_listener, generic, length) != 0 || ::listen(m_listener, 128) != 0 ||
             ::getsockname(m_listener, generic, &length) != 0)
             qFatal("No port on the loopback interface");
-        m_port = ntohs(address.sin_port);
+        m_port = QByteArray::number(ntohs(address.sin_port));
         m_acceptor = std::thread([this] { acceptAll(); });
     }
 
-    explicit ScriptedServer(Script script)
-        : ScriptedServer(std::vector<Script>{std::move(script)})
-    {
-    }
-
-    /// Sends `response`, then closes.
-    explicit ScriptedServer(const QByteArray& response)
-        : ScriptedServer(Script{.pieces = {{.bytes = response}}})
+    explicit ScriptedServer(Answer answer)
+        : ScriptedServer(std::vector<Answer>{std::move(answer)})
     {
     }
 
@@ -75,23 +62,20 @@ public:
     {
         ::shutdown(m_listener, SHUT_RDWR);
         m_acceptor.join();
-        {
-            const std::scoped_lock lock(m_mutex);
-            for (const int connection : m_open)
-                ::shutdown(connection, SHUT_RDWR);
+        for (Connection& connection : m_connections) {
+            ::shutdown(connection.socket, SHUT_RDWR);
+            connection.thread.join();
+            ::close(connection.socket);
         }
-        for (std::thread& conversation : m_conversations)
-            conversation.join();
         ::close(m_listener);
     }
     Q_DISABLE_COPY_MOVE(ScriptedServer)
 
-    [[nodiscard]] quint16 port() const { return m_port; }
+    [[nodiscard]] const QByteArray& port() const { return m_port; }
 
-    /// `path` begins with a slash.
-    [[nodiscard]] QByteArray url(const QByteArray& path) const
+    [[nodiscard]] QByteArray url(const QByteArray& path = "/?key=SECRET") const
     {
-        return "http://127.0.0.1:" + QByteArray::number(m_port) + path;
+        return "http://127.0.0.1:" + m_port + path;
     }
 
     /// Whatever has come so far, also requests that broke off.
@@ -101,105 +85,86 @@ public:
         return m_requests;
     }
 
-    [[nodiscard]] std::size_t connectionCount() const
+    [[nodiscard]] qsizetype connectionCount() const
     {
         const std::scoped_lock lock(m_mutex);
-        return m_connectionCount;
-    }
-
-    [[nodiscard]] std::size_t openConnectionCount() const
-    {
-        const std::scoped_lock lock(m_mutex);
-        return m_open.size();
+        return static_cast<qsizetype>(m_connections.size());
     }
 
 private:
+    struct Connection {
+        int socket;
+        std::thread thread;
+    };
+
     void acceptAll()
     {
         for (;;) {
-            const int connection = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
-            if (connection < 0 && (errno == EINTR || errno == ECONNABORTED))
-                continue;
-            if (connection < 0)
+            const int socket = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
+            if (socket < 0)
                 return;
             const std::scoped_lock lock(m_mutex);
-            const Script& script = m_scripts[std::min(m_connectionCount, m_scripts.size() - 1)];
-            ++m_connectionCount;
-            m_open.push_back(connection);
-            m_conversations.emplace_back([this, connection, &script] {
-                converse(connection, script);
-                const std::scoped_lock relock(m_mutex);
-                std::erase(m_open, connection);
-                ::close(connection);
-            });
+            const Answer& answer = m_answers[std::min(m_connections.size(), m_answers.size() - 1)];
+            m_connections.push_back({socket, std::thread([this, socket, &answer] {
+                                         converse(socket, answer);
+                                         ::shutdown(socket, SHUT_RDWR);
+                                     })});
         }
     }
 
-    void converse(int connection, const Script& script)
+    void converse(int socket, const Answer& answer)
     {
-        if (script.reads != Reads::nothing)
-            keep(read(connection, script.reads));
-        for (const Piece& piece : script.pieces) {
-            if (piece.after.count() > 0 && !staysOpen(connection, piece.after))
+        read(socket, answer.readsBody);
+        for (qsizetype i = 0; i < answer.pieces.size(); ++i) {
+            const QByteArray& piece = answer.pieces[i];
+            if (i > 0 && !staysOpen(socket, static_cast<int>(answer.pause.count())))
                 return;
-            if (::send(connection, piece.bytes.constData(), size_t(piece.bytes.size()),
-                       MSG_NOSIGNAL) != piece.bytes.size())
-                return;
+            ::send(socket, piece.constData(), static_cast<size_t>(piece.size()), MSG_NOSIGNAL);
         }
-        while (script.end == End::silence && staysOpen(connection, std::chrono::minutes(1))) {
-        }
+        if (!answer.closes)
+            staysOpen(socket, -1);
     }
 
-    void keep(const Request& request)
-    {
-        const std::scoped_lock lock(m_mutex);
-        if (!request.head.isEmpty())
-            m_requests.append(request);
-    }
-
-    static Request read(int connection, Reads reads)
+    void read(int socket, bool readsBody)
     {
         QByteArray bytes;
-        qsizetype wanted = -1;
-        for (;;) {
-            const qsizetype end = bytes.indexOf("\r\n\r\n");
-            if (end >= 0 && wanted < 0)
-                wanted = end + 4 + (reads == Reads::wholeRequest ? contentLength(bytes) : 0);
-            if (wanted >= 0 && bytes.size() >= wanted)
-                return {.head = bytes.left(end + 4), .body = bytes.sliced(end + 4)};
-            std::array<char, 16384> buffer;
-            const ssize_t count = ::recv(connection, buffer.data(), buffer.size(), 0);
-            if (count <= 0)
-                return {.head = bytes, .body = {}};
-            bytes.append(buffer.data(), count);
+        std::array<char, 16384> buffer = {};
+        const auto receive = [&] {
+            const ssize_t count = ::recv(socket, buffer.data(), buffer.size(), 0);
+            bytes.append(buffer.data(), std::max<qsizetype>(count, 0));
+            return count > 0;
+        };
+        while (!bytes.contains("\r\n\r\n") && receive()) {
         }
+        const QByteArray head = bytes.left(bytes.indexOf("\r\n\r\n") + 4);
+        const qsizetype length = readsBody ? head.size() + contentLength(head) : 0;
+        while (bytes.size() < length && receive()) {
+        }
+        const std::scoped_lock lock(m_mutex);
+        m_requests.append({.head = head, .body = bytes.mid(head.size())});
     }
 
     static qsizetype contentLength(const QByteArray& head)
     {
-        const QByteArray name = "\r\ncontent-length:";
-        const qsizetype at = head.toLower().indexOf(name);
-        if (at < 0)
-            return 0;
-        const qsizetype from = at + name.size();
-        return head.mid(from, head.indexOf("\r\n", from) - from).trimmed().toLongLong();
+        const QByteArray name = "content-length:";
+        const qsizetype from = head.toLower().indexOf(name) + name.size();
+        return head.mid(from, head.indexOf('\r', from) - from).trimmed().toLongLong();
     }
 
-    /// Waits; false as soon as the client, or the end of the server, has closed the connection.
-    static bool staysOpen(int connection, std::chrono::milliseconds time)
+    /// Waits, without end if `milliseconds` is -1; false as soon as the client, or the end of the
+    /// server, has closed the connection.
+    static bool staysOpen(int socket, int milliseconds)
     {
-        pollfd wanted = {.fd = connection, .events = POLLRDHUP, .revents = 0};
-        return ::poll(&wanted, 1, static_cast<int>(time.count())) == 0;
+        pollfd wanted = {.fd = socket, .events = POLLRDHUP, .revents = 0};
+        return ::poll(&wanted, 1, milliseconds) == 0;
     }
 
-    std::vector<Script> m_scripts;
+    std::vector<Answer> m_answers;
     int m_listener;
-    quint16 m_port = 0;
-    mutable std::mutex m_mutex;
+    QByteArray m_port;
+    mutable std::mutex m_mutex; ///< guards the requests and the connections
     QList<Request> m_requests;
-    std::vector<int> m_open;
-    std::size_t m_connectionCount = 0;
-    std::vector<std::thread> m_conversations;
+    std::list<Connection> m_connections;
     std::thread m_acceptor;
 };
 
