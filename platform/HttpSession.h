@@ -21,8 +21,8 @@ struct HttpRequest {
     std::chrono::seconds timeout{60}; ///< longest silence on the wire
 };
 
-/// Takes a response as it arrives, on the thread of `HttpSession::perform`. Returning false ends the
-/// transfer there, without a failure.
+/// Takes a response as it arrives, on the thread of `HttpSession::perform`. Returning false ends
+/// the transfer there, without a failure.
 class HttpReceiver {
 public:
     virtual ~HttpReceiver() = default;
@@ -38,8 +38,8 @@ class HttpSession {
 public:
     virtual ~HttpSession() = default;
 
-    /// Sends `request` and feeds the response to `receiver`; returns at its end, with the failure if
-    /// the transfer did not end well. Blocks; any thread, many at once. `stop` ends it at once.
+    /// Sends `request` and feeds the response to `receiver`; returns at its end, with the failure
+    /// if the transfer did not end well. Blocks; any thread, many at once. `stop` ends it at once.
     [[nodiscard]] virtual std::optional<Failure>
     perform(const HttpRequest& request, HttpReceiver& receiver, std::stop_token stop) = 0;
 };

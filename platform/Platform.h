@@ -8,8 +8,8 @@
 
 namespace varno {
 
-/// The backends of the system that Varno runs on. Each is made on first use and lives as long as the
-/// process.
+/// The backends of the system that Varno runs on. Each is made on first use and lives as long as
+/// the process.
 HttpSession& systemHttpSession();
 KeyStore& systemKeyStore();
 std::unique_ptr<PreferencesStore> makeSystemPreferencesStore();

@@ -6,7 +6,8 @@
 
 namespace varno {
 
-/// Why an operation failed, in words fit to show. Never holds a key, nor a URL that could carry one.
+/// Why an operation failed, in words fit to show. Never holds a key, nor a URL that could carry
+/// one.
 struct Failure {
     QString description;
 

@@ -154,8 +154,7 @@ private slots:
         address("zero in the address", QByteArray("http://127.0.0.1:PORT/\0?key=SECRET", 34));
         address("file", "file:///etc/passwd?key=SECRET");
         address("ftp", "ftp://127.0.0.1:PORT/?key=SECRET");
-        const auto header = [](const char* name, const QByteArray& header,
-                               const QByteArray& value) {
+        const auto field = [](const char* row, const QByteArray& name, const QByteArray& value) {
             QTest::newRow(row) << QByteArray("http://127.0.0.1:PORT/") << name << value;
         };
         field("line break", "x-api-key", "SECRET\r\nx-other: SECRET");

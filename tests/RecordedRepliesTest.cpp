@@ -235,8 +235,7 @@ private slots:
         QFETCH(QString, file);
         const QByteArray text = contents(file);
         json::Parser parser;
-        const bool valid =
-            json::parse(parser, text).has_value();
+        const bool valid = json::parse(parser, text).has_value();
         const QString name = file.section(u'/', -1);
         if (name.startsWith(u"y_"_s))
             QVERIFY(valid);
