@@ -74,7 +74,7 @@ private slots:
             lines.append(QByteArray(line.data(), static_cast<qsizetype>(line.size())));
             return true;
         };
-        const std::string block(1024 * 1024, 'x');
+        const std::string block(1U << 20U, 'x');
         splitter.feed("before\ndata: ", onLine);
         for (int i = 0; i < 100; ++i)
             splitter.feed(block, onLine);

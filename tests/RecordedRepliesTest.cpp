@@ -208,7 +208,7 @@ private slots:
         QTest::addColumn<QJsonArray>("expected");
         for (const QJsonObject& example : jsonLines(u"wpt-sse/wpt-cases.jsonl"_s)) {
             QByteArray bytes;
-            for (const QJsonValue& chunk : example[u"chunks_b64"_s].toArray())
+            for (const auto& chunk : example[u"chunks_b64"_s].toArray())
                 bytes += QByteArray::fromBase64(chunk.toString().toLatin1());
             QTest::newRow(qPrintable(example[u"id"_s].toString()))
                 << bytes << example[u"expect"_s].toArray();

@@ -455,7 +455,7 @@ private slots:
         HttpByHand http;
         int blocks = 0;
         http.respond = [&](const HttpRequest&, HttpReceiver& receiver) -> std::optional<Failure> {
-            const std::string text(1024 * 1024, 'x');
+            const std::string text(1U << 20U, 'x');
             const std::string block =
                 isGemini ? "data: {\"candidates\":[{\"content\":{\"parts\":[{\"text\":\"" + text +
                                "\"}]}}]}\r\n"

@@ -277,8 +277,8 @@ private slots:
 
 int main(int argc, char** argv)
 {
-    QCoreApplication application(argc, argv);
-    if (application.arguments().contains(u"--reversed-brackets"_s))
+    const QCoreApplication application(argc, argv);
+    if (QCoreApplication::arguments().contains(u"--reversed-brackets"_s))
         return parseJSONArray(u"] and ["_s) ? 0 : 1;
     WireFormatTest test;
     return QTest::qExec(&test, argc, argv);
