@@ -1,5 +1,6 @@
 #pragma once
 
+#include "platform/AnimationSetting.h"
 #include "platform/HttpSession.h"
 #include "platform/KeyStore.h"
 #include "platform/PreferencesStore.h"
@@ -10,6 +11,7 @@ namespace varno {
 
 /// The backends of the system that Varno runs on. Each is made on first use and lives as long as
 /// the process.
+AnimationSetting& systemAnimationSetting();
 HttpSession& systemHttpSession();
 KeyStore& systemKeyStore();
 std::unique_ptr<PreferencesStore> makeSystemPreferencesStore();

@@ -1,9 +1,16 @@
 #include "platform/Platform.h"
 #include "platform/linux/CurlHttpSession.h"
+#include "platform/linux/PortalAnimationSetting.h"
 #include "platform/linux/SecretServiceKeyStore.h"
 #include "platform/linux/SettingsPreferencesStore.h"
 
 namespace varno {
+
+AnimationSetting& systemAnimationSetting()
+{
+    static PortalAnimationSetting setting;
+    return setting;
+}
 
 HttpSession& systemHttpSession()
 {

@@ -1,0 +1,56 @@
+#pragma once
+
+#include <QBoxLayout>
+
+#include <functional>
+#include <initializer_list>
+
+namespace varno {
+
+/// One thing in a row or a column: a widget, a nested row or column, or empty space. A widget that
+/// is less wide than its column, or less high than its row, stands in the middle of it. Between
+/// things there is their `spacing`, beside a `gap` too.
+///
+///     setLayout(column({.spacing = 12}, {
+///         m_title,
+///         row({.spacing = 8}, {grow(m_query), m_clear}),
+///         stretch(),
+///     }));
+class LayoutItem {
+public:
+    LayoutItem(QWidget& widget); // NOLINT(google-explicit-constructor): reads as a list of things
+    LayoutItem(QLayout* layout); // NOLINT(google-explicit-constructor): as above; takes ownership
+
+    void addTo(QBoxLayout& layout) const { m_add(layout); }
+
+private:
+    explicit LayoutItem(std::function<void(QBoxLayout&)> add);
+    friend LayoutItem grow(QWidget& widget);
+    friend LayoutItem aligned(QWidget& widget, Qt::Alignment alignment);
+    friend LayoutItem gap(int points);
+    friend LayoutItem stretch();
+
+    std::function<void(QBoxLayout&)> m_add;
+};
+
+/// Takes the space that is left.
+[[nodiscard]] LayoutItem grow(QWidget& widget);
+/// Keeps its own size, at that edge of the space it is given.
+[[nodiscard]] LayoutItem aligned(QWidget& widget, Qt::Alignment alignment);
+/// Empty space of a fixed length.
+[[nodiscard]] LayoutItem gap(int points);
+/// Empty space that takes what is left.
+[[nodiscard]] LayoutItem stretch();
+
+/// The space around and between. All lengths in points.
+struct Spacing {
+    int spacing = 0;
+    int horizontal = 0; ///< padding left and right
+    int vertical = 0;   ///< padding above and below
+};
+
+/// The caller, or the layout it is put into, owns the result.
+[[nodiscard]] QBoxLayout* row(const Spacing& spacing, std::initializer_list<LayoutItem> items);
+[[nodiscard]] QBoxLayout* column(const Spacing& spacing, std::initializer_list<LayoutItem> items);
+
+} // namespace varno

@@ -1,0 +1,249 @@
+#include "kit/PlainButton.h"
+
+#include <QFocusEvent>
+#include <QHelpEvent>
+#include <QKeyEvent>
+#include <QPainter>
+#include <QToolTip>
+
+#include <algorithm>
+#include <cmath>
+
+namespace varno {
+namespace {
+
+int roundedUp(double length)
+{
+    return static_cast<int>(std::ceil(length));
+}
+
+void drawRoundedOutline(QPainter& painter, const QRectF& rect, double radius, double width,
+                        const QColor& color)
+{
+    const double half = width / 2;
+    painter.setPen(QPen(color, width));
+    painter.setBrush(Qt::NoBrush);
+    painter.drawRoundedRect(rect.adjusted(half, half, -half, -half), radius - half, radius - half);
+}
+
+void fillRounded(QPainter& painter, const QRectF& rect, double radius, const QColor& color)
+{
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(color);
+    painter.drawRoundedRect(rect, radius, radius);
+}
+
+/// Stands around its widget, so that it covers nothing of a text without padding.
+class FocusRing final : public QFocusFrame {
+protected:
+    void paintEvent(QPaintEvent*) override
+    {
+        QPainter painter(this);
+        painter.setRenderHint(QPainter::Antialiasing);
+        drawRoundedOutline(painter, rect(), 5, 1.5, themeColor(palette(), ColorRole::accent, 0.8));
+    }
+};
+
+} // namespace
+
+PlainButton::PlainButton(const QString& text, const ButtonStyle& style, QWidget* parent)
+    : QAbstractButton(parent)
+{
+    setAttribute(Qt::WA_Hover);
+    setFocusPolicy(Qt::TabFocus);
+    setButtonStyle(style);
+    setText(text);
+}
+
+PlainButton::PlainButton(Symbol symbol, const ButtonStyle& style, QWidget* parent)
+    : PlainButton(symbol, QString(), style, parent)
+{
+}
+
+PlainButton::PlainButton(Symbol symbol, const QString& text, const ButtonStyle& style,
+                         QWidget* parent)
+    : PlainButton(text, style, parent)
+{
+    setSymbol(symbol);
+}
+
+PlainButton::~PlainButton()
+{
+    delete m_focusRing;
+}
+
+void PlainButton::setText(const QString& text)
+{
+    QAbstractButton::setText(text);
+    setShortcut({}); // that of a letter behind an "&"
+    setAccessibleName(text.isEmpty() ? toolTip() : text);
+}
+
+void PlainButton::setSymbol(std::optional<Symbol> symbol)
+{
+    m_symbol = symbol;
+    updateGeometry();
+    update();
+}
+
+void PlainButton::setButtonStyle(const ButtonStyle& style)
+{
+    m_style = style;
+    setFont(varno::font(style.text));
+    const bool elides = style.overflow != Overflow::none && style.frame.isEmpty();
+    setSizePolicy(elides ? QSizePolicy::Preferred : QSizePolicy::Fixed, QSizePolicy::Fixed);
+    updateGeometry();
+    update();
+}
+
+QSize PlainButton::sizeHint() const
+{
+    return sizeFor(block().size().width());
+}
+
+QSize PlainButton::minimumSizeHint() const
+{
+    const double natural = block().size().width();
+    return sizeFor(m_style.overflow == Overflow::none ? natural
+                                                      : std::min(natural, m_style.text.size));
+}
+
+QSize PlainButton::sizeFor(double textWidth) const
+{
+    if (!m_style.frame.isEmpty())
+        return m_style.frame;
+    const double symbolHeight = m_symbol ? m_style.symbol.size : 0;
+    const double textHeight = text().isEmpty() ? 0 : block().size().height();
+    return {roundedUp(leadingWidth() + textWidth) + 2 * m_style.horizontal,
+            roundedUp(std::max(symbolHeight, textHeight)) + 2 * m_style.vertical};
+}
+
+double PlainButton::leadingWidth() const
+{
+    if (!m_symbol)
+        return 0;
+    return m_style.symbol.size + (text().isEmpty() ? 0 : m_style.spacing);
+}
+
+TextBlock PlainButton::block(double width) const
+{
+    const Overflow overflow = m_style.overflow == Overflow::none ? Overflow::none : Overflow::elide;
+    return {text(), m_style.text, font(), overflow, width};
+}
+
+TextBlock PlainButton::shownBlock() const
+{
+    return block(width() - 2 * m_style.horizontal - leadingWidth());
+}
+
+bool PlainButton::event(QEvent* event)
+{
+    if (event->type() == QEvent::ToolTipChange && text().isEmpty())
+        setAccessibleName(toolTip());
+    if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || !shownBlock().isElided())
+        return QAbstractButton::event(event);
+    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainToolTip(text()), this);
+    return true;
+}
+
+void PlainButton::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+        QAbstractButton::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+    if (!event->isAutoRepeat())
+        click();
+}
+
+void PlainButton::focusInEvent(QFocusEvent* event)
+{
+    switch (event->reason()) {
+    case Qt::TabFocusReason:
+    case Qt::BacktabFocusReason:
+    case Qt::ShortcutFocusReason:
+        m_focusByKeyboard = true;
+        break;
+    case Qt::ActiveWindowFocusReason:
+    case Qt::PopupFocusReason:
+        break; // it is back, as it was
+    default:
+        m_focusByKeyboard = false;
+    }
+    if (m_focusByKeyboard && !m_focusRing) {
+        m_focusRing = new FocusRing;
+        m_focusRing->setWidget(this);
+    }
+    QAbstractButton::focusInEvent(event);
+}
+
+void PlainButton::focusOutEvent(QFocusEvent* event)
+{
+    delete m_focusRing;
+    QAbstractButton::focusOutEvent(event);
+}
+
+void PlainButton::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    paintBackground(painter);
+    paintContent(painter);
+}
+
+void PlainButton::paintBackground(QPainter& painter) const
+{
+    const QRectF place = rect();
+    if (m_style.fill)
+        fillRounded(painter, place, m_style.radius, inkColor(palette(), *m_style.fill));
+    if (hasRoom() && isEnabled() && (underMouse() || isDown()))
+        fillRounded(painter, place, m_style.radius,
+                    themeColor(palette(), ColorRole::text, isDown() ? 0.12 : 0.06));
+    if (m_style.outline)
+        drawRoundedOutline(painter, place, m_style.radius, m_style.outlineWidth,
+                           inkFor(*m_style.outline));
+}
+
+void PlainButton::paintContent(QPainter& painter) const
+{
+    const TextBlock text = shownBlock();
+    const double leading = leadingWidth();
+    const QRectF inner = QRectF(rect()).adjusted(m_style.horizontal, 0, -m_style.horizontal, 0);
+    const double spare = inner.width() - leading - text.size().width();
+    double left = inner.left();
+    if (m_style.alignment.testFlag(Qt::AlignRight))
+        left += spare;
+    else if (m_style.alignment.testFlag(Qt::AlignHCenter))
+        left += spare / 2;
+    if (m_symbol) {
+        const double side = m_style.symbol.size;
+        const QRectF box(left, inner.center().y() - side / 2, side, side);
+        drawSymbol(painter, *m_symbol, box,
+                   inkFor({.role = m_style.symbol.role, .opacity = m_style.symbol.opacity}),
+                   m_style.symbol.weight);
+    }
+    text.draw(painter, QRectF(left + leading, inner.top(), text.size().width(), inner.height()),
+              Qt::AlignLeft | Qt::AlignVCenter,
+              inkFor({.role = m_style.text.role, .opacity = m_style.text.opacity}));
+}
+
+bool PlainButton::hasRoom() const
+{
+    return !m_style.frame.isEmpty() || m_style.horizontal > 0 || m_style.outline || m_style.fill;
+}
+
+QColor PlainButton::inkFor(Ink ink) const
+{
+    if (!isEnabled())
+        ink.opacity *= 0.4;
+    else if (isDown() && !hasRoom())
+        ink.opacity *= 0.6;
+    else if (underMouse() && ink.opacity < 0.8)
+        ink.opacity += (1 - ink.opacity) * 0.4;
+    else if (underMouse() && !hasRoom())
+        ink.opacity *= 0.8;
+    return inkColor(palette(), ink);
+}
+
+} // namespace varno

@@ -1,0 +1,80 @@
+#pragma once
+
+#include "kit/Symbol.h"
+#include "kit/TextBlock.h"
+
+#include <QAbstractButton>
+#include <QFocusFrame>
+#include <QPointer>
+
+#include <optional>
+
+namespace varno {
+
+/// How a button looks. All lengths in points.
+struct ButtonStyle {
+    TextStyle text{};
+    SymbolStyle symbol{};
+    int spacing = 6;    ///< between symbol and text
+    int horizontal = 0; ///< padding left and right
+    int vertical = 0;   ///< padding above and below
+    QSize frame{};      ///< if given, the size of the whole button, whatever is in it
+    double radius = 4;  ///< of the corners of outline and fill
+    double outlineWidth = 1;
+    std::optional<Ink> outline{};
+    std::optional<Ink> fill{};
+    Qt::Alignment alignment = Qt::AlignCenter; ///< of the content in a wider button
+    Overflow overflow = Overflow::none;        ///< of the text: a button has one line, or elides
+};
+
+/// A button that is its symbol, its text, or the one before the other, and nothing else. It answers
+/// to hovering and pressing with its opacity, and with a faint fill where it has room around its
+/// content. Return and Space press it.
+///
+/// The keyboard gives it the focus and a ring around it, the mouse does not; `setFocusPolicy` says
+/// otherwise. No character of the text is a shortcut. An elided text shows the whole of itself when
+/// there is no other tool tip. A button without text needs an accessible name: its tool tip serves
+/// as one.
+class PlainButton : public QAbstractButton {
+    Q_OBJECT
+
+public:
+    explicit PlainButton(const QString& text, const ButtonStyle& style = {},
+                         QWidget* parent = nullptr);
+    explicit PlainButton(Symbol symbol, const ButtonStyle& style = {}, QWidget* parent = nullptr);
+    PlainButton(Symbol symbol, const QString& text, const ButtonStyle& style = {},
+                QWidget* parent = nullptr);
+    ~PlainButton() override;
+
+    void setText(const QString& text);
+    void setSymbol(std::optional<Symbol> symbol);
+    void setButtonStyle(const ButtonStyle& style);
+    [[nodiscard]] const ButtonStyle& buttonStyle() const { return m_style; }
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+
+protected:
+    bool event(QEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
+    void focusOutEvent(QFocusEvent* event) override;
+
+private:
+    [[nodiscard]] TextBlock block(double width = TextBlock::unlimited) const;
+    [[nodiscard]] TextBlock shownBlock() const;
+    [[nodiscard]] QSize sizeFor(double textWidth) const;
+    [[nodiscard]] double leadingWidth() const;
+    [[nodiscard]] bool hasRoom() const;
+    [[nodiscard]] QColor inkFor(Ink ink) const;
+    void paintBackground(QPainter& painter) const;
+    void paintContent(QPainter& painter) const;
+
+    ButtonStyle m_style;
+    std::optional<Symbol> m_symbol;
+    bool m_focusByKeyboard = false;
+    QPointer<QFocusFrame> m_focusRing; ///< a sibling, which may go before this button
+};
+
+} // namespace varno

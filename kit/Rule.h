@@ -1,0 +1,29 @@
+#pragma once
+
+#include "kit/Theme.h"
+
+#include <QWidget>
+
+namespace varno {
+
+/// A hairline along its place, by default in the border colour.
+class Rule : public QWidget {
+    Q_OBJECT
+
+public:
+    /// A line of less than a device pixel is drawn as one that is as much paler.
+    explicit Rule(Qt::Orientation orientation = Qt::Horizontal, double thickness = 1,
+                  const Ink& ink = {.role = ColorRole::border}, QWidget* parent = nullptr);
+
+    [[nodiscard]] QSize sizeHint() const override;
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    Qt::Orientation m_orientation;
+    double m_thickness;
+    Ink m_ink;
+};
+
+} // namespace varno

@@ -1,0 +1,119 @@
+#include "kit/Symbol.h"
+
+#include <QFile>
+#include <QImage>
+#include <QPainter>
+#include <QPixmap>
+#include <QPixmapCache>
+#include <QSvgRenderer>
+#include <QTransform>
+
+#include <array>
+#include <cmath>
+
+// Outside of any namespace, because of what the macro declares.
+static void initialiseResources()
+{
+    Q_INIT_RESOURCE(symbols);
+}
+
+namespace varno {
+namespace {
+
+QLatin1StringView fileName(Symbol symbol)
+{
+    constexpr std::array names = {
+        QLatin1StringView("arrowClockwise"),
+        QLatin1StringView("arrowUpLeft"),
+        QLatin1StringView("bookClosedFill"),
+        QLatin1StringView("checkmarkCircleFill"),
+        QLatin1StringView("chevronDown"),
+        QLatin1StringView("chevronLeft"),
+        QLatin1StringView("chevronRight"),
+        QLatin1StringView("chevronUp"),
+        QLatin1StringView("chevronUpChevronDown"),
+        QLatin1StringView("clock"),
+        QLatin1StringView("docTextMagnifyingGlass"),
+        QLatin1StringView("exclamationmarkTriangle"),
+        QLatin1StringView("gearshape"),
+        QLatin1StringView("house"),
+        QLatin1StringView("magnifyingGlass"),
+        QLatin1StringView("xmark"),
+        QLatin1StringView("xmarkCircleFill"),
+    };
+    static_assert(names.size() == static_cast<std::size_t>(Symbol::xmarkCircleFill) + 1);
+    return names[static_cast<std::size_t>(symbol)];
+}
+
+/// In units of the drawings' grid, of which the side of a symbol has 24.
+QByteArray lineWidth(QFont::Weight weight)
+{
+    if (weight >= QFont::Bold)
+        return "3";
+    if (weight >= QFont::DemiBold)
+        return "2.75";
+    if (weight >= QFont::Medium)
+        return "2.25";
+    return "1.75";
+}
+
+/// The drawing with the lines of that weight, in black.
+QByteArray drawing(Symbol symbol, QFont::Weight weight)
+{
+    initialiseResources();
+    QFile file(QStringLiteral(":/symbols/%1.svg").arg(fileName(symbol)));
+    if (!file.open(QFile::ReadOnly))
+        return {};
+    return file.readAll().replace("stroke-width=\"1.75\"",
+                                  "stroke-width=\"" + lineWidth(weight) + '"');
+}
+
+QPixmap rendered(Symbol symbol, QFont::Weight weight, int side, const QColor& color)
+{
+    QImage image(side, side, QImage::Format_ARGB32_Premultiplied);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    QSvgRenderer(drawing(symbol, weight)).render(&painter);
+    painter.setCompositionMode(QPainter::CompositionMode_SourceIn);
+    painter.fillRect(image.rect(), color);
+    painter.end();
+    return QPixmap::fromImage(image);
+}
+
+QPixmap cached(Symbol symbol, QFont::Weight weight, int side, const QColor& color)
+{
+    const QString key = QStringLiteral("varno symbol %1 %2 %3 %4")
+                            .arg(static_cast<int>(symbol))
+                            .arg(static_cast<int>(weight))
+                            .arg(side)
+                            .arg(color.rgb());
+    QPixmap pixmap;
+    if (!QPixmapCache::find(key, &pixmap)) {
+        pixmap = rendered(symbol, weight, side, color);
+        QPixmapCache::insert(key, pixmap);
+    }
+    return pixmap;
+}
+
+} // namespace
+
+void drawSymbol(QPainter& painter, Symbol symbol, const QRectF& box, const QColor& color,
+                QFont::Weight weight)
+{
+    const QTransform toDevice = painter.deviceTransform();
+    const double scale = std::hypot(toDevice.m11(), toDevice.m12());
+    const int side = static_cast<int>(std::floor(std::min(box.width(), box.height()) * scale));
+    if (side <= 0)
+        return;
+    const double points = side / scale;
+    const QPointF corner = box.center() - QPointF(points, points) / 2;
+    const QPointF whole = toDevice.inverted().map(QPointF(toDevice.map(corner).toPoint()));
+    painter.save();
+    painter.setOpacity(painter.opacity() * color.alphaF());
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
+    painter.drawPixmap(QRectF(whole, QSizeF(points, points)),
+                       cached(symbol, weight, side, QColor(color.rgb())), QRectF(0, 0, side, side));
+    painter.restore();
+}
+
+} // namespace varno

@@ -1,0 +1,45 @@
+#include "kit/SymbolView.h"
+
+#include <QPainter>
+
+#include <cmath>
+
+namespace varno {
+
+SymbolView::SymbolView(Symbol symbol, const SymbolStyle& style, QWidget* parent)
+    : QWidget(parent)
+    , m_symbol(symbol)
+    , m_style(style)
+{
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+}
+
+void SymbolView::setSymbol(Symbol symbol)
+{
+    m_symbol = symbol;
+    update();
+}
+
+void SymbolView::setSymbolStyle(const SymbolStyle& style)
+{
+    m_style = style;
+    updateGeometry();
+    update();
+}
+
+QSize SymbolView::sizeHint() const
+{
+    const int side = static_cast<int>(std::ceil(m_style.size));
+    return {side, side};
+}
+
+void SymbolView::paintEvent(QPaintEvent*)
+{
+    QRectF box(0, 0, m_style.size, m_style.size);
+    box.moveCenter(QRectF(rect()).center());
+    QPainter painter(this);
+    const QColor color = inkColor(palette(), {.role = m_style.role, .opacity = m_style.opacity});
+    drawSymbol(painter, m_symbol, box, color, m_style.weight);
+}
+
+} // namespace varno

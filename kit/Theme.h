@@ -1,0 +1,45 @@
+#pragma once
+
+#include "core/Appearance.h"
+
+#include <QColor>
+#include <QPalette>
+
+#include <variant>
+
+class QWidget;
+
+namespace varno {
+
+/// The theme's colours as a palette. Set it on the topmost widget: all others read their colours
+/// from the palette that they inherit, and follow its changes.
+[[nodiscard]] QPalette themePalette(AppTheme theme);
+
+/// A theme's colour out of a palette made by `themePalette`.
+[[nodiscard]] QColor themeColor(const QPalette& palette, ColorRole role, double opacity = 1);
+
+/// Colours that mean the same in every theme, as the platform draws them.
+enum class StandardColor {
+    yellow,
+    red,
+    orange,
+    primary, ///< black on a light theme, white on a dark one
+};
+
+[[nodiscard]] QColor standardColor(const QPalette& palette, StandardColor color,
+                                   double opacity = 1);
+
+/// What a thing is drawn in. Either kind of colour can be given where this is asked for.
+using InkRole = std::variant<ColorRole, StandardColor>;
+
+struct Ink {
+    InkRole role = ColorRole::text;
+    double opacity = 1;
+};
+
+[[nodiscard]] QColor inkColor(const QPalette& palette, const Ink& ink);
+
+/// Shows a window, everything in it, and the program's tool tips in the theme.
+void setTheme(QWidget& window, AppTheme theme);
+
+} // namespace varno

@@ -1,0 +1,100 @@
+#include "platform/linux/PortalAnimationSetting.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusMetaType>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+#include <QMap>
+#include <QPromise>
+#include <QStringList>
+#include <QThreadPool>
+
+#include <memory>
+
+namespace varno {
+namespace {
+
+const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
+const QString gnomeSpace = QStringLiteral("org.gnome.desktop.interface");
+const QString plasmaSpace = QStringLiteral("org.kde.kdeglobals.KDE");
+
+using Namespaces = QMap<QString, QVariantMap>;
+
+} // namespace
+
+bool PortalAnimationSetting::isEnabled()
+{
+    if (!m_asked) {
+        m_asked = true;
+        connectToBus();
+    }
+    return m_gnomeWants && m_plasmaWants;
+}
+
+void PortalAnimationSetting::connectToBus()
+{
+    // Its first use waits for the bus, and may even start one.
+    const auto promise = std::make_shared<QPromise<void>>();
+    connect(&m_connecting, &QFutureWatcherBase::finished, this, &PortalAnimationSetting::ask);
+    m_connecting.setFuture(promise->future());
+    QThreadPool::globalInstance()->start([promise] {
+        promise->start();
+        QDBusConnection::sessionBus();
+        promise->finish();
+    });
+}
+
+void PortalAnimationSetting::ask()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected())
+        return;
+    // From any sender: naming the service would wait for the bus to say who owns that name.
+    bus.connect(QString(), path, interface, QStringLiteral("SettingChanged"), this,
+                SLOT(take(QString, QString, QDBusVariant)));
+    QDBusMessage question =
+        QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
+    question << QStringList{gnomeSpace, plasmaSpace};
+    auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        takeAll(answer->reply());
+        answer->deleteLater();
+    });
+}
+
+void PortalAnimationSetting::takeAll(const QDBusMessage& reply)
+{
+    if (reply.type() != QDBusMessage::ReplyMessage ||
+        reply.signature() != QLatin1StringView("a{sa{sv}}"))
+        return;
+    const auto spaces = qdbus_cast<Namespaces>(reply.arguments().constFirst());
+    for (auto space = spaces.cbegin(); space != spaces.cend(); ++space)
+        for (auto entry = space->cbegin(); entry != space->cend(); ++entry)
+            set(space.key(), entry.key(), entry.value());
+}
+
+void PortalAnimationSetting::take(const QString& space, const QString& key,
+                                  const QDBusVariant& value)
+{
+    set(space, key, value.variant());
+}
+
+void PortalAnimationSetting::set(const QString& space, const QString& key, const QVariant& value)
+{
+    const bool before = isEnabled();
+    bool known = false;
+    if (space == gnomeSpace && key == QLatin1StringView("enable-animations")) {
+        m_gnomeWants = value.toBool();
+    } else if (space == plasmaSpace && key == QLatin1StringView("AnimationDurationFactor")) {
+        const double factor = value.toDouble(&known);
+        m_plasmaWants = !known || factor > 0;
+    }
+    if (isEnabled() != before)
+        Q_EMIT changed(!before);
+}
+
+} // namespace varno

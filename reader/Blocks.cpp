@@ -1,0 +1,142 @@
+#include "reader/Blocks.h"
+
+#include "reader/Characters.h"
+
+namespace varno {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// A sentence that happens to begin with a number and is longer than this is no mark of an item.
+constexpr qsizetype longestNumber = 64;
+
+QStringView withoutOuterBlanks(QStringView line)
+{
+    const auto isBlank = [](QChar character) { return character == u' ' || character == u'\t'; };
+    while (!line.isEmpty() && isBlank(line.front()))
+        line = line.sliced(1);
+    while (!line.isEmpty() && isBlank(line.back()))
+        line.chop(1);
+    return line;
+}
+
+QStringView firstLine(QStringView block)
+{
+    const qsizetype end = block.indexOf(u'\n');
+    return end < 0 ? block : block.first(end);
+}
+
+bool beginsWithBullet(QStringView line)
+{
+    return line.startsWith(u"- ") || line.startsWith(u"* ");
+}
+
+bool beginsWithHeading(QStringView line)
+{
+    return line.startsWith(u"# ") || line.startsWith(u"## ") || line.startsWith(u"### ");
+}
+
+} // namespace
+
+QStringList blocks(QStringView text)
+{
+    QStringList result;
+    for (const QStringView piece : text.tokenize(u"\n\n")) {
+        const QStringView block = piece.trimmed();
+        if (!block.isEmpty())
+            result += splitHeadingFromBody(block);
+    }
+    return result;
+}
+
+QStringList splitHeadingFromBody(QStringView block)
+{
+    QStringList result;
+    while (const qsizetype length = headingToSplitOff(block)) {
+        result.append(block.first(length).toString());
+        block = block.sliced(length).trimmed();
+    }
+    const bool headingAlone = block.contains(u'\n') && beginsWithHeading(block);
+    result.append((headingAlone ? firstLine(block) : block).toString());
+    return result;
+}
+
+qsizetype headingToSplitOff(QStringView block)
+{
+    if (!beginsWithHeading(block))
+        return 0;
+    const qsizetype end = block.indexOf(u'\n');
+    return end < 0 || block.sliced(end).trimmed().isEmpty() ? 0 : end;
+}
+
+bool isBoldHeader(QStringView block)
+{
+    if (block.size() < 5 || !block.startsWith(u"**") || !block.endsWith(u"**"))
+        return false;
+    return !block.contains(u'\n') && !block.sliced(2).chopped(2).contains(u"**");
+}
+
+bool isBulletList(QStringView block)
+{
+    return beginsWithBullet(withoutOuterBlanks(firstLine(block)));
+}
+
+bool isNumberedList(QStringView block)
+{
+    const QStringView line = withoutOuterBlanks(firstLine(block));
+    return beginsWithNumeral(line) && line.contains(u". ");
+}
+
+BlockKind blockKind(QStringView block)
+{
+    if (isBoldHeader(block))
+        return BlockKind::boldHeader;
+    if (block.startsWith(u"### "))
+        return BlockKind::heading3;
+    if (block.startsWith(u"## "))
+        return BlockKind::heading2;
+    if (block.startsWith(u"# "))
+        return BlockKind::heading1;
+    if (isBulletList(block))
+        return BlockKind::bulletList;
+    if (isNumberedList(block))
+        return BlockKind::numberedList;
+    return BlockKind::paragraph;
+}
+
+QStringView shownText(QStringView block, BlockKind kind)
+{
+    switch (kind) {
+    case BlockKind::boldHeader:
+        return block.sliced(2).chopped(2);
+    case BlockKind::heading3:
+        return block.sliced(4);
+    case BlockKind::heading2:
+        return block.sliced(3);
+    case BlockKind::heading1:
+        return block.sliced(2);
+    case BlockKind::bulletList:
+    case BlockKind::numberedList:
+    case BlockKind::paragraph:
+        break;
+    }
+    return block;
+}
+
+std::optional<ListItem> listItem(QStringView line, BlockKind list)
+{
+    line = withoutOuterBlanks(line);
+    if (list == BlockKind::bulletList) {
+        if (!beginsWithBullet(line))
+            return std::nullopt;
+        return ListItem{.mark = u"•"_s, .text = line.sliced(2)};
+    }
+    const qsizetype point = line.indexOf(u". ");
+    if (point < 0)
+        return std::nullopt;
+    if (point > longestNumber)
+        return ListItem{.mark = {}, .text = line};
+    return ListItem{.mark = line.first(point + 1).toString(), .text = line.sliced(point + 2)};
+}
+
+} // namespace varno

@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QStringView>
+
+namespace varno {
+
+/// Whether the first character has a numeric value in any script ("3", "٣", "三", "Ⅷ", "½").
+[[nodiscard]] bool beginsWithNumeral(QStringView text);
+
+/// The end of a user-perceived character at or before `position`, and at or after it. Positions
+/// count UTF-16 units.
+[[nodiscard]] qsizetype characterBoundaryBefore(QStringView text, qsizetype position);
+[[nodiscard]] qsizetype characterBoundaryAfter(QStringView text, qsizetype position);
+
+} // namespace varno

@@ -1,0 +1,264 @@
+#include "reader/DocumentWriter.h"
+
+#include <QTextFrame>
+
+#include <algorithm>
+
+namespace varno {
+namespace {
+
+/// How many characters are laid out together, between two looks at the clock.
+constexpr qsizetype layoutStep = 2048;
+
+QStringView withoutLeadingBlanks(QStringView text)
+{
+    const auto* first = std::find_if_not(text.begin(), text.end(),
+                                         [](QChar character) { return character.isSpace(); });
+    return text.sliced(first - text.begin());
+}
+
+qsizetype commonLength(QStringView one, QStringView other)
+{
+    const auto [end, _] = std::mismatch(one.begin(), one.end(), other.begin(), other.end());
+    const qsizetype length = end - one.begin();
+    const bool splitsCharacter = length > 0 && one[length - 1].isHighSurrogate();
+    return splitsCharacter ? length - 1 : length;
+}
+
+/// How many characters two lists of runs begin with that are the same in text and look.
+qsizetype commonLength(const QList<InlineRun>& one, const QList<InlineRun>& other)
+{
+    qsizetype length = 0;
+    for (qsizetype index = 0; index < std::min(one.size(), other.size()); ++index) {
+        const InlineRun& left = one[index];
+        const InlineRun& right = other[index];
+        if (left.styles != right.styles || left.link != right.link)
+            break;
+        const qsizetype common = commonLength(left.text, right.text);
+        length += common;
+        if (common < left.text.size() || common < right.text.size())
+            break;
+    }
+    return length;
+}
+
+} // namespace
+
+DocumentWriter::DocumentWriter(QTextDocument& document, const RowFormat& format)
+    : m_document(document)
+    , m_cursor(&document)
+    , m_format(format)
+{
+    m_document.setUndoRedoEnabled(false);
+    m_document.setDocumentMargin(0);
+    m_document.setDefaultFont(format.font());
+}
+
+void DocumentWriter::setText(QStringView text)
+{
+    text = withoutLeadingBlanks(text);
+    const qsizetype common = commonLength(m_text, text);
+    m_text.truncate(common);
+    m_text.append(text.sliced(common));
+    takeNote(common);
+}
+
+void DocumentWriter::appendText(QStringView piece)
+{
+    if (m_text.isEmpty())
+        piece = withoutLeadingBlanks(piece);
+    takeNote(m_text.size());
+    m_text.append(piece);
+}
+
+void DocumentWriter::setFormat(const RowFormat& format)
+{
+    m_cursor.beginEditBlock();
+    keepRows(0);
+    m_cursor.endEditBlock();
+    m_format = format;
+    m_document.setDefaultFont(format.font());
+    m_usesColor = false;
+    takeNote(0);
+}
+
+void DocumentWriter::setTextColor(const QColor& color)
+{
+    const RowFormat format(m_format.fontSize(), color);
+    if (m_usesColor)
+        setFormat(format);
+    else
+        m_format = format;
+}
+
+void DocumentWriter::takeNote(qsizetype unchanged)
+{
+    m_unchanged = std::min(m_unchanged, unchanged);
+    m_isComplete = false;
+}
+
+/// The last row that begins in what is unchanged; where its block has become one of another kind,
+/// the first row of that block.
+qsizetype DocumentWriter::firstOpenRow() const
+{
+    const auto changed =
+        std::partition_point(m_rows.begin(), m_rows.end(), [this](const WrittenRow& row) {
+            return row.start.offset < m_unchanged;
+        });
+    if (changed == m_rows.begin())
+        return 0;
+    const qsizetype last = changed - m_rows.begin() - 1;
+    const RowStart& start = m_rows[last].start;
+    const qsizetype first = firstRow(start.block);
+    const bool isSameKind =
+        first == last || RowReader::kindAt(m_text, m_rows[first].start.offset) == start.kind;
+    return isSameKind ? last : first;
+}
+
+void DocumentWriter::write(const QDeadlineTimer& deadline, qsizetype atLeast)
+{
+    if (m_isComplete)
+        return;
+    qsizetype index = firstOpenRow();
+    RowReader reader(m_text, index < m_rows.size() ? m_rows[index].start : RowStart());
+    m_isComplete = true;
+    m_cursor.beginEditBlock();
+    keepRows(index + 1);
+    qsizetype laidOut = 0; // how far the text is in the document's layout, too
+    while (const std::optional<Row> row = reader.next()) {
+        writeRow(index, *row);
+        ++index;
+        if (row->start.offset < laidOut + layoutStep)
+            continue;
+        laidOut = row->start.offset;
+        m_cursor.endEditBlock();
+        m_cursor.beginEditBlock();
+        if (index > atLeast && deadline.hasExpired()) {
+            m_isComplete = false;
+            break;
+        }
+    }
+    keepRows(index);
+    m_cursor.endEditBlock();
+    m_unchanged = m_text.size();
+}
+
+/// Removes all rows from that index on.
+void DocumentWriter::keepRows(qsizetype count)
+{
+    if (count >= m_rows.size())
+        return;
+    const QTextBlock last = blockOf(std::max<qsizetype>(count - 1, 0));
+    m_cursor.setPosition(count == 0 ? 0 : last.position() + last.length() - 1);
+    m_cursor.movePosition(QTextCursor::End, QTextCursor::KeepAnchor);
+    m_cursor.removeSelectedText();
+    if (count == 0) {
+        m_cursor.setBlockFormat({});
+        m_cursor.setBlockCharFormat({});
+    }
+    m_rows.resize(count);
+    m_blocks.erase(std::lower_bound(m_blocks.begin(), m_blocks.end(), count), m_blocks.end());
+    m_lastRuns.reset();
+}
+
+void DocumentWriter::writeRow(qsizetype index, const Row& row)
+{
+    const WrittenRow written{.start = row.start,
+                             .textOffset = row.text.data() - m_text.constData(),
+                             .textLength = row.text.size()};
+    if (isWritten(index, written)) {
+        placeBlock(index, row, blockOf(index).text().isRightToLeft());
+        if (!m_lastRuns) {
+            m_lastMark = m_format.leadingMark(row);
+            m_lastRuns = inlineRuns(row.text);
+        }
+        return;
+    }
+    QList<InlineRun> runs = inlineRuns(row.text);
+    placeBlock(index, row, isList(row.start.kind) && shownText(runs).isRightToLeft());
+    if (index < m_rows.size())
+        m_rows[index] = written;
+    else
+        m_rows.append(written);
+    if (row.start.block == m_blocks.size())
+        m_blocks.append(static_cast<int>(index));
+    writeRuns(index, row, std::move(runs));
+}
+
+/// Whether the text block of that index shows the very same row already.
+bool DocumentWriter::isWritten(qsizetype index, const WrittenRow& row) const
+{
+    if (index >= m_rows.size() || row.textOffset + row.textLength > m_unchanged)
+        return false;
+    const WrittenRow& old = m_rows[index];
+    return old.textOffset == row.textOffset && old.textLength == row.textLength &&
+           old.start.kind == row.start.kind;
+}
+
+/// Sees to it that there is a text block for the row, and that it has the format of the row.
+void DocumentWriter::placeBlock(qsizetype index, const Row& row, bool rightToLeft)
+{
+    const double previousMargin = index == 0 ? 0 : blockOf(index - 1).blockFormat().bottomMargin();
+    const QTextBlockFormat format = m_format.block(row, rightToLeft, previousMargin);
+    const QTextCharFormat& plain = m_format.plain(row.start.kind);
+    if (index > 0 && index >= m_rows.size()) {
+        m_cursor.setPosition(m_document.characterCount() - 1);
+        m_cursor.insertBlock(format, plain);
+        m_lastMark.clear();
+        m_lastRuns = QList<InlineRun>();
+        return;
+    }
+    const QTextBlock block = blockOf(index);
+    m_cursor.setPosition(block.position());
+    if (block.blockFormat() != format)
+        m_cursor.setBlockFormat(format);
+    if (block.charFormat() != plain) {
+        m_cursor.setBlockCharFormat(plain);
+        m_lastRuns.reset();
+    }
+    if (index == 0 && m_document.rootFrame()->frameFormat().topMargin() != format.topMargin()) {
+        QTextFrameFormat frame = m_document.rootFrame()->frameFormat();
+        frame.setTopMargin(format.topMargin());
+        m_document.rootFrame()->setFrameFormat(frame);
+    }
+}
+
+void DocumentWriter::writeRuns(qsizetype index, const Row& row, QList<InlineRun> runs)
+{
+    const QTextBlock block = blockOf(index);
+    const QString mark = m_format.leadingMark(row);
+    qsizetype kept = 0;
+    if (!m_lastRuns || m_lastMark != mark) {
+        m_cursor.setPosition(block.position());
+        m_cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+        m_cursor.insertText(mark, m_format.mark(row.start.kind));
+        m_usesColor = m_usesColor || !mark.isEmpty();
+    } else {
+        kept = commonLength(*m_lastRuns, runs);
+        m_cursor.setPosition(block.position() + static_cast<int>(mark.size() + kept));
+        m_cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
+        m_cursor.removeSelectedText();
+    }
+    insertRuns(row.start.kind, runs, kept);
+    m_lastMark = mark;
+    m_lastRuns = std::move(runs);
+}
+
+/// Inserts the runs at the cursor, less the first characters.
+void DocumentWriter::insertRuns(BlockKind kind, const QList<InlineRun>& runs, qsizetype skipped)
+{
+    for (const InlineRun& run : runs) {
+        const qsizetype length = run.text.size();
+        if (skipped < length)
+            m_cursor.insertText(skipped == 0 ? run.text : run.text.sliced(skipped),
+                                m_format.run(kind, run));
+        skipped = std::max<qsizetype>(skipped - length, 0);
+    }
+}
+
+QTextBlock DocumentWriter::blockOf(qsizetype index) const
+{
+    return m_document.findBlockByNumber(static_cast<int>(index));
+}
+
+} // namespace varno

@@ -1,0 +1,248 @@
+#include "reader/EntryView.h"
+
+#include "kit/Layout.h"
+#include "reader/EntryState.h"
+
+#include <QKeyEvent>
+#include <QShortcut>
+
+#include <algorithm>
+#include <utility>
+
+namespace varno {
+namespace {
+
+constexpr double leastSidebarWidth = 140;
+constexpr double mostSidebarWidth = 340;
+constexpr qint64 frame = 16; // milliseconds
+
+using Change = AppViewModel::Change;
+constexpr AppViewModel::Changes pageChanges = Change::session | Change::isStreaming |
+                                              Change::streamingTitle | Change::streamingContent |
+                                              Change::errorMessage;
+constexpr AppViewModel::Changes contentsChanges =
+    pageChanges | Change::streamingTOC | Change::tocIsLoading;
+constexpr AppViewModel::Changes everything = AppViewModel::Changes::fromInt(~0U);
+
+} // namespace
+
+EntryView::EntryView(AppViewModel& viewModel, QWidget* parent)
+    : QWidget(parent)
+    , m_viewModel(viewModel)
+    , m_find(m_findBar, m_column)
+{
+    setLayout(column({}, {
+        m_breadcrumbBar,
+        m_findBar,
+        row({}, {m_sidebar, m_divider, grow(m_column)}),
+    }));
+    setFocusProxy(&m_column);
+    m_nextFlush.setSingleShot(true);
+    m_nextFlush.setTimerType(Qt::PreciseTimer);
+
+    connect(&viewModel, &AppViewModel::changed, this, &EntryView::takeNote);
+    connect(&m_nextFlush, &QTimer::timeout, this, &EntryView::flush);
+    connectBars();
+    connectPage();
+    m_pendingChanges = everything;
+    flush();
+}
+
+void EntryView::connectBars()
+{
+    connect(&m_breadcrumbBar, &BreadcrumbBar::crumbPressed, this, &EntryView::jumpTo);
+    connect(&m_breadcrumbBar, &BreadcrumbBar::newSearch, &m_viewModel, &AppViewModel::newSearch);
+    connect(&m_breadcrumbBar, &BreadcrumbBar::find, this, &EntryView::openFind);
+    connect(&m_breadcrumbBar, &BreadcrumbBar::reload, &m_viewModel,
+            &AppViewModel::reloadCurrentPage);
+    connect(&m_breadcrumbBar, &BreadcrumbBar::settings, this,
+            [this] { m_viewModel.setShowingSettings(true); });
+
+    connect(&m_findBar, &FindBar::closed, this, [this] { m_viewModel.setShowingFind(false); });
+    connect(&m_findBar, &FindBar::findTextChanged, this, [this](const QString& text) {
+        m_find.setFindText(text, shownText());
+    });
+    auto* find = new QShortcut(this);
+    find->setKeys({QKeySequence(Qt::CTRL | Qt::Key_F), QKeySequence(Qt::META | Qt::Key_F)});
+    find->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(find, &QShortcut::activated, this, &EntryView::openFind);
+}
+
+void EntryView::connectPage()
+{
+    connect(&m_sidebar, &TOCSidebarView::sectionPressed, &m_viewModel, &AppViewModel::navigateTo);
+    connect(&m_divider, &ResizeDivider::dragged, this, &EntryView::dragSidebar);
+    connect(&m_divider, &ResizeDivider::dragEnded, this,
+            [this] { m_sidebarDragStartWidth.reset(); });
+
+    connect(&m_column, &ReadingColumn::tryAgain, &m_viewModel, &AppViewModel::reloadCurrentPage);
+    connect(&m_column, &ReadingColumn::newSearch, &m_viewModel, &AppViewModel::newSearch);
+    connect(&m_column, &ReadingColumn::fullEntry, &m_viewModel, &AppViewModel::upgradeToFullEntry);
+    connect(&m_column, &ReadingColumn::topicPressed, &m_viewModel, &AppViewModel::search);
+}
+
+void EntryView::takeNote(AppViewModel::Changes what)
+{
+    m_pendingChanges |= what;
+    if (what.testFlag(Change::isShowingFind) && !m_viewModel.isShowingFind())
+        m_find.reset(); // not later: it may be open again by then
+    if (!isVisible())
+        return;
+    if (what == Change::streamingPiece)
+        scheduleFlush();
+    else
+        flush();
+}
+
+/// Of the text, what the column shows already.
+QStringView EntryView::shownText() const
+{
+    const QStringView text = displayContent(m_viewModel);
+    return text.first(std::min(text.size(), m_column.textLength()));
+}
+
+/// Pieces that arrive within one frame are shown together.
+void EntryView::scheduleFlush()
+{
+    if (m_nextFlush.isActive())
+        return;
+    const qint64 elapsed = m_sinceFlush.isValid() ? m_sinceFlush.elapsed() : frame;
+    m_nextFlush.start(int(std::max<qint64>(frame - elapsed, 0)));
+}
+
+void EntryView::flush()
+{
+    const AppViewModel::Changes what = std::exchange(m_pendingChanges, {});
+    if (what & pageChanges)
+        showPage();
+    if (what.testFlag(Change::streamingContent))
+        showText();
+    else if (what.testFlag(Change::streamingPiece))
+        showPieces();
+    if (what & contentsChanges)
+        showContents();
+    if (what.testFlag(Change::fontSize))
+        m_column.setFontSize(pointSize(m_viewModel.fontSize()));
+    if (what.testFlag(Change::isShowingFind))
+        showFind();
+    m_nextFlush.stop();
+    m_sinceFlush.start();
+}
+
+void EntryView::showPage()
+{
+    const Page* page = shownPage(m_viewModel);
+    const QUuid id = page ? page->id : QUuid();
+    if (std::exchange(m_shownPageId, id) != id || displayContent(m_viewModel).isEmpty())
+        m_column.scrollToTop();
+
+    QList<Breadcrumb> crumbs;
+    const Page* root = page ? m_viewModel.session()->rootPage() : nullptr;
+    if (root && root != page)
+        crumbs.append({.pageId = root->id, .title = root->title});
+    if (page)
+        crumbs.append({.pageId = page->id, .title = page->title});
+    m_breadcrumbBar.setCrumbs(crumbs);
+
+    m_column.setTitle(m_viewModel.streamingTitle());
+    m_column.setSurroundings({
+        .errorMessage = m_viewModel.errorMessage(),
+        .isStreaming = m_viewModel.isStreaming(),
+        .offersFullEntry = offersFullEntry(m_viewModel),
+        .relatedTopics = relatedTopics(m_viewModel),
+    });
+}
+
+void EntryView::showText()
+{
+    const QStringView text = displayContent(m_viewModel);
+    m_column.setText(text);
+    m_find.pageReplaced(text);
+}
+
+void EntryView::showPieces()
+{
+    const QStringView more = displayContent(m_viewModel).sliced(m_column.textLength());
+    m_column.appendText(more);
+    m_find.pageGrew(more);
+}
+
+void EntryView::showContents()
+{
+    const Page* page = shownPage(m_viewModel);
+    m_sidebar.setSections(m_viewModel.streamingTOC());
+    m_sidebar.setLoading(m_viewModel.tocIsLoading());
+    m_sidebar.setActiveSection(page && page->parentPageId ? page->parentSectionName : std::nullopt);
+    m_sidebar.setFixedWidth(qRound(m_sidebarWidth));
+    m_sidebar.setVisible(showsSidebar(m_viewModel));
+    m_divider.setVisible(showsSidebar(m_viewModel));
+}
+
+void EntryView::showFind()
+{
+    const bool hadFocus = m_findBar.isAncestorOf(focusWidget());
+    m_findBar.setVisible(m_viewModel.isShowingFind());
+    if (m_viewModel.isShowingFind())
+        m_findBar.takeFocus();
+    else if (hadFocus)
+        m_column.setFocus();
+}
+
+void EntryView::openFind()
+{
+    m_viewModel.setShowingFind(true);
+}
+
+void EntryView::jumpTo(const QUuid& pageId)
+{
+    const Page* page = m_viewModel.session() ? m_viewModel.session()->page(pageId) : nullptr;
+    if (page)
+        m_viewModel.jumpTo(*page);
+}
+
+void EntryView::dragSidebar(int translation)
+{
+    if (!m_sidebarDragStartWidth)
+        m_sidebarDragStartWidth = m_sidebarWidth;
+    m_sidebarWidth = std::max(std::min(*m_sidebarDragStartWidth + translation, mostSidebarWidth),
+                              leastSidebarWidth);
+    m_sidebar.setFixedWidth(qRound(m_sidebarWidth));
+}
+
+bool EntryView::closesFind(const QKeyEvent& event) const
+{
+    return m_viewModel.isShowingFind() && event.key() == Qt::Key_Escape &&
+           event.modifiers() == Qt::NoModifier;
+}
+
+bool EntryView::event(QEvent* event)
+{
+    // While the find bar is open, Escape is no shortcut of the window.
+    if (event->type() == QEvent::ShortcutOverride && closesFind(*static_cast<QKeyEvent*>(event))) {
+        event->accept();
+        return true;
+    }
+    return QWidget::event(event);
+}
+
+void EntryView::keyPressEvent(QKeyEvent* event)
+{
+    if (closesFind(*event))
+        m_viewModel.setShowingFind(false);
+    else
+        m_column.keyPressEvent(event);
+}
+
+void EntryView::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    flush();
+}
+
+void EntryView::hideEvent(QHideEvent* event)
+{
+    QWidget::hideEvent(event);
+    m_nextFlush.stop();
+}
+
+} // namespace varno

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "kit/PlainButton.h"
+#include "kit/SymbolView.h"
+#include "kit/ThemedText.h"
+
+#include <QWidget>
+
+namespace varno {
+
+/// What went wrong, and the two ways on.
+class ErrorPanel final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ErrorPanel(QWidget* parent = nullptr);
+
+    void setMessage(const QString& message);
+
+signals:
+    void tryAgain();
+    void newSearch();
+
+private:
+    SymbolView m_symbol;
+    ThemedText m_message;
+    PlainButton m_tryAgain;
+    PlainButton m_newSearch;
+};
+
+} // namespace varno

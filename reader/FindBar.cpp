@@ -1,0 +1,98 @@
+#include "reader/FindBar.h"
+
+#include "kit/Layout.h"
+
+namespace varno {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const TextStyle counterStyle{.size = 11, .equalDigits = true, .opacity = 0.45};
+const TextStyle noResultsStyle{.size = 11, .role = StandardColor::red, .opacity = 0.7};
+const ButtonStyle buttonStyle{
+    .symbol = {.size = 10, .weight = QFont::DemiBold, .opacity = 0.6},
+    .frame = {22, 22},
+};
+
+/// No frame, no ground, no space of its own around the text.
+void makePlain(QLineEdit& field)
+{
+    QPalette palette;
+    palette.setBrush(QPalette::Base, Qt::NoBrush);
+    field.setPalette(palette);
+    field.setFont(font({.size = 13}));
+    field.setFrame(false);
+    field.setFixedHeight(buttonStyle.frame.height()); // the bar is as high as its buttons
+}
+
+} // namespace
+
+FindBar::FindBar(QWidget* parent)
+    : Surface(BottomEdge::ruled, parent)
+    , m_symbol(Symbol::magnifyingGlass, {.size = 12, .opacity = 0.4})
+    , m_previous(Symbol::chevronUp, buttonStyle)
+    , m_next(Symbol::chevronDown, buttonStyle)
+    , m_close(Symbol::xmark, buttonStyle)
+{
+    setLayout(row({.spacing = 10, .horizontal = 20, .vertical = 8}, {
+        m_symbol,
+        grow(m_field),
+        m_counter,
+        row({.spacing = 2}, {m_previous, m_next}),
+        m_close,
+    }));
+    setAccessibleName(tr("Find in entry"));
+
+    makePlain(m_field);
+    m_field.setPlaceholderText(tr("Find in entry…"));
+    m_field.setAccessibleName(tr("Find in entry"));
+    m_previous.setToolTip(tr("Previous match (⇧↩)"));
+    m_next.setToolTip(tr("Next match (↩)"));
+    m_close.setAccessibleName(tr("Close"));
+    showCounter();
+
+    connect(&m_field, &QLineEdit::textChanged, this, [this](const QString& text) {
+        showCounter();
+        emit findTextChanged(text);
+    });
+    connect(&m_field, &QLineEdit::returnPressed, this, [this] { step(1); });
+    connect(&m_previous, &PlainButton::clicked, this, [this] { step(-1); });
+    connect(&m_next, &PlainButton::clicked, this, [this] { step(1); });
+    connect(&m_close, &PlainButton::clicked, this, &FindBar::closed);
+}
+
+void FindBar::setFindText(const QString& text)
+{
+    if (text != m_field.text())
+        m_field.setText(text);
+}
+
+void FindBar::setMatches(int current, int total)
+{
+    m_current = current;
+    m_total = total;
+    showCounter();
+}
+
+void FindBar::takeFocus()
+{
+    m_field.setFocus(Qt::ShortcutFocusReason);
+    m_field.selectAll();
+}
+
+void FindBar::step(int matches)
+{
+    if (m_total > 0)
+        emit currentMatchIndexChanged((m_current + matches + m_total) % m_total);
+}
+
+void FindBar::showCounter()
+{
+    m_counter.setVisible(!m_field.text().isEmpty());
+    m_counter.setTextStyle(m_total > 0 ? counterStyle : noResultsStyle);
+    m_counter.setText(m_total > 0 ? tr("%1 of %2").arg(m_current + 1).arg(m_total)
+                                  : tr("No results"));
+}
+
+} // namespace varno

@@ -1,0 +1,226 @@
+#include "reader/ReadingColumn.h"
+
+#include "kit/Layout.h"
+#include "reader/ThinScrollBar.h"
+
+#include <QApplication>
+#include <QKeyEvent>
+
+#include <algorithm>
+
+namespace varno {
+namespace {
+
+constexpr int belowHeader = 20;
+constexpr int aboveError = 40 - belowHeader; // 40 below the header
+constexpr int aboveStreamingRow = 4;
+constexpr int aboveFullEntry = 24;
+constexpr int aboveRelatedTopics = 32;
+
+constexpr int lineStep = 24;
+constexpr std::chrono::milliseconds scrollDuration(250);
+
+/// Space and all goes where the place is hidden.
+void fill(QWidget& place, int above, const LayoutItem& item)
+{
+    place.setLayout(column({}, {gap(above), item}));
+}
+
+std::optional<QAbstractSlider::SliderAction> scrollAction(const QKeyEvent& event)
+{
+    const bool shift = event.modifiers() == Qt::ShiftModifier;
+    if (event.key() == Qt::Key_Space && shift)
+        return QAbstractSlider::SliderPageStepSub;
+    if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+        return {};
+    switch (event.key()) {
+    case Qt::Key_Up:
+        return QAbstractSlider::SliderSingleStepSub;
+    case Qt::Key_Down:
+        return QAbstractSlider::SliderSingleStepAdd;
+    case Qt::Key_PageUp:
+        return QAbstractSlider::SliderPageStepSub;
+    case Qt::Key_PageDown:
+    case Qt::Key_Space:
+        return QAbstractSlider::SliderPageStepAdd;
+    case Qt::Key_Home:
+        return QAbstractSlider::SliderToMinimum;
+    case Qt::Key_End:
+        return QAbstractSlider::SliderToMaximum;
+    default:
+        return {};
+    }
+}
+
+} // namespace
+
+ReadingColumn::ReadingColumn(QWidget* parent)
+    : QScrollArea(parent)
+    , m_status(tr("Getting the most accurate information…"))
+    , m_scroll(*this, [this](double y) { verticalScrollBar()->setValue(qRound(y)); })
+    , m_selectionScroller(*this, m_text)
+{
+    fill(m_errorPlace, aboveError, row({}, {grow(m_error)}));
+    fill(m_streamingRow, aboveStreamingRow, row({.spacing = 8}, {m_cursor, m_status, stretch()}));
+    fill(m_fullEntryPlace, aboveFullEntry, aligned(m_fullEntry, Qt::AlignLeading));
+    fill(m_relatedTopicsPlace, aboveRelatedTopics, m_relatedTopics);
+    m_page.setLayout(column({.horizontal = 36, .vertical = 28}, {
+        m_header,
+        gap(belowHeader),
+        m_errorPlace,
+        m_text,
+        m_streamingRow,
+        m_fullEntryPlace,
+        m_relatedTopicsPlace,
+        stretch(),
+    }));
+
+    setVerticalScrollBar(new ThinScrollBar);
+    setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn); // its coming would break the lines anew
+    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    verticalScrollBar()->setSingleStep(lineStep);
+    setFrameShape(QFrame::NoFrame);
+    setFocusPolicy(Qt::ClickFocus);
+    setWidgetResizable(true);
+    setWidget(&m_page);
+    setSurroundings({});
+
+    connect(verticalScrollBar(), &QScrollBar::actionTriggered, this, [this] { m_scroll.stop(); });
+    connect(&m_text, &MarkdownContentView::selectionDragged, &m_selectionScroller,
+            &SelectionScroller::drag);
+    connect(&m_error, &ErrorPanel::tryAgain, this, &ReadingColumn::tryAgain);
+    connect(&m_error, &ErrorPanel::newSearch, this, &ReadingColumn::newSearch);
+    connect(&m_fullEntry, &FullEntryButton::clicked, this, &ReadingColumn::fullEntry);
+    connect(&m_relatedTopics, &RelatedTopics::topicPressed, this, &ReadingColumn::topicPressed);
+}
+
+void ReadingColumn::setText(QStringView text)
+{
+    keepPosition([&] { m_text.setText(text); });
+    showStatus();
+}
+
+void ReadingColumn::appendText(QStringView piece)
+{
+    m_text.appendText(piece);
+    showStatus();
+}
+
+void ReadingColumn::setFontSize(int points)
+{
+    keepPosition([&] { m_text.setFontSize(points); });
+}
+
+void ReadingColumn::setSurroundings(const Surroundings& surroundings)
+{
+    const bool isWhole = !surroundings.errorMessage;
+    const bool hasFocus = isAncestorOf(QApplication::focusWidget());
+    setFocusProxy(isWhole ? &m_text : nullptr);
+    m_error.setMessage(surroundings.errorMessage.value_or(QString()));
+    m_relatedTopics.setTopics(surroundings.relatedTopics);
+
+    m_errorPlace.setVisible(!isWhole);
+    m_text.setVisible(isWhole);
+    m_streamingRow.setVisible(isWhole && surroundings.isStreaming);
+    m_fullEntryPlace.setVisible(isWhole && surroundings.offersFullEntry);
+    m_relatedTopicsPlace.setVisible(isWhole && !surroundings.relatedTopics.isEmpty());
+    if (hasFocus)
+        setFocus();
+}
+
+void ReadingColumn::showStatus()
+{
+    m_status.setVisible(m_text.textLength() == 0);
+}
+
+void ReadingColumn::scrollToTop()
+{
+    m_scroll.stop();
+    verticalScrollBar()->setValue(0);
+}
+
+void ReadingColumn::scrollToBlock(int index)
+{
+    const QRect block = m_text.blockRect(index);
+    if (block.isNull() || m_text.isHidden())
+        return;
+    writeViewportBelow(index);
+    settle();
+    const QScrollBar& bar = *verticalScrollBar();
+    const int wanted = m_text.y() + block.center().y() - viewport()->height() / 2;
+    m_scroll.start({.from = double(bar.value()),
+                    .to = double(std::clamp(wanted, bar.minimum(), bar.maximum())),
+                    .duration = scrollDuration});
+}
+
+ReadingColumn::Position ReadingColumn::position()
+{
+    const int edge = verticalScrollBar()->value() - m_text.y();
+    const int block = edge > 0 && !m_text.isHidden() ? m_text.blockAt(edge) : -1;
+    if (block < 0)
+        return {.distance = verticalScrollBar()->value()};
+    const QRect rect = m_text.blockRect(block);
+    const double within = std::clamp(double(edge - rect.top()) / rect.height(), 0.0, 1.0);
+    return {.block = block,
+            .within = within,
+            .distance = edge - rect.top() - qRound(within * rect.height())};
+}
+
+void ReadingColumn::restore(const Position& position)
+{
+    const QRect rect = m_text.blockRect(position.block);
+    if (!rect.isNull())
+        writeViewportBelow(position.block);
+    settle();
+    const int line = rect.isNull()
+                         ? 0
+                         : m_text.y() + rect.top() + qRound(position.within * rect.height());
+    verticalScrollBar()->setValue(line + position.distance);
+}
+
+template <typename Action>
+void ReadingColumn::keepPosition(Action action)
+{
+    const Position before = position();
+    action();
+    restore(before);
+}
+
+/// Without it the page might still be too short to be scrolled that far.
+void ReadingColumn::writeViewportBelow(int block)
+{
+    const int end = m_text.blockRect(block).bottom() + viewport()->height();
+    QRect written = m_text.blockRect(++block);
+    while (!written.isNull() && written.bottom() < end)
+        written = m_text.blockRect(++block);
+}
+
+/// Does at once what the layouts would do a little later.
+void ReadingColumn::settle()
+{
+    m_page.layout()->activate();
+    QEvent layoutRequest(QEvent::LayoutRequest);
+    QCoreApplication::sendEvent(this, &layoutRequest);
+}
+
+void ReadingColumn::keyPressEvent(QKeyEvent* event)
+{
+    const auto action = scrollAction(*event);
+    event->setAccepted(action.has_value());
+    if (action)
+        verticalScrollBar()->triggerAction(*action);
+}
+
+void ReadingColumn::changeEvent(QEvent* event)
+{
+    QScrollArea::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        keepPosition([&] { m_text.setTextColor(themeColor(palette(), ColorRole::text)); });
+}
+
+void ReadingColumn::resizeEvent(QResizeEvent* event)
+{
+    keepPosition([&] { QScrollArea::resizeEvent(event); });
+}
+
+} // namespace varno

@@ -1,0 +1,94 @@
+#pragma once
+
+#include "kit/Animation.h"
+#include "reader/BlinkingCursor.h"
+#include "reader/EntryHeader.h"
+#include "reader/ErrorPanel.h"
+#include "reader/FullEntryButton.h"
+#include "reader/MarkdownContentView.h"
+#include "reader/PulsingStatusText.h"
+#include "reader/RelatedTopics.h"
+#include "reader/SelectionScroller.h"
+
+#include <QScrollArea>
+
+#include <optional>
+
+namespace varno {
+
+/// The page itself, which scrolls: its title, its text and what belongs to it, or what went wrong.
+///
+/// The line at the upper edge stays there whatever happens to text, sizes and colours, until
+/// something asks to scroll.
+class ReadingColumn final : public QScrollArea {
+    Q_OBJECT
+
+public:
+    explicit ReadingColumn(QWidget* parent = nullptr);
+
+    void setTitle(const QString& title) { m_header.setTitle(title); }
+    void setText(QStringView text);
+    void appendText(QStringView piece);
+    [[nodiscard]] qsizetype textLength() const { return m_text.textLength(); }
+    void setFontSize(int points);
+    void setHighlightText(const QString& text) { m_text.setHighlightText(text); }
+
+    /// What there is besides the text. A message stands in the place of everything else.
+    struct Surroundings {
+        std::optional<QString> errorMessage{};
+        bool isStreaming = false;
+        bool offersFullEntry = false;
+        QStringList relatedTopics{};
+    };
+    void setSurroundings(const Surroundings& surroundings);
+
+    void scrollToTop();
+    /// Brings the middle of that block of the text to the middle of the view, smoothly.
+    void scrollToBlock(int index);
+    /// Scrolls if it is a key that does.
+    void keyPressEvent(QKeyEvent* event) override;
+
+signals:
+    void tryAgain();
+    void newSearch();
+    void fullEntry();
+    void topicPressed(const QString& topic);
+
+protected:
+    void changeEvent(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    /// What stands at the upper edge.
+    struct Position {
+        int block = -1;    ///< of the text; -1 is the top of the page
+        double within = 0; ///< how much of the block is above the edge, from 0 to 1
+        int distance = 0;  ///< points from there to the edge
+    };
+    [[nodiscard]] Position position();
+    void restore(const Position& position);
+    template <typename Action>
+    void keepPosition(Action action);
+    void writeViewportBelow(int block);
+    void settle();
+
+    void showStatus();
+
+    QWidget m_page;
+    EntryHeader m_header;
+    QWidget m_errorPlace;
+    ErrorPanel m_error;
+    MarkdownContentView m_text;
+    QWidget m_streamingRow;
+    BlinkingCursor m_cursor;
+    PulsingStatusText m_status;
+    QWidget m_fullEntryPlace;
+    FullEntryButton m_fullEntry;
+    QWidget m_relatedTopicsPlace;
+    RelatedTopics m_relatedTopics;
+
+    Animation m_scroll;
+    SelectionScroller m_selectionScroller;
+};
+
+} // namespace varno

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "kit/ThemedText.h"
+#include "reader/WrappingHStack.h"
+
+#include <QStringList>
+
+namespace varno {
+
+/// Topics to go on to, as links in rows.
+class RelatedTopics final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit RelatedTopics(QWidget* parent = nullptr);
+
+    void setTopics(const QStringList& topics);
+
+signals:
+    void topicPressed(const QString& topic);
+
+private:
+    QWidget* makeLink(const QString& topic);
+
+    QStringList m_topics;
+    ThemedText m_heading;
+    WrappingHStack<QString> m_links;
+};
+
+} // namespace varno

@@ -1,0 +1,47 @@
+#include "reader/ResizeDivider.h"
+
+#include "kit/Theme.h"
+
+#include <QMouseEvent>
+#include <QPainter>
+
+namespace varno {
+namespace {
+
+constexpr int lineWidth = 1;
+constexpr int grabWidth = 7;
+
+} // namespace
+
+ResizeDivider::ResizeDivider(QWidget* parent)
+    : QWidget(parent)
+{
+    setFixedWidth(grabWidth);
+    setCursor(Qt::SplitHCursor);
+}
+
+void ResizeDivider::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter(this).fillRect(0, 0, lineWidth, height(), themeColor(palette(), ColorRole::border));
+}
+
+void ResizeDivider::mousePressEvent(QMouseEvent* event)
+{
+    event->setAccepted(event->button() == Qt::LeftButton);
+    if (event->isAccepted())
+        m_pressedAt = event->globalPosition().x();
+}
+
+void ResizeDivider::mouseMoveEvent(QMouseEvent* event)
+{
+    if (event->buttons() & Qt::LeftButton)
+        emit dragged(qRound(event->globalPosition().x() - m_pressedAt));
+}
+
+void ResizeDivider::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() == Qt::LeftButton)
+        emit dragEnded();
+}
+
+} // namespace varno

@@ -1,0 +1,65 @@
+#pragma once
+
+#include "reader/InlineMarkdown.h"
+#include "reader/RowReader.h"
+
+#include <QColor>
+#include <QHash>
+#include <QTextFormat>
+
+namespace varno {
+
+/// What the document's text blocks are told about their rows.
+enum RowProperty {
+    rowBlock = QTextFormat::UserProperty, ///< index of the block that the row belongs to
+    rowEnd,                               ///< a `RowEnd`
+    rowMark,        ///< of a list's item; drawn beside the row, unless `rowMarkLength` is set
+    rowMarkWidth,   ///< of the frame that the mark is drawn in
+    rowMarkCentred, ///< whether it stands in the middle of its frame, or at the end
+    rowMarkLength,  ///< of a mark that is too wide for a frame: it leads the row's own text
+};
+
+/// The figures of the column: fonts, colours and lengths of its rows. A point is a
+/// device-independent pixel.
+class RowFormat {
+public:
+    RowFormat(int fontSize, const QColor& textColor);
+
+    [[nodiscard]] int fontSize() const { return m_fontSize; }
+    [[nodiscard]] const QColor& textColor() const { return m_textColor; }
+    /// The font of paragraphs, which the document's own font has to be.
+    [[nodiscard]] const QFont& font() const { return m_font; }
+    /// The colour of a list's numbers.
+    [[nodiscard]] QColor numberColor() const;
+
+    /// The space above a row, beyond that below the row before it.
+    [[nodiscard]] static double paddingAbove(BlockKind kind);
+
+    /// `previousMargin` is the bottom margin of the row before: of two margins that meet, a
+    /// document keeps the wider one.
+    [[nodiscard]] QTextBlockFormat block(const Row& row, bool rightToLeft,
+                                         double previousMargin) const;
+
+    /// Text of no run: what an empty row is as high as.
+    [[nodiscard]] const QTextCharFormat& plain(BlockKind kind);
+    [[nodiscard]] QTextCharFormat run(BlockKind kind, const InlineRun& run);
+    [[nodiscard]] QTextCharFormat mark(BlockKind kind);
+
+    /// The mark, with a blank, when it is too wide to stand beside its row; empty otherwise.
+    [[nodiscard]] QString leadingMark(const Row& row) const;
+
+private:
+    [[nodiscard]] double markWidth(const Row& row) const;
+    [[nodiscard]] double paddingBelow(const Row& row) const;
+    const QTextCharFormat& styled(BlockKind kind, InlineStyles styles);
+
+    int m_fontSize;
+    QColor m_textColor;
+    QFont m_font;
+    QHash<int, QTextCharFormat> m_formats;
+};
+
+/// Where a link may lead when it is pressed: http, https and mailto.
+[[nodiscard]] bool mayBeOpened(const QString& address);
+
+} // namespace varno

@@ -1,0 +1,178 @@
+#include "reader/RowReader.h"
+
+#include "reader/Characters.h"
+
+namespace varno {
+namespace {
+
+using Within = RowStart::Within;
+
+// Laying out a line takes a time that grows with the square of its longest word. Both limits are
+// far beyond any text that is meant to be read.
+constexpr qsizetype longestRow = 8192;
+constexpr qsizetype longestWord = 1024;
+
+/// Characters of scripts that are written without blanks and wrap anywhere.
+bool isWordByItself(QChar character)
+{
+    const char16_t unit = character.unicode();
+    return (unit >= 0x2E80 && unit < 0xD800) || (unit >= 0xF900 && unit < 0xFB00) ||
+           (unit >= 0xFF00 && unit < 0xFFF0);
+}
+
+qsizetype cutWithinWord(QStringView text, qsizetype wordBegin, qsizetype limit)
+{
+    const qsizetype boundary = characterBoundaryBefore(text, limit);
+    if (boundary > wordBegin)
+        return boundary;
+    return text[limit].isLowSurrogate() ? limit + 1 : limit;
+}
+
+/// How much of a line goes into its first row.
+qsizetype rowLength(QStringView line)
+{
+    qsizetype wordBegin = 0;
+    for (qsizetype position = 0; position < line.size() - 1; ++position) {
+        if (line[position].isSpace() || isWordByItself(line[position])) {
+            if (position >= longestRow)
+                return position;
+            wordBegin = position + 1;
+        } else if (position - wordBegin >= longestWord) {
+            return cutWithinWord(line, wordBegin, position);
+        }
+    }
+    return line.size();
+}
+
+/// What stands from `offset` to the next empty line, or to the end.
+QStringView pieceAt(QStringView text, qsizetype offset)
+{
+    const qsizetype end = text.indexOf(u"\n\n", offset);
+    return text.sliced(offset, (end < 0 ? text.size() : end) - offset);
+}
+
+QStringView takeLine(QStringView& lines)
+{
+    const qsizetype end = lines.indexOf(u'\n');
+    const QStringView line = end < 0 ? lines : lines.first(end);
+    lines = end < 0 ? QStringView() : lines.sliced(end + 1);
+    return line;
+}
+
+QStringView withoutEnd(QStringView text)
+{
+    while (!text.isEmpty() && text.back().isSpace())
+        text.chop(1);
+    return text;
+}
+
+} // namespace
+
+RowReader::RowReader(QStringView text, const RowStart& from)
+    : m_text(text)
+    , m_position(from.offset)
+    , m_start(from)
+{
+    if (from.within == Within::list)
+        resumeInList(from);
+    else if (from.within == Within::line)
+        resumeInLine(from);
+    else
+        --m_start.block;
+}
+
+void RowReader::resumeInList(const RowStart& from)
+{
+    m_lines = pieceAt(m_text, from.offset);
+    m_position = from.offset + m_lines.size();
+    m_lines = withoutEnd(m_lines);
+}
+
+void RowReader::resumeInLine(const RowStart& from)
+{
+    QStringView rest = pieceAt(m_text, from.offset);
+    m_position = from.offset + rest.size();
+    rest = withoutEnd(rest);
+    if (from.kind == BlockKind::paragraph) {
+        m_line = ListItem{.mark = {}, .text = rest};
+        return;
+    }
+    QStringView line = withoutEnd(takeLine(rest));
+    if (isList(from.kind))
+        m_lines = rest;
+    else
+        m_position = offsetOf(line) + line.size();
+    if (from.kind == BlockKind::boldHeader)
+        line.chop(2);
+    m_line = ListItem{.mark = {}, .text = line};
+}
+
+std::optional<Row> RowReader::next()
+{
+    if (!m_line && !openLine() && !openBlock())
+        return std::nullopt;
+    const qsizetype length = rowLength(m_line->text);
+    Row row{.start = m_start, .mark = m_line->mark, .text = m_line->text.first(length)};
+    const QStringView rest = m_line->text.sliced(length).trimmed();
+    if (rest.isEmpty()) {
+        m_line.reset();
+        row.end = openLine() ? RowEnd::item : RowEnd::block;
+    } else {
+        row.end = m_line->text[length].isSpace() ? RowEnd::blank : RowEnd::word;
+        m_line = ListItem{.mark = {}, .text = rest};
+        m_start.offset = offsetOf(rest);
+        m_start.within = Within::line;
+    }
+    return row;
+}
+
+/// Opens the next line of the open list that is an item.
+bool RowReader::openLine()
+{
+    while (!m_lines.isEmpty()) {
+        const bool isFirst = m_start.within == Within::piece && m_start.offset == offsetOf(m_lines);
+        const QStringView line = takeLine(m_lines);
+        m_line = listItem(line, m_start.kind);
+        if (!m_line)
+            continue;
+        if (!isFirst) {
+            m_start.offset = offsetOf(line);
+            m_start.within = Within::list;
+        }
+        return true;
+    }
+    return false;
+}
+
+bool RowReader::openBlock()
+{
+    QStringView block;
+    while (block.isEmpty()) {
+        if (m_position >= m_text.size())
+            return false;
+        const QStringView piece = pieceAt(m_text, m_position);
+        block = piece.trimmed();
+        m_position += piece.size() + (block.isEmpty() ? 2 : 0);
+    }
+    if (const qsizetype heading = headingToSplitOff(block)) {
+        block = block.first(heading);
+        m_position = offsetOf(block) + heading;
+    }
+    m_start = {.offset = offsetOf(block),
+               .block = m_start.block + 1,
+               .kind = blockKind(block),
+               .within = Within::piece};
+    if (isList(m_start.kind)) {
+        m_lines = block;
+        return openLine();
+    }
+    m_line = ListItem{.mark = {}, .text = shownText(block, m_start.kind)};
+    return true;
+}
+
+BlockKind RowReader::kindAt(QStringView text, qsizetype offset)
+{
+    return blockKind(pieceAt(text, offset).trimmed());
+}
+
+} // namespace varno

@@ -1,0 +1,82 @@
+#include "reader/TOCEntry.h"
+
+#include "kit/Layout.h"
+
+#include <QFontMetrics>
+#include <QKeyEvent>
+#include <QPainter>
+
+namespace varno {
+namespace {
+
+constexpr int numberWidth = 22;
+constexpr double markInset = 8; ///< of the mark from both edges of the sidebar
+constexpr double markRadius = 5;
+constexpr double focusRingWidth = 1.5;
+
+const TextStyle numberStyle{.size = 11, .equalDigits = true, .opacity = 0.45};
+const TextStyle nameStyle{.size = 13, .opacity = 0.8};
+const TextStyle activeNameStyle{.size = 13, .weight = QFont::Medium, .role = ColorRole::accent};
+
+} // namespace
+
+TOCEntry::TOCEntry(int number, const QString& section, QWidget* parent)
+    : QAbstractButton(parent)
+    , m_number(QString::number(number), numberStyle)
+    , m_name(section, nameStyle, Overflow::wrap)
+{
+    setLayout(row({.horizontal = 16, .vertical = 6}, {
+        aligned(m_number, Qt::AlignTop),
+        grow(m_name),
+    }));
+    m_number.setFixedSize(numberWidth, QFontMetrics(m_name.font()).height()); // of the first line
+    for (ThemedText* text : {&m_number, &m_name})
+        text->setAttribute(Qt::WA_TransparentForMouseEvents);
+
+    setAttribute(Qt::WA_Hover);
+    setFocusPolicy(Qt::TabFocus);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
+    setAccessibleName(section);
+}
+
+void TOCEntry::setActive(bool active)
+{
+    if (active == m_active)
+        return;
+    m_active = active;
+    m_name.setTextStyle(active ? activeNameStyle : nameStyle);
+    setAccessibleDescription(active ? tr("On show") : QString());
+    update();
+}
+
+void TOCEntry::paintEvent(QPaintEvent* /*event*/)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    const QRectF mark = QRectF(rect()).adjusted(markInset, 0, -markInset, 0);
+    if (m_active || underMouse()) {
+        const double faint = isDown() ? 0.12 : 0.06;
+        painter.setBrush(m_active ? themeColor(palette(), ColorRole::accent, 2 * faint)
+                                  : themeColor(palette(), ColorRole::text, faint));
+        painter.drawRoundedRect(mark, markRadius, markRadius);
+    }
+    if (hasFocus()) {
+        const double half = focusRingWidth / 2;
+        painter.setPen(QPen(themeColor(palette(), ColorRole::accent), focusRingWidth));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawRoundedRect(mark.adjusted(half, half, -half, -half), markRadius, markRadius);
+    }
+}
+
+void TOCEntry::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
+        click();
+    else if (event->key() == Qt::Key_Space)
+        QAbstractButton::keyPressEvent(event);
+    else
+        event->ignore(); // the arrows belong to the list
+}
+
+} // namespace varno

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "kit/ThemedText.h"
+
+#include <QAbstractButton>
+
+namespace varno {
+
+/// An entry of the table of contents: its number, and the name of the section, in as many lines as
+/// it takes. Return and Space press it.
+class TOCEntry final : public QAbstractButton {
+    Q_OBJECT
+
+public:
+    TOCEntry(int number, const QString& section, QWidget* parent = nullptr);
+
+    [[nodiscard]] QString section() const { return m_name.text(); }
+
+    /// Marks the section that is on show.
+    void setActive(bool active);
+    [[nodiscard]] bool isActive() const { return m_active; }
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    bool m_active = false;
+    ThemedText m_number;
+    ThemedText m_name;
+};
+
+} // namespace varno

@@ -1,0 +1,118 @@
+#include "reader/TOCSidebarView.h"
+
+#include "kit/Layout.h"
+#include "reader/TOCEntry.h"
+#include "reader/TabOrder.h"
+#include "reader/ThinScrollBar.h"
+
+#include <QKeyEvent>
+
+#include <algorithm>
+
+namespace varno {
+
+TOCSidebarView::TOCSidebarView(QWidget* parent)
+    : Surface(BottomEdge::plain, parent)
+    , m_heading(tr("CONTENTS"), {.size = 9,
+                                 .weight = QFont::DemiBold,
+                                 .design = FontDesign::serif,
+                                 .tracking = 2,
+                                 .opacity = 0.5})
+{
+    setLayout(column({.vertical = 16}, {
+        row({.horizontal = 16}, {grow(m_heading)}),
+        gap(10),
+        m_placeholders,
+        grow(m_scroll),
+    }));
+    m_list.setLayout(column({}, {stretch()}));
+    m_scroll.setVerticalScrollBar(new ThinScrollBar);
+    m_scroll.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scroll.setFrameShape(QFrame::NoFrame);
+    m_scroll.setFocusPolicy(Qt::NoFocus);
+    m_scroll.setWidgetResizable(true);
+    m_scroll.setWidget(&m_list);
+    m_scroll.viewport()->setAutoFillBackground(false);
+    m_list.setAutoFillBackground(false); // the scroll area switched it on
+    m_scroll.setAccessibleName(tr("Contents"));
+    setAccessibleName(tr("Contents"));
+    setLoading(false);
+}
+
+void TOCSidebarView::setSections(const QStringList& sections)
+{
+    if (sections == m_sections)
+        return;
+    m_sections = sections;
+    for (TOCEntry* old : std::as_const(m_entries)) {
+        old->hide();
+        old->deleteLater(); // it may be calling us
+    }
+    m_entries.clear();
+    for (const QString& section : sections)
+        m_entries.append(addEntry(int(m_entries.size()) + 1, section));
+    setTabOrderAfter(m_list, {m_entries.begin(), m_entries.end()});
+    setTabStop(0);
+}
+
+TOCEntry* TOCSidebarView::addEntry(int number, const QString& section)
+{
+    auto* entry = new TOCEntry(number, section);
+    static_cast<QBoxLayout*>(m_list.layout())->insertWidget(number - 1, entry);
+    entry->installEventFilter(this);
+    connect(entry, &TOCEntry::clicked, this, [this, section] { emit sectionPressed(section); });
+    return entry;
+}
+
+void TOCSidebarView::setLoading(bool loading)
+{
+    if (loading && m_placeholders.isHidden())
+        m_placeholders.start();
+    m_placeholders.setVisible(loading);
+    m_scroll.setVisible(!loading);
+}
+
+void TOCSidebarView::setActiveSection(const std::optional<QString>& section)
+{
+    for (TOCEntry* entry : std::as_const(m_entries))
+        entry->setActive(entry->section() == section);
+}
+
+void TOCSidebarView::setTabStop(qsizetype index)
+{
+    for (qsizetype i = 0; i < m_entries.size(); ++i)
+        m_entries.at(i)->setFocusPolicy(i == index ? Qt::TabFocus : Qt::NoFocus);
+}
+
+bool TOCSidebarView::eventFilter(QObject* watched, QEvent* event)
+{
+    if (event->type() != QEvent::KeyPress)
+        return false;
+    const qsizetype last = m_entries.size() - 1;
+    const qsizetype current = m_entries.indexOf(watched);
+    switch (static_cast<QKeyEvent*>(event)->key()) {
+    case Qt::Key_Up:
+        focusEntry(std::max<qsizetype>(current - 1, 0));
+        return true;
+    case Qt::Key_Down:
+        focusEntry(std::min(current + 1, last));
+        return true;
+    case Qt::Key_Home:
+        focusEntry(0);
+        return true;
+    case Qt::Key_End:
+        focusEntry(last);
+        return true;
+    default:
+        return false;
+    }
+}
+
+void TOCSidebarView::focusEntry(qsizetype index)
+{
+    setTabStop(index);
+    m_entries.at(index)->setFocus(Qt::TabFocusReason);
+    m_scroll.ensureWidgetVisible(m_entries.at(index), 0, 0);
+}
+
+} // namespace varno

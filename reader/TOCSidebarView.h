@@ -1,0 +1,50 @@
+#pragma once
+
+#include "kit/ThemedText.h"
+#include "reader/LoadingPlaceholders.h"
+#include "reader/Surface.h"
+
+#include <QScrollArea>
+#include <QStringList>
+
+#include <optional>
+
+namespace varno {
+
+class TOCEntry;
+
+/// The table of contents beside the page. One entry at a time can be reached by Tab; Up, Down, Home
+/// and End go on to the others.
+class TOCSidebarView final : public Surface {
+    Q_OBJECT
+
+public:
+    explicit TOCSidebarView(QWidget* parent = nullptr);
+
+    void setSections(const QStringList& sections);
+    /// Shows placeholders instead of the sections.
+    void setLoading(bool loading);
+    /// Marks the section that is on show, if one is.
+    void setActiveSection(const std::optional<QString>& section);
+
+signals:
+    void sectionPressed(const QString& section);
+
+protected:
+    bool eventFilter(QObject* watched, QEvent* event) override;
+
+private:
+    TOCEntry* addEntry(int number, const QString& section);
+    void setTabStop(qsizetype index);
+    void focusEntry(qsizetype index);
+
+    QStringList m_sections;
+    QList<TOCEntry*> m_entries;
+
+    ThemedText m_heading;
+    LoadingPlaceholders m_placeholders;
+    QScrollArea m_scroll;
+    QWidget m_list;
+};
+
+} // namespace varno

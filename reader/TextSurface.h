@@ -1,0 +1,52 @@
+#pragma once
+
+#include "reader/RowFormat.h"
+
+#include <QTextBlock>
+#include <QTextBrowser>
+
+namespace varno {
+
+/// Shows a document written by `DocumentWriter`, with the marks of its lists and the highlights,
+/// and lets the reader select, copy and follow links. It does not scroll: whoever shows it gives it
+/// the height of its text.
+class TextSurface final : public QTextBrowser {
+    Q_OBJECT
+
+public:
+    explicit TextSurface(QWidget* parent);
+
+    /// Colours and marks; the document is the writer's to change.
+    void setFormat(const RowFormat& format);
+    void setHighlightText(const QString& text);
+
+    /// The row at that height, or the one nearest to it.
+    [[nodiscard]] QTextBlock rowAt(int y) const;
+    /// Where a row's text stands, without the space around it.
+    [[nodiscard]] QRectF rowRect(const QTextBlock& row) const;
+
+    /// Never anything: no page loads anything, from wherever.
+    QVariant loadResource(int type, const QUrl& name) override;
+
+signals:
+    void selectionDragged(const QPoint& position);
+
+protected:
+    [[nodiscard]] QMimeData* createMimeDataFromSelection() const override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+    void scrollContentsBy(int dx, int dy) override;
+    bool viewportEvent(QEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+
+private:
+    void paintHighlights(QPainter& painter, const QTextBlock& row) const;
+    void paintMark(QPainter& painter, const QTextBlock& row) const;
+    bool showAddress(const QPoint& position, const QPoint& globalPosition);
+
+    RowFormat m_format;
+    QString m_highlightText;
+};
+
+} // namespace varno

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QScrollBar>
+
+namespace varno {
+
+/// A vertical scroll bar that is a thumb in the text colour and nothing else.
+class ThinScrollBar final : public QScrollBar {
+    Q_OBJECT
+
+public:
+    explicit ThinScrollBar(QWidget* parent = nullptr);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+};
+
+} // namespace varno

@@ -1,0 +1,87 @@
+#pragma once
+
+#include <QPoint>
+#include <QWidget>
+
+#include <functional>
+
+namespace varno {
+
+/// The lengths of a strip of rows, in points.
+struct WrappingLengths {
+    int rowHeight = 30;
+    int rowGap = 8;
+    int itemGap = 8;
+};
+
+/// An item of the strip as its arithmetic sees it.
+struct WrappingItem {
+    int width = 0;
+    bool equalsLast = false; ///< the list's last item equals it, as the last one does itself
+};
+
+/// Where each item stands, from the leading edge and from the top. Rows are filled one after the
+/// other; an item that does not fit goes to the next row, the very first one too. An item that
+/// equals the last one is taken for it: what follows starts again at the leading edge of the first
+/// row.
+[[nodiscard]] QList<QPoint> wrappedPositions(const QList<WrappingItem>& items, int available,
+                                             const WrappingLengths& lengths = {});
+
+/// Child widgets in rows, exactly as high as the rows are. A child that can shrink is never wider
+/// than a row.
+class WrappingRows : public QWidget {
+    Q_OBJECT
+
+public:
+    using QWidget::QWidget;
+
+    [[nodiscard]] QSize sizeHint() const override;
+    [[nodiscard]] QSize minimumSizeHint() const override;
+    [[nodiscard]] bool hasHeightForWidth() const override { return true; }
+    [[nodiscard]] int heightForWidth(int width) const override;
+
+protected:
+    struct Child {
+        QWidget* widget = nullptr;
+        bool equalsLast = false;
+    };
+
+    /// Shows these in place of those shown before, and owns them.
+    void setChildren(const QList<Child>& children);
+
+    bool event(QEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    [[nodiscard]] QList<QRect> place(int available) const;
+    void layOut();
+
+    QList<Child> m_children;
+};
+
+/// A strip of a widget for each item, wrapped into rows.
+template <typename Item>
+class WrappingHStack final : public WrappingRows {
+public:
+    using Content = std::function<QWidget*(const Item& item)>;
+
+    /// `content` makes the widget of an item; the strip owns it.
+    explicit WrappingHStack(Content content, QWidget* parent = nullptr)
+        : WrappingRows(parent)
+        , m_content(std::move(content))
+    {
+    }
+
+    void setItems(const QList<Item>& items)
+    {
+        QList<Child> children;
+        for (const Item& item : items)
+            children.append({.widget = m_content(item), .equalsLast = item == items.constLast()});
+        setChildren(children);
+    }
+
+private:
+    Content m_content;
+};
+
+} // namespace varno
