@@ -113,9 +113,11 @@ private:
                                    gpointer user)
     {
         const auto type = g_dbus_message_get_message_type(message);
-        if (isIncoming && type == G_DBUS_MESSAGE_TYPE_METHOD_CALL)
-            static_cast<Prompter*>(user)->onCall(message);
-        return message;
+        if (!isIncoming || type != G_DBUS_MESSAGE_TYPE_METHOD_CALL)
+            return message;
+        static_cast<Prompter*>(user)->onCall(message);
+        g_object_unref(message);
+        return nullptr;
     }
 
     void onCall(GDBusMessage* message)

@@ -53,6 +53,7 @@ private slots:
         QTest::addColumn<QStringList>("value");
         QTest::newRow("empty") << QStringList();
         QTest::newRow("zero") << QStringList{QString(QChar(0)) + u"zero"_s};
+        QTest::newRow("zero in one of two") << QStringList{QString(QChar(0)) + u"zero"_s, u"b"_s};
         QTest::newRow("two empty words") << QStringList{u""_s, u""_s};
         for (const QString& word :
              {u""_s, u"plain"_s, u"  blanks  "_s, u"a, b"_s, u"a;b=c#d"_s, u"\"quoted\" \\n \\"_s,

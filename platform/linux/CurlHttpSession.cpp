@@ -146,22 +146,23 @@ void setUp(CURL* handle, const HttpRequest& request, const HeaderList& headers, 
 CURLcode drive(CURLM* multi, std::chrono::milliseconds timeout, const std::stop_token& stop)
 {
     using Clock = std::chrono::steady_clock;
-    auto deadline = Clock::now() + timeout;
+    Clock::time_point deadline;
+    int active = 1; // sockets that can be read from or written to
     while (!stop.stop_requested()) {
         int running = 0;
         if (curl_multi_perform(multi, &running) != CURLM_OK)
             return CURLE_FAILED_INIT;
+        if (active > 0) // the time that the receiver took is no silence
+            deadline = Clock::now() + timeout;
         int remaining = 0;
         if (const CURLMsg* message = curl_multi_info_read(multi, &remaining))
             return message->data.result; // NOLINT(cppcoreguidelines-pro-type-union-access)
 
         const auto left = std::chrono::ceil<std::chrono::milliseconds>(deadline - Clock::now());
         const auto wait = std::clamp<std::chrono::milliseconds>(left, 0ms, 1h);
-        int active = 0; // sockets that can be read from or written to
+        active = 0;
         curl_multi_poll(multi, nullptr, 0, static_cast<int>(wait.count()), &active);
-        if (active > 0)
-            deadline = Clock::now() + timeout;
-        else if (Clock::now() >= deadline)
+        if (active == 0 && Clock::now() >= deadline)
             return CURLE_OPERATION_TIMEDOUT;
     }
     return CURLE_ABORTED_BY_CALLBACK;

@@ -44,9 +44,14 @@ std::optional<QStringList> SettingsPreferencesStore::stringArray(const QString& 
     const QVariant value = m_settings.value(key);
     if (!value.isValid() && m_settings.contains(key))
         return QStringList();
-    if (value.typeId() != QMetaType::QStringList && value.typeId() != QMetaType::QString)
+    switch (value.typeId()) {
+    case QMetaType::QString:
+    case QMetaType::QStringList:
+    case QMetaType::QVariantList: // with a word that holds U+0000
+        return value.toStringList();
+    default:
         return std::nullopt;
-    return value.toStringList();
+    }
 }
 
 void SettingsPreferencesStore::setBoolean(const QString& key, bool value)
