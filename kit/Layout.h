@@ -8,8 +8,8 @@
 namespace varno {
 
 /// One thing in a row or a column: a widget, a nested row or column, or empty space. A widget that
-/// is less wide than its column, or less high than its row, stands in the middle of it. Between
-/// things there is their `spacing`, beside a `gap` too.
+/// is less wide than its column, or less high than its row, stands in the middle of it. Space that
+/// is left over spreads between the things: end with `stretch()`, or let one of them `grow`.
 ///
 ///     setLayout(column({.spacing = 12}, {
 ///         m_title,
@@ -19,7 +19,7 @@ namespace varno {
 class LayoutItem {
 public:
     LayoutItem(QWidget& widget); // NOLINT(google-explicit-constructor): reads as a list of things
-    LayoutItem(QLayout* layout); // NOLINT(google-explicit-constructor): as above; takes ownership
+    LayoutItem(QLayout* nested); // NOLINT(google-explicit-constructor): as above; takes ownership
 
     void addTo(QBoxLayout& layout) const { m_add(layout); }
 
@@ -37,7 +37,7 @@ private:
 [[nodiscard]] LayoutItem grow(QWidget& widget);
 /// Keeps its own size, at that edge of the space it is given.
 [[nodiscard]] LayoutItem aligned(QWidget& widget, Qt::Alignment alignment);
-/// Empty space of a fixed length.
+/// Empty space of a fixed length, in addition to the spacing.
 [[nodiscard]] LayoutItem gap(int points);
 /// Empty space that takes what is left.
 [[nodiscard]] LayoutItem stretch();

@@ -1,7 +1,7 @@
 #include "kit/PlainButton.h"
 
+#include <QCursor>
 #include <QFocusEvent>
-#include <QHelpEvent>
 #include <QKeyEvent>
 #include <QPainter>
 #include <QToolTip>
@@ -142,7 +142,7 @@ bool PlainButton::event(QEvent* event)
         setAccessibleName(toolTip());
     if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || !shownBlock().isElided())
         return QAbstractButton::event(event);
-    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainToolTip(text()), this);
+    QToolTip::showText(QCursor::pos(), plainToolTip(text()), this);
     return true;
 }
 

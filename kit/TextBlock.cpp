@@ -25,19 +25,29 @@ QString withLineBreaksAs(QChar replacement, QString text)
     return text;
 }
 
+/// How far each digit goes in that font, beside letters of the text's script: fonts may have other
+/// digits for other scripts.
+std::array<double, 10> digitAdvances(const QString& text, QFont font)
+{
+    font.setLetterSpacing(QFont::AbsoluteSpacing, 0);
+    const QFontMetricsF metrics(font);
+    const auto* letter = std::ranges::find_if(text, [](QChar c) { return c.isLetter(); });
+    const QString before = letter == text.end() ? QString() : QString(*letter) + u' ';
+    std::array<double, 10> advances{};
+    for (std::size_t digit = 0; digit < advances.size(); ++digit)
+        advances[digit] =
+            metrics.horizontalAdvance(before + QChar(u'0' + static_cast<char16_t>(digit))) -
+            metrics.horizontalAdvance(before);
+    return advances;
+}
+
 /// Gives every digit the advance of the widest one, by letter spacing: Qt does not reach the
 /// equal-width digits that a font may have.
 QList<QTextLayout::FormatRange> equalDigitFormats(const QString& text, const QFont& font,
                                                   double tracking)
 {
-    QFont untracked = font;
-    untracked.setLetterSpacing(QFont::AbsoluteSpacing, 0);
-    const QFontMetricsF metrics(untracked);
-    std::array<double, 10> advances{};
-    for (std::size_t digit = 0; digit < advances.size(); ++digit)
-        advances[digit] = metrics.horizontalAdvance(QChar(u'0' + static_cast<char16_t>(digit)));
+    const std::array<double, 10> advances = digitAdvances(text, font);
     const double widest = std::ranges::max(advances);
-
     QList<QTextLayout::FormatRange> formats;
     for (int index = 0; index < text.size(); ++index) {
         if (text[index] < u'0' || text[index] > u'9')

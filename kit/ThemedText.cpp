@@ -1,6 +1,7 @@
 #include "kit/ThemedText.h"
 
-#include <QHelpEvent>
+#include <QCursor>
+#include <QEvent>
 #include <QPainter>
 #include <QToolTip>
 
@@ -79,7 +80,7 @@ bool ThemedText::event(QEvent* event)
 {
     if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || !isElided())
         return QLabel::event(event);
-    QToolTip::showText(static_cast<QHelpEvent*>(event)->globalPos(), plainToolTip(text()), this);
+    QToolTip::showText(QCursor::pos(), plainToolTip(text()), this);
     return true;
 }
 

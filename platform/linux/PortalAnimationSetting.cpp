@@ -53,6 +53,7 @@ void PortalAnimationSetting::ask()
     QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected())
         return;
+    qRegisterMetaType<QDBusVariant>(); // a slot with a type that is not registered is not connected
     // From any sender: naming the service would wait for the bus to say who owns that name.
     bus.connect(QString(), path, interface, QStringLiteral("SettingChanged"), this,
                 SLOT(take(QString, QString, QDBusVariant)));

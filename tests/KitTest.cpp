@@ -1,0 +1,505 @@
+#include "kit/Animation.h"
+#include "kit/Layout.h"
+#include "kit/PlainButton.h"
+#include "kit/Rule.h"
+#include "kit/SymbolView.h"
+#include "kit/ThemedText.h"
+#include "platform/fake/FakeAnimationSetting.h"
+#include "platform/linux/PortalAnimationSetting.h"
+
+#include <QApplication>
+#include <QDBusConnection>
+#include <QDBusMetaType>
+#include <QDBusVariant>
+#include <QHelpEvent>
+#include <QImage>
+#include <QPainter>
+#include <QSignalSpy>
+#include <QTest>
+#include <QToolTip>
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+using namespace varno;
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+using Settings = QMap<QString, QVariantMap>;
+
+/// Stands in for the desktop's portal on this session's bus.
+class SettingsPortal : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
+
+public:
+    Settings settings;
+
+public slots:
+    [[nodiscard]] Q_SCRIPTABLE Settings ReadAll(const QStringList& /*namespaces*/) const
+    {
+        return settings;
+    }
+
+signals:
+    Q_SCRIPTABLE void SettingChanged(const QString&, const QString&, const QDBusVariant&);
+};
+
+const auto portalService = u"org.freedesktop.portal.Desktop"_s;
+
+/// A white picture in which `symbol` was drawn in the middle, in a box half as wide.
+QImage pictureOf(Symbol symbol, const QColor& color, double ratio, QFont::Weight weight)
+{
+    constexpr int side = 48;
+    QImage image(QSize(side, side) * ratio, QImage::Format_RGB32);
+    image.setDevicePixelRatio(ratio);
+    image.fill(Qt::white);
+    QPainter painter(&image);
+    drawSymbol(painter, symbol, {12.3, 12.3, 24, 24}, color, weight);
+    return image;
+}
+
+/// Where the picture is not white, in its pixels.
+QRect inkBounds(const QImage& image)
+{
+    QRect bounds;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            if (image.pixel(x, y) != qRgb(255, 255, 255))
+                bounds |= QRect(x, y, 1, 1);
+    return bounds;
+}
+
+int difference(QRgb one, QRgb other)
+{
+    return std::abs(qRed(one) - qRed(other)) + std::abs(qGreen(one) - qGreen(other)) +
+           std::abs(qBlue(one) - qBlue(other));
+}
+
+int pixelsOf(const QImage& image, const QColor& color, int tolerance = 0)
+{
+    int count = 0;
+    for (int y = 0; y < image.height(); ++y)
+        for (int x = 0; x < image.width(); ++x)
+            count += difference(image.pixel(x, y), color.rgb()) <= tolerance ? 1 : 0;
+    return count;
+}
+
+QString toolTipOver(QWidget& widget)
+{
+    QToolTip::hideText();
+    QHelpEvent event(QEvent::ToolTip, {2, 2}, widget.mapToGlobal(QPoint(2, 2)));
+    QApplication::sendEvent(&widget, &event);
+    return QToolTip::text();
+}
+
+void showOf(QWidget& window, QBoxLayout* layout)
+{
+    window.setLayout(layout);
+    window.show();
+    QVERIFY(QTest::qWaitForWindowExposed(&window));
+}
+
+} // namespace
+
+class KitTest : public QObject {
+    Q_OBJECT
+
+private slots:
+    void layoutKeepsItsFigures()
+    {
+        QWidget window;
+        QWidget title;
+        QWidget query;
+        QWidget clear;
+        QWidget note;
+        title.setFixedHeight(20);
+        clear.setFixedSize(22, 10);
+        note.setFixedSize(50, 8);
+        window.setLayout(column({.spacing = 12, .horizontal = 20, .vertical = 7},
+                                {title, row({.spacing = 8}, {grow(query), clear}), gap(4),
+                                 aligned(note, Qt::AlignLeft), stretch()}));
+        window.resize(200, 100);
+        window.show();
+        QCOMPARE(title.geometry(), QRect(20, 7, 160, 20));
+        QCOMPARE(query.geometry(), QRect(20, 39, 130, 10));
+        QCOMPARE(clear.geometry(), QRect(158, 39, 22, 10));
+        QCOMPARE(note.geometry(), QRect(20, 65, 50, 8)); // 12 + 4 below
+    }
+
+    void colorsFollowTheTheme()
+    {
+        QWidget window;
+        setTheme(window, AppTheme::cream);
+        ThemedText text(u"\u2588\u2588"_s, {.size = 40, .role = ColorRole::accent});
+        ThemedText warning(u"\u2588\u2588"_s, {.size = 40, .role = StandardColor::red});
+        SymbolView symbol(Symbol::bookClosedFill, {.size = 40});
+        PlainButton button(Symbol::bookClosedFill, {.symbol = {.size = 40}});
+        Rule rule;
+        showOf(window, column({}, {text, warning, symbol, button, rule}));
+        for (const AppTheme theme : {AppTheme::amber, AppTheme::dark, AppTheme::cream}) {
+            window.setPalette(themePalette(theme));
+            const auto shows = [&](QWidget& widget, ColorRole role) {
+                const RgbColor rgb = color(role, theme);
+                return pixelsOf(window.grab(widget.geometry()).toImage(),
+                                {rgb.red, rgb.green, rgb.blue});
+            };
+            QVERIFY(shows(text, ColorRole::accent) > 100);
+            QVERIFY(shows(symbol, ColorRole::text) > 100);
+            QVERIFY(shows(button, ColorRole::text) > 100);
+            QCOMPARE(shows(rule, ColorRole::border), rule.width());
+            const QColor red = isLight(theme) ? QColor(255, 59, 48) : QColor(255, 69, 58);
+            QVERIFY(pixelsOf(window.grab(warning.geometry()).toImage(), red) > 100);
+        }
+    }
+
+    void overflow_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<Overflow>("overflow");
+        QTest::addColumn<int>("width");
+        QTest::addColumn<int>("lines");
+        QTest::addColumn<bool>("elided");
+        const QString words = u"from the sea <b>to</b> the mountains"_s;
+        const QString word = u"Donaudampfschifffahrtsgesellschaftskapitän"_s;
+        QTest::newRow("fits") << words << Overflow::elide << 500 << 1 << false;
+        QTest::newRow("elided") << words << Overflow::elide << 100 << 1 << true;
+        QTest::newRow("no room") << words << Overflow::elide << 1 << 1 << true;
+        QTest::newRow("right to left")
+            << u"שלום עולם שלום עולם"_s << Overflow::elide << 60 << 1 << true;
+        QTest::newRow("line breaks") << u"a\r\nb\u2029c"_s << Overflow::elide << 500 << 1 << false;
+        QTest::newRow("keeps its width") << words << Overflow::none << 100 << 1 << false;
+        QTest::newRow("wraps") << u"one\r\ntwo\u2028three"_s << Overflow::wrap << 500 << 3 << false;
+        QTest::newRow("wraps a word") << word << Overflow::wrap << 250 << 2 << false;
+        QTest::newRow("empty") << QString() << Overflow::elide << 0 << 1 << false;
+    }
+    void overflow()
+    {
+        QFETCH(QString, text);
+        QFETCH(Overflow, overflow);
+        QFETCH(int, width);
+        const TextStyle style = {.tracking = 2};
+        ThemedText label(text, style, overflow);
+        label.setFixedWidth(width);
+        label.show();
+        const TextBlock oneLine(u"x"_s, style, label.font(), Overflow::none);
+        QTEST(qRound(label.heightForWidth(label.width()) / oneLine.size().height()), "lines");
+        QTEST(label.isElided(), "elided");
+        QCOMPARE(toolTipOver(label), label.isElided() ? plainToolTip(text) : QString());
+
+        const TextBlock block(text, style, label.font(), overflow, width);
+        QVERIFY(overflow == Overflow::none || width < 10 || block.size().width() <= width);
+    }
+
+    void elidedTextUsesItsRoom()
+    {
+        // A text of equal letters ends within two letters of its edge, tracking and all.
+        const TextStyle style = {.size = 12, .tracking = 3};
+        const QFont face = font(style);
+        const QString text(60, u'n');
+        const double letter = QFontMetricsF(face).horizontalAdvance(u'n');
+        const TextBlock block(text, style, face, Overflow::elide, 200);
+        QVERIFY(block.size().width() > 200 - 2 * letter);
+        const TextBlock whole(
+            text, style, face, Overflow::elide,
+            std::ceil(TextBlock(text, style, face, Overflow::none).size().width()));
+        QVERIFY(!whole.isElided());
+    }
+
+    void digitsAreEquallyWide()
+    {
+        TextStyle style = {.size = 30, .tracking = 1, .equalDigits = true};
+        QFont face = font(style);
+        face.setStretch(150);
+        const auto width = [&](const QString& text) {
+            return TextBlock(text, style, face, Overflow::none).size().width();
+        };
+        for (char16_t digit = u'1'; digit <= u'9'; ++digit)
+            QCOMPARE(width(QString(3, digit)), width(u"000"_s));
+    }
+
+    void symbolsStayInTheirBox_data()
+    {
+        QTest::addColumn<double>("ratio");
+        QTest::addColumn<QFont::Weight>("weight");
+        QTest::newRow("1") << 1.0 << QFont::Normal;
+        QTest::newRow("1.5, semibold") << 1.5 << QFont::DemiBold;
+        QTest::newRow("2, bold") << 2.0 << QFont::Bold;
+    }
+    void symbolsStayInTheirBox()
+    {
+        QFETCH(double, ratio);
+        QFETCH(QFont::Weight, weight);
+        const QColor color(200, 30, 90);
+        for (int index = 0; index <= static_cast<int>(Symbol::xmarkCircleFill); ++index) {
+            const QImage image = pictureOf(static_cast<Symbol>(index), color, ratio, weight);
+            const QByteArray which = QByteArray::number(index);
+            const QRect box(QPoint(qRound(12.3 * ratio), qRound(12.3 * ratio)),
+                            QSize(24, 24) * ratio);
+            QVERIFY2(pixelsOf(image, color, 150) > 15 * ratio * ratio, which);
+            QVERIFY2(box.contains(inkBounds(image)), which);
+            // and nothing is cut off at its edge
+            QVERIFY2(box.adjusted(1, 1, -1, -1).contains(inkBounds(image)), which);
+        }
+    }
+
+    void heavierSymbolsHaveThickerLines()
+    {
+        const auto ink = [](QFont::Weight weight) {
+            return pixelsOf(pictureOf(Symbol::xmark, Qt::black, 2, weight), Qt::black);
+        };
+        QVERIFY(ink(QFont::Medium) > ink(QFont::Normal));
+        QVERIFY(ink(QFont::DemiBold) > ink(QFont::Medium));
+    }
+
+    void buttonHasTheSizeOfItsContent_data()
+    {
+        QTest::addColumn<bool>("withText");
+        QTest::addColumn<ButtonStyle>("style");
+        QTest::addColumn<QSize>("around"); // the text
+        const SymbolStyle symbol{.size = 12};
+        QTest::newRow("text and symbol")
+            << true << ButtonStyle{.symbol = symbol, .spacing = 6, .horizontal = 14, .vertical = 7}
+            << QSize(12 + 6 + 28, 14);
+        QTest::newRow("symbol alone")
+            << false << ButtonStyle{.symbol = symbol, .spacing = 6, .horizontal = 3, .vertical = 2}
+            << QSize(18, 16);
+        QTest::newRow("frame") << false << ButtonStyle{.symbol = symbol, .frame = {22, 20}}
+                               << QSize(22, 20);
+    }
+    void buttonHasTheSizeOfItsContent()
+    {
+        QFETCH(bool, withText);
+        QFETCH(ButtonStyle, style);
+        QFETCH(QSize, around);
+        const ThemedText text(u"Full Entry"_s, style.text);
+        const PlainButton button(Symbol::clock, withText ? text.text() : QString(), style);
+        QCOMPARE(button.sizeHint(), withText ? text.sizeHint() + around : around);
+    }
+
+    void buttonIsPressed_data()
+    {
+        QTest::addColumn<Qt::Key>("key");
+        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
+        QTest::addColumn<int>("clicks");
+        const Qt::KeyboardModifiers none = Qt::NoModifier;
+        QTest::newRow("Return") << Qt::Key_Return << none << 1;
+        QTest::newRow("Enter") << Qt::Key_Enter << none << 1;
+        QTest::newRow("Space") << Qt::Key_Space << none << 1;
+        QTest::newRow("letter behind &")
+            << Qt::Key_D << Qt::KeyboardModifiers(Qt::AltModifier) << 0;
+    }
+    void buttonIsPressed()
+    {
+        QFETCH(Qt::Key, key);
+        QFETCH(Qt::KeyboardModifiers, modifiers);
+        QWidget window;
+        PlainButton button(u"R&D"_s);
+        showOf(window, column({}, {button}));
+        QCOMPARE(button.accessibleName(), u"R&D"_s);
+        button.setFocus();
+        QSignalSpy spy(&button, &PlainButton::clicked);
+        QTest::keyClick(&window, key, modifiers);
+        QTest::keyClick(&button, key, modifiers);
+        QTEST(int(spy.size()), "clicks");
+    }
+
+    void ringIsForTheKeyboard()
+    {
+        QWidget window;
+        setTheme(window, AppTheme::cream);
+        PlainButton first(u"One"_s);
+        PlainButton second(u"Two"_s);
+        first.setFocusPolicy(Qt::StrongFocus);
+        showOf(window, column({.horizontal = 10, .vertical = 10}, {first, second}));
+        window.activateWindow();
+        const auto picture = [&] { return window.grab().toImage(); };
+        const QImage plain = picture();
+        first.setFocus(Qt::MouseFocusReason);
+        QVERIFY(first.hasFocus());
+        QCOMPARE(picture(), plain);
+        QTest::keyClick(&first, Qt::Key_Tab);
+        QVERIFY(second.hasFocus());
+        QVERIFY(picture() != plain);
+        QTest::mouseClick(&second, Qt::LeftButton);
+        second.clearFocus();
+        QCOMPARE(picture(), plain);
+    }
+
+    void animationReachesItsEnd()
+    {
+        QWidget widget;
+        widget.show();
+        QList<double> values;
+        Animation animation(
+            widget, [&](double value) { values.append(value); }, m_setting);
+        animation.start({.from = 10, .to = 20, .duration = 60ms});
+        QCOMPARE(values, QList<double>{10});
+        QTRY_VERIFY(!animation.isActive());
+        QCOMPARE(values.last(), 20);
+        QVERIFY(values.size() > 2);
+        QVERIFY(std::ranges::is_sorted(values));
+    }
+
+    void animationRestsWhileHidden_data()
+    {
+        QTest::addColumn<std::function<void(QWidget&)>>("hide");
+        QTest::addColumn<std::function<void(QWidget&)>>("show");
+        using Action = std::function<void(QWidget&)>;
+        QTest::newRow("itself") << Action([](QWidget& widget) { widget.hide(); })
+                                << Action([](QWidget& widget) { widget.show(); });
+        QTest::newRow("ancestor") << Action([](QWidget& widget) { widget.parentWidget()->hide(); })
+                                  << Action([](QWidget& widget) { widget.parentWidget()->show(); });
+        QTest::newRow("window") << Action([](QWidget& widget) { widget.window()->hide(); })
+                                << Action([](QWidget& widget) { widget.window()->show(); });
+        QTest::newRow("minimised")
+            << Action([](QWidget& widget) { widget.window()->showMinimized(); })
+            << Action([](QWidget& widget) { widget.window()->showNormal(); });
+    }
+    void animationRestsWhileHidden()
+    {
+        QFETCH(std::function<void(QWidget&)>, hide);
+        QFETCH(std::function<void(QWidget&)>, show);
+        QWidget window;
+        QWidget parent(&window);
+        QWidget widget(&parent);
+        int calls = 0;
+        Animation animation(
+            widget, [&](double) { ++calls; }, m_setting);
+        animation.start({.duration = 50ms, .repeat = Motion::Repeat::backAndForth});
+        QCOMPARE(calls, 1); // not shown yet
+        QVERIFY(!animation.isMoving());
+        window.show();
+        QTRY_VERIFY(calls > 10);
+        hide(widget);
+        QTRY_VERIFY(!animation.isMoving());
+        QVERIFY(animation.isActive());
+        const int before = calls;
+        QTest::qWait(60); // a mistake would show as calls
+        QCOMPARE(calls, before);
+        show(widget);
+        QTRY_VERIFY(calls > before + 5);
+    }
+
+    void animationHonoursTheDesktop()
+    {
+        FakeAnimationSetting setting;
+        setting.set(false);
+        QWidget widget;
+        widget.show();
+        double value = -1;
+        Animation animation(
+            widget, [&](double now) { value = now; }, setting);
+        animation.start({.from = 3, .to = 4, .duration = 1h});
+        QCOMPARE(value, 4);
+        QVERIFY(!animation.isActive());
+        animation.start({.from = 3, .to = 4, .repeat = Motion::Repeat::backAndForth});
+        QCOMPARE(value, 3);
+        QVERIFY(animation.isActive() && !animation.isMoving());
+        setting.set(true);
+        QTRY_VERIFY(value > 3.2);
+        setting.set(false);
+        QCOMPARE(value, 3);
+        QVERIFY(!animation.isMoving());
+        setting.set(true);
+        animation.start({.from = 3, .to = 4, .duration = 1h});
+        setting.set(false);
+        QCOMPARE(value, 4);
+    }
+
+    void animationEndsWithWhatItMoves_data()
+    {
+        QTest::addColumn<int>("fatalCall");
+        QTest::newRow("from within start") << 1;
+        QTest::newRow("from within a tick") << 3;
+        QTest::newRow("between ticks") << 0;
+    }
+    void animationEndsWithWhatItMoves()
+    {
+        struct Moving : QWidget {
+            std::unique_ptr<Animation> animation;
+        };
+        QFETCH(int, fatalCall);
+        auto widget = std::make_unique<Moving>();
+        widget->show();
+        int calls = 0;
+        const auto apply = [&calls, &widget, fatalCall](double) {
+            if (++calls == fatalCall)
+                widget.reset();
+        };
+        widget->animation = std::make_unique<Animation>(*widget, apply, m_setting);
+        widget->animation->start({.duration = 50ms, .repeat = Motion::Repeat::backAndForth});
+        if (fatalCall == 0) {
+            QTRY_VERIFY(calls > 2);
+            widget.reset();
+        }
+        QTRY_VERIFY(!widget);
+        const int before = calls;
+        QTest::qWait(50); // a mistake would show as calls, or as a use of freed memory
+        QCOMPARE(calls, before);
+    }
+
+    void animationOutlivesItsWidget()
+    {
+        auto widget = std::make_unique<QWidget>();
+        widget->show();
+        int calls = 0;
+        Animation animation(
+            *widget, [&](double) { ++calls; }, m_setting);
+        animation.start({.duration = 1h});
+        widget.reset();
+        QVERIFY(!animation.isActive());
+        animation.start({.duration = 1h});
+        QCOMPARE(calls, 1);
+    }
+
+    void portalTellsOfAnimations_data()
+    {
+        QTest::addColumn<QString>("space");
+        QTest::addColumn<QString>("key");
+        QTest::addColumn<QVariant>("off");
+        QTest::addColumn<QVariant>("on");
+        QTest::newRow("GNOME") << u"org.gnome.desktop.interface"_s << u"enable-animations"_s
+                               << QVariant(false) << QVariant(true);
+        const auto plasma = u"org.kde.kdeglobals.KDE"_s;
+        const auto factor = u"AnimationDurationFactor"_s;
+        QTest::newRow("Plasma") << plasma << factor << QVariant(0.0) << QVariant(0.5);
+        QTest::newRow("Plasma, as text")
+            << plasma << factor << QVariant(u"0"_s) << QVariant(u"1"_s);
+    }
+    void portalTellsOfAnimations()
+    {
+        QFETCH(QString, space);
+        QFETCH(QString, key);
+        QFETCH(QVariant, off);
+        QFETCH(QVariant, on);
+        auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"portal"_s);
+        if (!bus.isConnected())
+            QSKIP("no session bus");
+        qDBusRegisterMetaType<Settings>();
+        SettingsPortal portal;
+        portal.settings = {{space, {{key, off}}}};
+        QVERIFY(bus.registerObject(u"/org/freedesktop/portal/desktop"_s, &portal,
+                                   QDBusConnection::ExportScriptableContents));
+        QVERIFY(bus.registerService(portalService));
+
+        PortalAnimationSetting setting;
+        QSignalSpy spy(&setting, &AnimationSetting::changed);
+        QVERIFY(setting.isEnabled()); // until there is an answer
+        QTRY_COMPARE(spy.size(), 1);
+        QVERIFY(!setting.isEnabled());
+        emit portal.SettingChanged(space, key, QDBusVariant(on));
+        QTRY_COMPARE(spy.size(), 2);
+        QVERIFY(setting.isEnabled());
+        QVERIFY(bus.unregisterService(portalService));
+    }
+
+private:
+    FakeAnimationSetting m_setting;
+};
+
+QTEST_MAIN(KitTest)
+#include "KitTest.moc"
