@@ -16,10 +16,7 @@ BlinkingCursor::BlinkingCursor(QWidget* parent)
     })
 {
     setFixedSize(2, 18);
-    m_blink.start({.from = 1,
-                   .to = 0,
-                   .duration = 500ms,
-                   .repeat = Motion::Repeat::backAndForth});
+    m_blink.start({.from = 1, .to = 0, .duration = 500ms, .repeat = Motion::Repeat::backAndForth});
 }
 
 void BlinkingCursor::paintEvent(QPaintEvent* /*event*/)

@@ -26,12 +26,14 @@ BreadcrumbBar::BreadcrumbBar(QWidget* parent)
     , m_reload(Symbol::arrowClockwise, iconStyle)
     , m_settings(Symbol::gearshape, iconStyle)
 {
-    setLayout(row({.horizontal = 20, .vertical = 10}, {
-        m_search,
-        grow(m_trail),
-        gap(12),
-        row({.spacing = 4}, {m_find, m_reload, m_settings}),
-    }));
+    setLayout(row({.horizontal = 20, .vertical = 10},
+                  {
+                      m_search,
+                      grow(m_trail),
+                      gap(12),
+                      row({.spacing = 4}, {m_find, m_reload, m_settings}),
+                  }));
+    setAccessibleName(tr("Entry bar"));
     m_search.setToolTip(tr("New search (⌘K)"));
     m_find.setToolTip(tr("Find in entry (⌘F)"));
     m_reload.setToolTip(tr("Reload entry"));

@@ -29,13 +29,11 @@ constexpr AppViewModel::Changes everything = AppViewModel::Changes::fromInt(~0U)
 EntryView::EntryView(AppViewModel& viewModel, QWidget* parent)
     : QWidget(parent)
     , m_viewModel(viewModel)
+    , m_pendingChanges(everything)
     , m_find(m_findBar, m_column)
 {
-    setLayout(column({}, {
-        m_breadcrumbBar,
-        m_findBar,
-        row({}, {m_sidebar, m_divider, grow(m_column)}),
-    }));
+    setLayout(
+        column({}, {m_breadcrumbBar, m_findBar, row({}, {m_sidebar, m_divider, grow(m_column)})}));
     setFocusProxy(&m_column);
     m_nextFlush.setSingleShot(true);
     m_nextFlush.setTimerType(Qt::PreciseTimer);
@@ -44,7 +42,6 @@ EntryView::EntryView(AppViewModel& viewModel, QWidget* parent)
     connect(&m_nextFlush, &QTimer::timeout, this, &EntryView::flush);
     connectBars();
     connectPage();
-    m_pendingChanges = everything;
     flush();
 }
 
@@ -59,9 +56,8 @@ void EntryView::connectBars()
             [this] { m_viewModel.setShowingSettings(true); });
 
     connect(&m_findBar, &FindBar::closed, this, [this] { m_viewModel.setShowingFind(false); });
-    connect(&m_findBar, &FindBar::findTextChanged, this, [this](const QString& text) {
-        m_find.setFindText(text, shownText());
-    });
+    connect(&m_findBar, &FindBar::findTextChanged, this,
+            [this](const QString& text) { m_find.setFindText(text, shownText()); });
     auto* find = new QShortcut(this);
     find->setKeys({QKeySequence(Qt::CTRL | Qt::Key_F), QKeySequence(Qt::META | Qt::Key_F)});
     find->setContext(Qt::WidgetWithChildrenShortcut);
@@ -218,7 +214,8 @@ bool EntryView::closesFind(const QKeyEvent& event) const
 bool EntryView::event(QEvent* event)
 {
     // While the find bar is open, Escape is no shortcut of the window.
-    if (event->type() == QEvent::ShortcutOverride && closesFind(*static_cast<QKeyEvent*>(event))) {
+    const auto* key = dynamic_cast<QKeyEvent*>(event);
+    if (key && event->type() == QEvent::ShortcutOverride && closesFind(*key)) {
         event->accept();
         return true;
     }

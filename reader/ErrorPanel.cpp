@@ -16,11 +16,12 @@ ErrorPanel::ErrorPanel(QWidget* parent)
     , m_tryAgain(tr("Try again"), {.text = {.size = 13, .role = ColorRole::accent}})
     , m_newSearch(tr("New search"), {.text = {.size = 13, .opacity = 0.45}})
 {
-    setLayout(column({.spacing = 12}, {
-        aligned(m_symbol, Qt::AlignHCenter),
-        m_message,
-        row({.spacing = 16}, {stretch(), m_tryAgain, m_newSearch, stretch()}),
-    }));
+    setLayout(column({.spacing = 12},
+                     {
+                         aligned(m_symbol, Qt::AlignHCenter),
+                         m_message,
+                         row({.spacing = 16}, {stretch(), m_tryAgain, m_newSearch, stretch()}),
+                     }));
     setMaximumWidth(mostWidth);
 
     m_message.setAlignment(Qt::AlignCenter);

@@ -35,13 +35,14 @@ FindBar::FindBar(QWidget* parent)
     , m_next(Symbol::chevronDown, buttonStyle)
     , m_close(Symbol::xmark, buttonStyle)
 {
-    setLayout(row({.spacing = 10, .horizontal = 20, .vertical = 8}, {
-        m_symbol,
-        grow(m_field),
-        m_counter,
-        row({.spacing = 2}, {m_previous, m_next}),
-        m_close,
-    }));
+    setLayout(row({.spacing = 10, .horizontal = 20, .vertical = 8},
+                  {
+                      m_symbol,
+                      grow(m_field),
+                      m_counter,
+                      row({.spacing = 2}, {m_previous, m_next}),
+                      m_close,
+                  }));
     setAccessibleName(tr("Find in entry"));
 
     makePlain(m_field);

@@ -1,6 +1,7 @@
 #include "reader/ReadingColumn.h"
 
 #include "kit/Layout.h"
+#include "reader/ScrollKeys.h"
 #include "reader/ThinScrollBar.h"
 
 #include <QApplication>
@@ -26,32 +27,6 @@ void fill(QWidget& place, int above, const LayoutItem& item)
     place.setLayout(column({}, {gap(above), item}));
 }
 
-std::optional<QAbstractSlider::SliderAction> scrollAction(const QKeyEvent& event)
-{
-    const bool shift = event.modifiers() == Qt::ShiftModifier;
-    if (event.key() == Qt::Key_Space && shift)
-        return QAbstractSlider::SliderPageStepSub;
-    if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
-        return {};
-    switch (event.key()) {
-    case Qt::Key_Up:
-        return QAbstractSlider::SliderSingleStepSub;
-    case Qt::Key_Down:
-        return QAbstractSlider::SliderSingleStepAdd;
-    case Qt::Key_PageUp:
-        return QAbstractSlider::SliderPageStepSub;
-    case Qt::Key_PageDown:
-    case Qt::Key_Space:
-        return QAbstractSlider::SliderPageStepAdd;
-    case Qt::Key_Home:
-        return QAbstractSlider::SliderToMinimum;
-    case Qt::Key_End:
-        return QAbstractSlider::SliderToMaximum;
-    default:
-        return {};
-    }
-}
-
 } // namespace
 
 ReadingColumn::ReadingColumn(QWidget* parent)
@@ -64,16 +39,9 @@ ReadingColumn::ReadingColumn(QWidget* parent)
     fill(m_streamingRow, aboveStreamingRow, row({.spacing = 8}, {m_cursor, m_status, stretch()}));
     fill(m_fullEntryPlace, aboveFullEntry, aligned(m_fullEntry, Qt::AlignLeading));
     fill(m_relatedTopicsPlace, aboveRelatedTopics, m_relatedTopics);
-    m_page.setLayout(column({.horizontal = 36, .vertical = 28}, {
-        m_header,
-        gap(belowHeader),
-        m_errorPlace,
-        m_text,
-        m_streamingRow,
-        m_fullEntryPlace,
-        m_relatedTopicsPlace,
-        stretch(),
-    }));
+    m_page.setLayout(column({.horizontal = 36, .vertical = 28},
+                            {m_header, gap(belowHeader), m_errorPlace, m_text, m_streamingRow,
+                             m_fullEntryPlace, m_relatedTopicsPlace, stretch()}));
 
     setVerticalScrollBar(new ThinScrollBar);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn); // its coming would break the lines anew
@@ -172,9 +140,8 @@ void ReadingColumn::restore(const Position& position)
     if (!rect.isNull())
         writeViewportBelow(position.block);
     settle();
-    const int line = rect.isNull()
-                         ? 0
-                         : m_text.y() + rect.top() + qRound(position.within * rect.height());
+    const int line =
+        rect.isNull() ? 0 : m_text.y() + rect.top() + qRound(position.within * rect.height());
     verticalScrollBar()->setValue(line + position.distance);
 }
 

@@ -26,8 +26,10 @@ constexpr int numberWidth = 24;
 constexpr int markGap = 10;
 constexpr double numberOpacity = 0.55;
 
-/// A number of a few digits more than its frame takes gets a wider frame. Beyond that it is no
-/// number any more: a paragraph that begins with a year reads as a list whose number is a sentence.
+/// A number that is a little too wide for its frame reaches into the gap. One of more digits gets a
+/// wider frame. Beyond that it is no number any more: a paragraph that begins with a year reads as
+/// a list whose number is a sentence.
+constexpr int widestInFrame = numberWidth + 6;
 constexpr int widestNumber = 3 * numberWidth;
 
 const KindStyle& styleOf(BlockKind kind)
@@ -81,8 +83,8 @@ double RowFormat::markWidth(const Row& row) const
 {
     if (row.start.kind == BlockKind::bulletList)
         return bulletWidth;
-    return std::max<double>(numberWidth,
-                            std::ceil(QFontMetricsF(m_font).horizontalAdvance(row.mark)));
+    const double width = std::ceil(QFontMetricsF(m_font).horizontalAdvance(row.mark));
+    return width <= widestInFrame ? numberWidth : width;
 }
 
 QString RowFormat::leadingMark(const Row& row) const

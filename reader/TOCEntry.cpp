@@ -25,10 +25,8 @@ TOCEntry::TOCEntry(int number, const QString& section, QWidget* parent)
     , m_number(QString::number(number), numberStyle)
     , m_name(section, nameStyle, Overflow::wrap)
 {
-    setLayout(row({.horizontal = 16, .vertical = 6}, {
-        aligned(m_number, Qt::AlignTop),
-        grow(m_name),
-    }));
+    setLayout(
+        row({.horizontal = 16, .vertical = 6}, {aligned(m_number, Qt::AlignTop), grow(m_name)}));
     m_number.setFixedSize(numberWidth, QFontMetrics(m_name.font()).height()); // of the first line
     for (ThemedText* text : {&m_number, &m_name})
         text->setAttribute(Qt::WA_TransparentForMouseEvents);

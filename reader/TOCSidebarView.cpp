@@ -19,13 +19,12 @@ TOCSidebarView::TOCSidebarView(QWidget* parent)
                                  .tracking = 2,
                                  .opacity = 0.5})
 {
-    setLayout(column({.vertical = 16}, {
-        row({.horizontal = 16}, {grow(m_heading)}),
-        gap(10),
-        m_placeholders,
-        grow(m_scroll),
-    }));
-    m_list.setLayout(column({}, {stretch()}));
+    setLayout(column({.vertical = 16}, {row({.horizontal = 16}, {grow(m_heading)}), gap(10),
+                                        m_placeholders, grow(m_scroll)}));
+    m_list.setLayout(&m_column);
+    m_column.setContentsMargins({});
+    m_column.setSpacing(0);
+    m_column.addStretch();
     m_scroll.setVerticalScrollBar(new ThinScrollBar);
     m_scroll.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     m_scroll.setFrameShape(QFrame::NoFrame);
@@ -58,7 +57,7 @@ void TOCSidebarView::setSections(const QStringList& sections)
 TOCEntry* TOCSidebarView::addEntry(int number, const QString& section)
 {
     auto* entry = new TOCEntry(number, section);
-    static_cast<QBoxLayout*>(m_list.layout())->insertWidget(number - 1, entry);
+    m_column.insertWidget(number - 1, entry);
     entry->installEventFilter(this);
     connect(entry, &TOCEntry::clicked, this, [this, section] { emit sectionPressed(section); });
     return entry;
@@ -86,11 +85,12 @@ void TOCSidebarView::setTabStop(qsizetype index)
 
 bool TOCSidebarView::eventFilter(QObject* watched, QEvent* event)
 {
-    if (event->type() != QEvent::KeyPress)
+    const auto* key = dynamic_cast<QKeyEvent*>(event);
+    if (!key || event->type() != QEvent::KeyPress)
         return false;
     const qsizetype last = m_entries.size() - 1;
     const qsizetype current = m_entries.indexOf(watched);
-    switch (static_cast<QKeyEvent*>(event)->key()) {
+    switch (key->key()) {
     case Qt::Key_Up:
         focusEntry(std::max<qsizetype>(current - 1, 0));
         return true;

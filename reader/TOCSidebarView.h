@@ -6,6 +6,7 @@
 
 #include <QScrollArea>
 #include <QStringList>
+#include <QVBoxLayout>
 
 #include <optional>
 
@@ -45,6 +46,7 @@ private:
     LoadingPlaceholders m_placeholders;
     QScrollArea m_scroll;
     QWidget m_list;
+    QVBoxLayout m_column;
 };
 
 } // namespace varno

@@ -124,11 +124,9 @@ void TextSurface::wheelEvent(QWheelEvent* event)
 
 bool TextSurface::viewportEvent(QEvent* event)
 {
-    if (event->type() == QEvent::ToolTip) {
-        const auto* help = static_cast<QHelpEvent*>(event);
-        if (showAddress(help->pos(), help->globalPos()))
-            return true;
-    }
+    const auto* help = dynamic_cast<QHelpEvent*>(event);
+    if (help && event->type() == QEvent::ToolTip && showAddress(help->pos(), help->globalPos()))
+        return true;
     return QTextBrowser::viewportEvent(event);
 }
 
@@ -189,9 +187,9 @@ void TextSurface::paintMark(QPainter& painter, const QTextBlock& row) const
     const bool isRightToLeft = format.rightMargin() > 0;
     const double frameWidth = format.doubleProperty(rowMarkWidth);
     const double markWidth = QFontMetricsF(m_format.font()).horizontalAdvance(mark);
-    const double frameLeft = isRightToLeft ? viewport()->width() - frameWidth : 0;
     const double free = frameWidth - markWidth;
-    const double x = frameLeft + (isCentred ? free / 2 : isRightToLeft ? 0 : free);
+    const double inset = isCentred ? free / 2 : std::max(free, 0.0); // from the column's edge
+    const double x = isRightToLeft ? viewport()->width() - inset - markWidth : inset;
     const QTextLine line = row.layout()->lineAt(0);
     painter.setFont(m_format.font());
     painter.setPen(isCentred ? m_format.textColor() : m_format.numberColor());

@@ -28,8 +28,8 @@ public:
                                             : QProxyStyle::pixelMetric(metric, option, widget);
     }
 
-    QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option,
-                         SubControl part, const QWidget* widget) const override
+    QRect subControlRect(ComplexControl control, const QStyleOptionComplex* option, SubControl part,
+                         const QWidget* widget) const override
     {
         const auto* bar = qstyleoption_cast<const QStyleOptionSlider*>(option);
         if (control != CC_ScrollBar || !bar)
@@ -56,12 +56,11 @@ private:
         const int length = bar.rect.height();
         const int range = bar.maximum - bar.minimum;
         const int whole = range + bar.pageStep;
-        const int thumb =
-            whole > 0 ? std::clamp(int(qint64(length) * bar.pageStep / whole),
-                                   std::min(leastThumb, length), length)
-                      : length;
-        const int top = sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition,
-                                                length - thumb);
+        const int thumb = whole > 0 ? std::clamp(int(qint64(length) * bar.pageStep / whole),
+                                                 std::min(leastThumb, length), length)
+                                    : length;
+        const int top =
+            sliderPositionFromValue(bar.minimum, bar.maximum, bar.sliderPosition, length - thumb);
         return {bar.rect.left(), bar.rect.top() + top, bar.rect.width(), thumb};
     }
 };

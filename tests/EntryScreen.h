@@ -1,0 +1,112 @@
+#pragma once
+
+#include "kit/Theme.h"
+#include "reader/EntryView.h"
+#include "tests/ControllerFixture.h"
+
+#include <QKeyEvent>
+#include <QLabel>
+#include <QLineEdit>
+#include <QScrollBar>
+#include <QVBoxLayout>
+
+#include <algorithm>
+
+namespace varno {
+
+inline constexpr QLatin1StringView article("the history of the roman empire");
+inline constexpr QLatin1StringView relatedTopicsLine("\nSEE_ALSO_JSON: [\"Carthage\", \"Latin\"]");
+
+/// A text much longer than the screen.
+inline QString longText()
+{
+    QString text;
+    for (int i = 0; i < 60; ++i)
+        text += QStringLiteral(
+                    "Paragraph %1 tells of Rome, and is long enough to take several lines of the "
+                    "column, whatever the size of its text may be.\n\n")
+                    .arg(i);
+    return text;
+}
+
+/// The window of the screen, which is told of the keys that nobody wanted.
+class Window : public QWidget {
+public:
+    QList<int> keys;
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override { keys.append(event->key()); }
+};
+
+/// The screen in its window, on a controller of its own.
+struct Screen : ControllerFixture {
+    Screen()
+    {
+        setTheme(window, AppTheme::cream);
+        window.setLayout(new QVBoxLayout);
+        window.layout()->setContentsMargins(0, 0, 0, 0);
+        window.layout()->addWidget(&view);
+        window.resize(700, 500);
+        window.show();
+        view.setFocus();
+        if (!QTest::qWaitForWindowActive(&window))
+            qFatal("the window does not become active");
+    }
+
+    template <typename Widget>
+    [[nodiscard]] Widget& part() const
+    {
+        return *view.findChild<Widget*>();
+    }
+    [[nodiscard]] QRect place(const QWidget& widget) const
+    {
+        return {widget.mapTo(&view, QPoint()), widget.size()};
+    }
+    /// The first button with that text, or else that tool tip, that can be seen.
+    [[nodiscard]] PlainButton* button(const QString& name) const
+    {
+        for (PlainButton* button : view.findChildren<PlainButton*>()) {
+            if (button->isVisible() && (button->text() == name || button->toolTip() == name))
+                return button;
+        }
+        return nullptr;
+    }
+    void press(const QString& name) const
+    {
+        QVERIFY2(button(name), qPrintable(name));
+        QTest::mouseClick(button(name), Qt::LeftButton);
+    }
+    /// Sends a key to whoever has the focus.
+    void key(Qt::Key key, Qt::KeyboardModifiers modifiers = Qt::NoModifier) const
+    {
+        QTest::keyClick(QApplication::focusWidget(), key, modifiers);
+    }
+    [[nodiscard]] bool showsText(const QString& text) const
+    {
+        const QList<QLabel*> labels = view.findChildren<QLabel*>();
+        return std::ranges::any_of(labels, [&](const QLabel* label) {
+            return label->isVisible() && label->text() == text;
+        });
+    }
+    [[nodiscard]] QScrollBar& scrollBar() const
+    {
+        return *part<ReadingColumn>().verticalScrollBar();
+    }
+    [[nodiscard]] qsizetype shownLength() const { return part<ReadingColumn>().textLength(); }
+    /// The block of text at the upper edge.
+    [[nodiscard]] int topBlock() const
+    {
+        const auto& text = part<MarkdownContentView>();
+        return text.blockAt(scrollBar().value() - text.y());
+    }
+    void find(const QString& text)
+    {
+        model->setShowingFind(true);
+        QTest::keyClicks(QApplication::focusWidget(), text);
+    }
+
+    Window window;
+    EntryView view{*model};
+};
+
+} // namespace varno
