@@ -1,18 +1,35 @@
 # Everything a newcomer needs; each target does its own set-up.
 #     make demo QUERY="the history of the roman empire" [MODEL=claude-opus-4-8]
+#     make demo SHOTS=folder      pictures of the window instead, in every state and theme
 #     make test      make lint      make bench      make fuzz [SECONDS=60]
 
 QUERY ?= the history of the roman empire
 MODEL ?=
+SHOTS ?=
 SECONDS ?= 60
 
 .PHONY: demo test lint bench fuzz clean
 
+quoted = '$(subst ','\'',$(1))'
+ifneq ($(SHOTS),)
+demo_needs = build shots
+demo_program = varno-demo-shots
+demo_start = scripts/with-display scripts/with-keyring --display
+demo_arguments = $(call quoted,$(SHOTS))
+else
+demo_needs = build $(demo_window)
+demo_program = varno-demo$(addprefix -,$(demo_window))
+demo_start = scripts/with-keyring $(if $(demo_window),--display)
+demo_arguments = $(call quoted,$(QUERY)) $(MODEL)
+demo_window = $(if $(DISPLAY)$(WAYLAND_DISPLAY),window)
+endif
+
 demo:
-	@scripts/setup build
+	@scripts/setup $(demo_needs)
+	@mkdir -p build
 	@cmake --preset release -DVARNO_BENCH=OFF -DBUILD_TESTING=OFF -B build/demo >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
-	@cmake --build build/demo --target varno-demo >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
-	@scripts/with-keyring build/demo/demo/varno-demo '$(subst ','\'',$(QUERY))' $(MODEL)
+	@cmake --build build/demo --target $(demo_program) >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
+	@$(demo_start) build/demo/demo/$(demo_program) $(demo_arguments)
 
 test:
 	@scripts/setup build

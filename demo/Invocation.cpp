@@ -1,0 +1,57 @@
+#include "demo/Invocation.h"
+
+#include <QFileInfo>
+
+#include <cstdio>
+
+namespace varno {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+/// The model whose identifier contains `name`.
+std::optional<AIModel> modelNamed(const QString& name)
+{
+    for (const auto& known : RawValues<AIModel>::cases) {
+        if (QString(known.raw).contains(name, Qt::CaseInsensitive))
+            return known.value;
+    }
+    return std::nullopt;
+}
+
+QString modelNames()
+{
+    QStringList names;
+    for (const auto& known : RawValues<AIModel>::cases)
+        names.append(known.raw);
+    return names.join(u", "_s);
+}
+
+} // namespace
+
+std::optional<Invocation> readInvocation(const QStringList& arguments, QString& error)
+{
+    if (arguments.size() < 2 || arguments.size() > 3 || arguments.at(1).trimmed().isEmpty()) {
+        const QString program = QFileInfo(arguments.value(0)).fileName();
+        error = u"Usage: %1 QUERY [MODEL]\nModels: %2"_s.arg(program, modelNames());
+        return std::nullopt;
+    }
+    Invocation invocation{.query = arguments.at(1)};
+    if (arguments.size() == 3) {
+        const std::optional<AIModel> model = modelNamed(arguments.at(2));
+        if (!model) {
+            error = u"There is no such model. The models are: %1"_s.arg(modelNames());
+            return std::nullopt;
+        }
+        invocation.model = *model;
+    }
+    return invocation;
+}
+
+int fail(const QString& sentence, int status)
+{
+    std::fprintf(stderr, "%s\n", qUtf8Printable(sentence));
+    return status;
+}
+
+} // namespace varno
