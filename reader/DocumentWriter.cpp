@@ -158,7 +158,7 @@ void DocumentWriter::keepRows(qsizetype count)
     }
     m_rows.resize(count);
     m_blocks.erase(std::lower_bound(m_blocks.begin(), m_blocks.end(), count), m_blocks.end());
-    m_lastRuns.reset();
+    m_last.reset();
 }
 
 void DocumentWriter::writeRow(qsizetype index, const Row& row)
@@ -166,23 +166,23 @@ void DocumentWriter::writeRow(qsizetype index, const Row& row)
     const WrittenRow written{.start = row.start,
                              .textOffset = row.text.data() - m_text.constData(),
                              .textLength = row.text.size()};
-    if (isWritten(index, written)) {
-        placeBlock(index, row, blockOf(index).text().isRightToLeft());
-        if (!m_lastRuns) {
-            m_lastMark = m_format.leadingMark(row);
-            m_lastRuns = inlineRuns(row.text);
-        }
-        return;
-    }
-    QList<InlineRun> runs = inlineRuns(row.text);
-    placeBlock(index, row, isList(row.start.kind) && shownText(runs).isRightToLeft());
-    if (index < m_rows.size())
-        m_rows[index] = written;
-    else
-        m_rows.append(written);
+    const bool isSame = isWritten(index, written);
+    ShownRow shown{.kind = row.start.kind, .end = row.end, .mark = row.mark};
+    shown.runs = isSame && m_last ? m_last->runs : inlineRuns(row.text);
+    shown.rightToLeft = isList(shown.kind) && shownText(shown.runs).isRightToLeft();
+
+    const bool goesOn =
+        index < m_rows.size() && m_last && m_last->kind == shown.kind && m_last->mark == shown.mark;
+    if (!goesOn || m_last->end != shown.end || m_last->rightToLeft != shown.rightToLeft)
+        placeBlock(index, row, shown.rightToLeft);
+    if (!isSame)
+        writeText(index, row, shown.runs, goesOn ? m_last->runs : QList<InlineRun>());
+
+    m_last = std::move(shown);
+    m_rows.resize(std::max(m_rows.size(), index + 1));
+    m_rows[index] = written;
     if (row.start.block == m_blocks.size())
         m_blocks.append(static_cast<int>(index));
-    writeRuns(index, row, std::move(runs));
 }
 
 /// Whether the text block of that index shows the very same row already.
@@ -204,18 +204,14 @@ void DocumentWriter::placeBlock(qsizetype index, const Row& row, bool rightToLef
     if (index > 0 && index >= m_rows.size()) {
         m_cursor.setPosition(m_document.characterCount() - 1);
         m_cursor.insertBlock(format, plain);
-        m_lastMark.clear();
-        m_lastRuns = QList<InlineRun>();
         return;
     }
     const QTextBlock block = blockOf(index);
     m_cursor.setPosition(block.position());
     if (block.blockFormat() != format)
         m_cursor.setBlockFormat(format);
-    if (block.charFormat() != plain) {
+    if (block.charFormat() != plain)
         m_cursor.setBlockCharFormat(plain);
-        m_lastRuns.reset();
-    }
     if (index == 0 && m_document.rootFrame()->frameFormat().topMargin() != format.topMargin()) {
         QTextFrameFormat frame = m_document.rootFrame()->frameFormat();
         frame.setTopMargin(format.topMargin());
@@ -223,25 +219,23 @@ void DocumentWriter::placeBlock(qsizetype index, const Row& row, bool rightToLef
     }
 }
 
-void DocumentWriter::writeRuns(qsizetype index, const Row& row, QList<InlineRun> runs)
+/// Writes a row's text over what it shows already; `old` is empty if that has to go.
+void DocumentWriter::writeText(qsizetype index, const Row& row, const QList<InlineRun>& runs,
+                               const QList<InlineRun>& old)
 {
     const QTextBlock block = blockOf(index);
     const QString mark = m_format.leadingMark(row);
-    qsizetype kept = 0;
-    if (!m_lastRuns || m_lastMark != mark) {
-        m_cursor.setPosition(block.position());
-        m_cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
-        m_cursor.insertText(mark, m_format.mark(row.start.kind));
-        m_usesColor = m_usesColor || !mark.isEmpty();
-    } else {
-        kept = commonLength(*m_lastRuns, runs);
-        m_cursor.setPosition(block.position() + static_cast<int>(mark.size() + kept));
+    const qsizetype kept = commonLength(old, runs);
+    m_cursor.setPosition(block.position() + static_cast<int>(kept > 0 ? mark.size() + kept : 0));
+    if (m_cursor.position() < block.position() + block.length() - 1) {
         m_cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
         m_cursor.removeSelectedText();
     }
+    if (kept == 0 && !mark.isEmpty()) {
+        m_cursor.insertText(mark, m_format.mark(row.start.kind));
+        m_usesColor = true;
+    }
     insertRuns(row.start.kind, runs, kept);
-    m_lastMark = mark;
-    m_lastRuns = std::move(runs);
 }
 
 /// Inserts the runs at the cursor, less the first characters.

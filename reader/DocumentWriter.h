@@ -47,13 +47,23 @@ private:
         qsizetype textLength = 0;
     };
 
+    /// What the last row shows: of what comes instead, only the difference is written.
+    struct ShownRow {
+        BlockKind kind = BlockKind::paragraph;
+        RowEnd end = RowEnd::block;
+        QString mark{};
+        bool rightToLeft = false;
+        QList<InlineRun> runs{};
+    };
+
     [[nodiscard]] qsizetype firstOpenRow() const;
     void keepRows(qsizetype count);
     void takeNote(qsizetype unchanged);
     void writeRow(qsizetype index, const Row& row);
     [[nodiscard]] bool isWritten(qsizetype index, const WrittenRow& row) const;
     void placeBlock(qsizetype index, const Row& row, bool rightToLeft);
-    void writeRuns(qsizetype index, const Row& row, QList<InlineRun> runs);
+    void writeText(qsizetype index, const Row& row, const QList<InlineRun>& runs,
+                   const QList<InlineRun>& old);
     void insertRuns(BlockKind kind, const QList<InlineRun>& runs, qsizetype skipped);
     [[nodiscard]] QTextBlock blockOf(qsizetype index) const;
 
@@ -65,9 +75,8 @@ private:
     qsizetype m_unchanged = 0; ///< how much of the text is as it was when it was last written
     bool m_isComplete = true;
     QList<WrittenRow> m_rows;
-    QList<int> m_blocks;                        ///< the first row of each block
-    QString m_lastMark;                         ///< what leads the text of the last row
-    std::optional<QList<InlineRun>> m_lastRuns; ///< of the last row, where they are known
+    QList<int> m_blocks;            ///< the first row of each block
+    std::optional<ShownRow> m_last; ///< if it is known
 };
 
 } // namespace varno

@@ -123,7 +123,7 @@ QTextBlockFormat RowFormat::block(const Row& row, bool rightToLeft, double previ
 
 const QTextCharFormat& RowFormat::styled(BlockKind kind, InlineStyles styles)
 {
-    const int key = static_cast<int>(kind) * 256 + styles.toInt();
+    const int key = static_cast<int>(kind) * 256 + static_cast<int>(styles.toInt());
     const auto known = m_formats.constFind(key);
     if (known != m_formats.constEnd())
         return *known;

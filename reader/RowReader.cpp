@@ -31,6 +31,8 @@ qsizetype cutWithinWord(QStringView text, qsizetype wordBegin, qsizetype limit)
 /// How much of a line goes into its first row.
 qsizetype rowLength(QStringView line)
 {
+    if (line.size() <= longestWord)
+        return line.size();
     qsizetype wordBegin = 0;
     for (qsizetype position = 0; position < line.size() - 1; ++position) {
         if (line[position].isSpace() || isWordByItself(line[position])) {

@@ -192,6 +192,7 @@ void TextSurface::paintMark(QPainter& painter, const QTextBlock& row) const
     const double x = isRightToLeft ? viewport()->width() - inset - markWidth : inset;
     const QTextLine line = row.layout()->lineAt(0);
     painter.setFont(m_format.font());
+    painter.setLayoutDirection(isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
     painter.setPen(isCentred ? m_format.textColor() : m_format.numberColor());
     painter.drawText(QPointF(x, row.layout()->position().y() + line.y() + line.ascent()), mark);
 }
