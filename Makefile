@@ -2,13 +2,14 @@
 #     make demo QUERY="the history of the roman empire" [MODEL=claude-opus-4-8]
 #     make demo SHOTS=folder      pictures of the window instead, in every state and theme
 #     make test      make lint      make bench      make fuzz [SECONDS=60]
+#     make instructions
 
 QUERY ?= the history of the roman empire
 MODEL ?=
 SHOTS ?=
 SECONDS ?= 60
 
-.PHONY: demo test lint bench fuzz clean
+.PHONY: demo test lint bench instructions fuzz clean
 
 quoted = '$(subst ','\'',$(1))'
 ifneq ($(SHOTS),)
@@ -44,6 +45,10 @@ lint:
 bench:
 	@scripts/setup build bench
 	scripts/bench
+
+instructions:
+	@scripts/setup build bench
+	scripts/instructions
 
 fuzz:
 	@scripts/setup build fuzz

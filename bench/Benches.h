@@ -9,7 +9,10 @@ namespace varno::bench {
 struct EventSamples;
 
 void addEventDecoding(Table& table, const EventSamples& samples);
+void addFinding(Table& table);
 void addHistory(Table& table);
+void addPage(Table& table);
+void addReading(Table& table);
 void addStart(Table& table);
 void addStreaming(Table& table);
 

@@ -8,7 +8,7 @@
 namespace varno::bench {
 namespace {
 
-constexpr const char* columns = "%-52s %14s %14s %8s %9s  %s\n";
+constexpr const char* columns = "%-52s %14s %14s %8s %11s  %s\n";
 
 template <typename... Values>
 std::string format(const char* pattern, Values... values)
@@ -89,21 +89,28 @@ void Table::print(std::ostream& out, const Row& row) const
     const auto reference = figure(row.reference, row.measure);
     const auto ratio =
         ours && reference ? std::optional(*ours / *reference) : std::optional<double>();
+    const std::string wanted = row.wanted    ? boundText(*row.wanted)
+                               : row.longest ? "<= " + timeText(*row.longest)
+                                             : "-";
     std::string verdict;
     if (row.wanted)
         verdict = !ratio ? "not measured" : meets(*row.wanted, *ratio) ? "met" : "not met";
+    else if (row.longest)
+        verdict = !ours ? "not measured" : *ours <= *row.longest ? "met" : "not met";
     out << format(columns, row.name.c_str(), figureText(ours, row.measure).c_str(),
                   figureText(reference, row.measure).c_str(),
-                  ratio ? format("%.3g", *ratio).c_str() : "-",
-                  row.wanted ? boundText(*row.wanted).c_str() : "-", verdict.c_str());
+                  ratio ? format("%.3g", *ratio).c_str() : "-", wanted.c_str(), verdict.c_str());
 }
 
 std::optional<double> Table::figure(const std::string& benchmark, Measure measure) const
 {
-    const auto found = m_medians.find(benchmark);
+    const std::size_t colon = benchmark.find(':');
+    const auto found = m_medians.find(benchmark.substr(0, colon));
     if (found == m_medians.end())
         return std::nullopt;
     const Run& run = found->second;
+    if (colon != std::string::npos)
+        return counter(run, benchmark.c_str() + colon + 1);
     switch (measure) {
     case Measure::time:
         return run.GetAdjustedRealTime() / benchmark::GetTimeUnitMultiplier(run.time_unit);

@@ -25,13 +25,15 @@ struct Bound {
     double ratio;
 };
 
-/// One line of the table. Benchmarks go by their names.
+/// One line of the table. Benchmarks go by their names; "name:counter" is a counter of one, in
+/// seconds.
 struct Row {
     std::string name;
     Measure measure = Measure::time;
     std::string ours;
     std::string reference = {}; ///< empty when there is nothing to compare with
     std::optional<Bound> wanted = {};
+    std::optional<double> longest = {}; ///< what a time should not exceed, in seconds
 };
 
 /// The medians of all repetitions, ours beside the reference, and the usual console output above.

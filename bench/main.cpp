@@ -1,7 +1,7 @@
 #include "bench/Benches.h"
 #include "bench/EventSamples.h"
 
-#include <QCoreApplication>
+#include <QApplication>
 #include <QSysInfo>
 
 #include <fstream>
@@ -57,7 +57,9 @@ void initialise(int argc, char** argv)
 
 int main(int argc, char** argv)
 {
-    const QCoreApplication application(argc, argv);
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+    const QApplication application(argc, argv);
     initialise(argc, argv);
     const EventSamples samples = eventSamples();
     Table table;
@@ -65,6 +67,9 @@ int main(int argc, char** argv)
     addHistory(table);
     addStreaming(table);
     addStart(table);
+    addReading(table);
+    addFinding(table);
+    addPage(table);
     benchmark::RunSpecifiedBenchmarks(&table);
     printMachine(std::cout);
     std::cout << "event lines: " << samples.origin.toStdString() << "\n\n";
