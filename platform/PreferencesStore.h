@@ -15,6 +15,8 @@ class PreferencesStore {
 public:
     virtual ~PreferencesStore() = default;
 
+    /// Whether there is a value, of whatever type.
+    [[nodiscard]] virtual bool contains(const QString& key) const = 0;
     [[nodiscard]] virtual std::optional<bool> boolean(const QString& key) const = 0;
     [[nodiscard]] virtual std::optional<QString> string(const QString& key) const = 0;
     [[nodiscard]] virtual std::optional<QStringList> stringArray(const QString& key) const = 0;
@@ -22,6 +24,7 @@ public:
     virtual void setBoolean(const QString& key, bool value) = 0;
     virtual void setString(const QString& key, const QString& value) = 0;
     virtual void setStringArray(const QString& key, const QStringList& value) = 0;
+    virtual void remove(const QString& key) = 0;
 };
 
 } // namespace varno

@@ -11,6 +11,7 @@ class FakePreferencesStore final : public PreferencesStore {
 public:
     QVariantMap values;
 
+    [[nodiscard]] bool contains(const QString& key) const override { return values.contains(key); }
     [[nodiscard]] std::optional<bool> boolean(const QString& key) const override
     {
         return value<bool>(key);
@@ -30,6 +31,7 @@ public:
     {
         values[key] = value;
     }
+    void remove(const QString& key) override { values.remove(key); }
 
 private:
     template <typename Value>

@@ -19,6 +19,11 @@ QString SettingsPreferencesStore::defaultPath()
            QStringLiteral("/Varno/Varno.conf");
 }
 
+bool SettingsPreferencesStore::contains(const QString& key) const
+{
+    return m_settings.contains(key);
+}
+
 std::optional<bool> SettingsPreferencesStore::boolean(const QString& key) const
 {
     // The file keeps words; Qt would take every word but "false" and "0" for true.
@@ -67,6 +72,14 @@ void SettingsPreferencesStore::setString(const QString& key, const QString& valu
 void SettingsPreferencesStore::setStringArray(const QString& key, const QStringList& value)
 {
     set(key, value);
+}
+
+void SettingsPreferencesStore::remove(const QString& key)
+{
+    if (!m_settings.contains(key))
+        return;
+    m_settings.remove(key);
+    m_settings.sync();
 }
 
 void SettingsPreferencesStore::set(const QString& key, const QVariant& value)

@@ -1,0 +1,105 @@
+#include "platform/linux/TrayStatusItem.h"
+
+#include "platform/Platform.h"
+#include "platform/linux/XConnection.h"
+
+#include <QCoreApplication>
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QTimer>
+
+namespace varno {
+namespace {
+
+const QString hostService = QStringLiteral("org.kde.StatusNotifierWatcher");
+
+bool hasTrayOnX11()
+{
+    xcb_connection_t* connection = xConnection();
+    if (!connection)
+        return false;
+    const XReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection, xcb_get_selection_owner(connection, xAtom("_NET_SYSTEM_TRAY_S0")), nullptr));
+    return reply && reply->owner != XCB_NONE;
+}
+
+} // namespace
+
+TrayStatusItem::TrayStatusItem(const QIcon& icon, const QString& name)
+    : m_image(icon)
+    , m_name(name)
+    , m_watcher(hostService, QDBusConnection::sessionBus(),
+                QDBusServiceWatcher::WatchForRegistration)
+{
+    connect(&m_watcher, &QDBusServiceWatcher::serviceRegistered, this, &TrayStatusItem::create);
+    if (xConnection()) {
+        m_manager = xAtom("MANAGER");
+        QCoreApplication::instance()->installNativeEventFilter(this);
+    }
+    if (hasTrayOnX11())
+        create();
+    else
+        askBus();
+}
+
+TrayStatusItem::~TrayStatusItem()
+{
+    if (QCoreApplication::instance())
+        QCoreApplication::instance()->removeNativeEventFilter(this);
+}
+
+void TrayStatusItem::askBus()
+{
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
+    question << hostService;
+    auto* answer =
+        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        const QDBusPendingReply<bool> reply = *answer;
+        if (reply.isValid() && reply.value())
+            create();
+        answer->deleteLater();
+    });
+}
+
+void TrayStatusItem::create()
+{
+    if (m_icon)
+        return;
+    m_icon = std::make_unique<QSystemTrayIcon>(m_image);
+    m_icon->setToolTip(m_name);
+    // A double click comes as one of these and then as another reason.
+    connect(m_icon.get(), &QSystemTrayIcon::activated, this,
+            [this](QSystemTrayIcon::ActivationReason reason) {
+                if (reason == QSystemTrayIcon::Trigger)
+                    Q_EMIT activated();
+            });
+    m_icon->show();
+}
+
+bool TrayStatusItem::nativeEventFilter(const QByteArray& type, void* message, qintptr*)
+{
+    if (m_icon || type != "xcb_generic_event_t")
+        return false;
+    const auto* event = static_cast<const xcb_generic_event_t*>(message);
+    if ((event->response_type & 0x7F) != XCB_CLIENT_MESSAGE)
+        return false;
+    const auto* announcement = reinterpret_cast<const xcb_client_message_event_t*>(event);
+    if (announcement->type == m_manager)
+        QTimer::singleShot(0, this, [this] {
+            if (hasTrayOnX11())
+                create();
+        });
+    return false;
+}
+
+std::unique_ptr<StatusItem> makeSystemStatusItem(const QIcon& icon, const QString& name)
+{
+    return std::make_unique<TrayStatusItem>(icon, name);
+}
+
+} // namespace varno

@@ -1,0 +1,223 @@
+#include "shortcuts/KeyboardShortcuts.h"
+
+#include "platform/Platform.h"
+#include "shortcuts/ShortcutEvents.h"
+
+#include <QPointer>
+
+#include <algorithm>
+#include <iostream>
+#include <utility>
+
+namespace varno {
+
+KeyboardShortcuts::Name::Name(QString rawValue, std::optional<Shortcut> defaultShortcut,
+                              KeyboardShortcuts& shortcuts)
+    : m_rawValue(std::move(rawValue))
+    , m_defaultShortcut(defaultShortcut)
+{
+    shortcuts.introduce(*this);
+}
+
+KeyboardShortcuts::KeyboardShortcuts(PreferencesStore& preferences, HotKeyEvents& events,
+                                     Keyboard& keyboard)
+    : m_events(events)
+    , m_keyboard(keyboard)
+    , m_store(preferences)
+    , m_center(events)
+{
+    connect(this, &KeyboardShortcuts::recorderActiveStatusDidChange, this, [this](bool active) {
+        m_activeRecorders += active ? 1 : -1;
+        updatePaused();
+    });
+    connect(&keyboard, &Keyboard::layoutChanged, this, &KeyboardShortcuts::descriptionsDidChange);
+}
+
+KeyboardShortcuts::~KeyboardShortcuts() = default;
+
+KeyboardShortcuts& KeyboardShortcuts::shared()
+{
+    static const std::unique_ptr<PreferencesStore> preferences = makeSystemPreferencesStore();
+    static KeyboardShortcuts shortcuts(*preferences, systemHotKeyEvents(), systemKeyboard());
+    return shortcuts;
+}
+
+void KeyboardShortcuts::introduce(const Name& name)
+{
+    m_names.removeAll(name);
+    m_names.append(name);
+    if (name.defaultShortcut() && !m_store.contains(name.rawValue()))
+        setShortcut(name.defaultShortcut(), name);
+}
+
+std::optional<Shortcut> KeyboardShortcuts::getShortcut(const Name& name) const
+{
+    return m_store.read(name.rawValue());
+}
+
+void KeyboardShortcuts::setShortcut(const std::optional<Shortcut>& shortcut, const Name& name)
+{
+    if (shortcut || getShortcut(name))
+        store(shortcut, name, name.defaultShortcut().has_value());
+}
+
+void KeyboardShortcuts::reset(const QList<Name>& names)
+{
+    for (const Name& name : names)
+        store(name.defaultShortcut(), name, false);
+}
+
+void KeyboardShortcuts::resetAll()
+{
+    reset(QList<Name>(m_names));
+}
+
+void KeyboardShortcuts::store(const std::optional<Shortcut>& shortcut, const Name& name,
+                              bool cleared)
+{
+    const std::optional<Shortcut> old = getShortcut(name);
+    if (shortcut)
+        m_store.write(name.rawValue(), *shortcut);
+    else if (cleared)
+        m_store.writeCleared(name.rawValue());
+    else
+        m_store.remove(name.rawValue());
+    if (hasHandler(name.rawValue()))
+        m_live.insert(name.rawValue());
+    update(old);
+    update(shortcut);
+    Q_EMIT shortcutByNameDidChange(name);
+}
+
+void KeyboardShortcuts::onKeyDown(const Name& name, Action action)
+{
+    m_legacyKeyDownHandlers.add(name.rawValue(), std::move(action));
+    setLive(name.rawValue(), true);
+}
+
+void KeyboardShortcuts::onKeyUp(const Name& name, Action action)
+{
+    m_legacyKeyUpHandlers.add(name.rawValue(), std::move(action));
+    setLive(name.rawValue(), true);
+}
+
+std::unique_ptr<ShortcutEvents> KeyboardShortcuts::events(const Name& name)
+{
+    return std::make_unique<ShortcutEvents>(*this, name);
+}
+
+void KeyboardShortcuts::removeHandler(const Name& name)
+{
+    for (HandlerTable* table : {&m_legacyKeyDownHandlers, &m_legacyKeyUpHandlers,
+                                &m_streamKeyDownHandlers, &m_streamKeyUpHandlers})
+        table->removeAll(name.rawValue());
+    handlersRemoved(name.rawValue());
+}
+
+void KeyboardShortcuts::removeAllHandlers()
+{
+    for (const Name& name : QList<Name>(m_names))
+        removeHandler(name);
+}
+
+void KeyboardShortcuts::enable(const QList<Name>& names)
+{
+    for (const Name& name : names)
+        setLive(name.rawValue(), true);
+}
+
+void KeyboardShortcuts::disable(const QList<Name>& names)
+{
+    for (const Name& name : names)
+        setLive(name.rawValue(), false);
+}
+
+bool KeyboardShortcuts::isEnabled(const Name& name) const
+{
+    const std::optional<Shortcut> shortcut = getShortcut(name);
+    return shortcut && m_live.contains(name.rawValue()) && m_registered.contains(*shortcut);
+}
+
+void KeyboardShortcuts::setEnabled(bool enabled)
+{
+    m_isEnabled = enabled;
+    updatePaused();
+}
+
+bool KeyboardShortcuts::isReserved(const Shortcut& shortcut) const
+{
+    return m_events.isReserved(shortcut.carbonKeyCode(), shortcut.carbonModifiers());
+}
+
+bool KeyboardShortcuts::hasHandler(const QString& name) const
+{
+    return m_legacyKeyDownHandlers.contains(name) || m_legacyKeyUpHandlers.contains(name) ||
+           m_streamKeyDownHandlers.contains(name) || m_streamKeyUpHandlers.contains(name);
+}
+
+bool KeyboardShortcuts::isWanted(const Shortcut& shortcut) const
+{
+    return std::any_of(m_live.begin(), m_live.end(),
+                       [&](const QString& name) { return m_store.read(name) == shortcut; });
+}
+
+void KeyboardShortcuts::setLive(const QString& name, bool live)
+{
+    if (live)
+        m_live.insert(name);
+    else
+        m_live.remove(name);
+    update(m_store.read(name));
+}
+
+void KeyboardShortcuts::handlersRemoved(const QString& name)
+{
+    if (!hasHandler(name))
+        setLive(name, false);
+}
+
+void KeyboardShortcuts::update(const std::optional<Shortcut>& shortcut)
+{
+    if (!shortcut)
+        return;
+    const bool wanted = isWanted(*shortcut);
+    if (wanted && !m_registered.contains(*shortcut))
+        registerWithSystem(*shortcut);
+    else if (!wanted && m_registered.remove(*shortcut))
+        m_center.remove(*shortcut);
+}
+
+void KeyboardShortcuts::registerWithSystem(const Shortcut& shortcut)
+{
+    const HotKeyCenter::Callbacks callbacks{
+        .keyDown = [this,
+                    shortcut] { run(shortcut, m_legacyKeyDownHandlers, m_streamKeyDownHandlers); },
+        .keyUp = [this, shortcut] { run(shortcut, m_legacyKeyUpHandlers, m_streamKeyUpHandlers); },
+    };
+    if (m_center.add(shortcut, callbacks))
+        m_registered.insert(shortcut);
+    else
+        std::cerr << "Error registering hotkey " << qPrintable(description(shortcut)) << std::endl;
+}
+
+void KeyboardShortcuts::run(const Shortcut& shortcut, HandlerTable& legacy, HandlerTable& stream)
+{
+    const QPointer<KeyboardShortcuts> alive(this);
+    for (const QString& name : QSet<QString>(m_live)) {
+        if (m_store.read(name) != shortcut)
+            continue;
+        legacy.run(name);
+        if (!alive)
+            return;
+        stream.run(name);
+        if (!alive)
+            return;
+    }
+}
+
+void KeyboardShortcuts::updatePaused()
+{
+    m_center.setPaused(!m_isEnabled || m_activeRecorders > 0);
+}
+
+} // namespace varno

@@ -1,0 +1,127 @@
+#pragma once
+
+#include "shortcuts/HandlerTable.h"
+#include "shortcuts/HotKeyCenter.h"
+#include "shortcuts/ShortcutStore.h"
+
+#include <QList>
+#include <QObject>
+#include <QSet>
+
+namespace varno {
+
+class ShortcutEvents;
+
+/// Keyboard shortcuts that the user assigns to names, and that work whichever program has the
+/// focus. Main thread only.
+///
+/// A name is live from its first handler, or from `enable`, until its last handler goes, or
+/// `disable`. The shortcut of a live name is registered with the system; when the system refuses,
+/// that is said on the console and nowhere else.
+class KeyboardShortcuts : public QObject {
+    Q_OBJECT
+
+public:
+    using Shortcut = varno::Shortcut;
+    using Action = HandlerTable::Action;
+
+    class Name {
+    public:
+        /// Stores the default in `shortcuts` if nothing is stored under the name.
+        explicit Name(QString rawValue, std::optional<Shortcut> defaultShortcut = {},
+                      KeyboardShortcuts& shortcuts = shared());
+
+        [[nodiscard]] const QString& rawValue() const { return m_rawValue; }
+        [[nodiscard]] const std::optional<Shortcut>& defaultShortcut() const
+        {
+            return m_defaultShortcut;
+        }
+
+        friend bool operator==(const Name& one, const Name& other)
+        {
+            return one.m_rawValue == other.m_rawValue;
+        }
+
+    private:
+        QString m_rawValue;
+        std::optional<Shortcut> m_defaultShortcut;
+    };
+
+    /// What it is given outlives it.
+    KeyboardShortcuts(PreferencesStore& preferences, HotKeyEvents& events, Keyboard& keyboard);
+    ~KeyboardShortcuts() override;
+
+    /// The program's own, on the system's backends; made on first use.
+    static KeyboardShortcuts& shared();
+
+    [[nodiscard]] std::optional<Shortcut> getShortcut(const Name& name) const;
+    /// With nothing: clears it, so that not even the default comes back at the next start.
+    void setShortcut(const std::optional<Shortcut>& shortcut, const Name& name);
+    void reset(const QList<Name>& names);
+    /// All names that were ever made for this object.
+    void resetAll();
+
+    void onKeyDown(const Name& name, Action action);
+    void onKeyUp(const Name& name, Action action);
+    /// Announces presses and releases as long as the result lives.
+    [[nodiscard]] std::unique_ptr<ShortcutEvents> events(const Name& name);
+    void removeHandler(const Name& name);
+    void removeAllHandlers();
+
+    void enable(const QList<Name>& names);
+    void disable(const QList<Name>& names);
+    /// Whether its shortcut is registered with the system.
+    [[nodiscard]] bool isEnabled(const Name& name) const;
+
+    /// The switch for all of them. Off, they stay registered and call nothing.
+    [[nodiscard]] bool isEnabled() const { return m_isEnabled; }
+    void setEnabled(bool enabled);
+
+    [[nodiscard]] const Keyboard& keyboard() const { return m_keyboard; }
+    [[nodiscard]] QString description(const Shortcut& shortcut) const
+    {
+        return shortcut.description(m_keyboard);
+    }
+    /// Whether the system or another program has the combination for itself.
+    [[nodiscard]] bool isReserved(const Shortcut& shortcut) const;
+    /// See `HotKeyCenter::lastEventTime`.
+    [[nodiscard]] quint32 lastEventTime() const { return m_center.lastEventTime(); }
+
+Q_SIGNALS:
+    void shortcutByNameDidChange(const varno::KeyboardShortcuts::Name& name);
+    /// Emitted by the recorder: while it is active no handler is called.
+    void recorderActiveStatusDidChange(bool active);
+    /// Shortcuts may be shown by other characters now: the keyboard has another layout.
+    void descriptionsDidChange();
+
+private:
+    friend class ShortcutEvents;
+
+    void introduce(const Name& name);
+    [[nodiscard]] bool hasHandler(const QString& name) const;
+    [[nodiscard]] bool isWanted(const Shortcut& shortcut) const;
+    void setLive(const QString& name, bool live);
+    void handlersRemoved(const QString& name);
+    /// Registers the shortcut or gives it back, as the live names want it.
+    void update(const std::optional<Shortcut>& shortcut);
+    void registerWithSystem(const Shortcut& shortcut);
+    void store(const std::optional<Shortcut>& shortcut, const Name& name, bool cleared);
+    void run(const Shortcut& shortcut, HandlerTable& legacy, HandlerTable& stream);
+    void updatePaused();
+
+    HotKeyEvents& m_events;
+    Keyboard& m_keyboard;
+    ShortcutStore m_store;
+    QList<Name> m_names;
+    HandlerTable m_legacyKeyDownHandlers;
+    HandlerTable m_legacyKeyUpHandlers;
+    HandlerTable m_streamKeyDownHandlers;
+    HandlerTable m_streamKeyUpHandlers;
+    QSet<QString> m_live;
+    QSet<Shortcut> m_registered;
+    int m_activeRecorders = 0;
+    bool m_isEnabled = true;
+    HotKeyCenter m_center;
+};
+
+} // namespace varno

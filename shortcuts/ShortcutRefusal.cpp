@@ -1,0 +1,40 @@
+#include "shortcuts/ShortcutRefusal.h"
+
+#include <algorithm>
+
+namespace varno {
+namespace {
+
+bool isOptionAlone(Modifiers modifiers)
+{
+    constexpr Modifiers compared = Modifier::command | Modifier::control | Modifier::option |
+                                   Modifier::function | Modifier::capsLock;
+    return (modifiers & compared) == Modifier::option;
+}
+
+} // namespace
+
+bool disallowsOptionAlone(const QOperatingSystemVersion& system)
+{
+    return system.type() == QOperatingSystemVersion::MacOS && system.majorVersion() == 15 &&
+           (system.minorVersion() == 0 || system.minorVersion() == 1);
+}
+
+std::optional<ShortcutRefusal> refusalOf(const Shortcut& shortcut,
+                                         const ShortcutSurroundings& surroundings)
+{
+    using Reason = ShortcutRefusal::Reason;
+    const QList<MenuItem>& items = surroundings.menuItems;
+    const auto item = std::find_if(items.begin(), items.end(), [&](const MenuItem& candidate) {
+        return candidate.shortcut == shortcut;
+    });
+    if (item != items.end())
+        return ShortcutRefusal{.reason = Reason::usedByMenuItem, .menuItem = item->title};
+    if (disallowsOptionAlone(surroundings.system) && isOptionAlone(shortcut.modifiers()))
+        return ShortcutRefusal{.reason = Reason::disallowed};
+    if (surroundings.isReserved && surroundings.isReserved(shortcut))
+        return ShortcutRefusal{.reason = Reason::usedBySystem};
+    return std::nullopt;
+}
+
+} // namespace varno

@@ -1,0 +1,73 @@
+#include "shortcuts/ShortcutStore.h"
+
+#include <QJsonDocument>
+#include <QJsonObject>
+
+#include <limits>
+
+namespace varno {
+namespace {
+
+const QString keyCodeMember = QStringLiteral("carbonKeyCode");
+const QString modifiersMember = QStringLiteral("carbonModifiers");
+
+QString preferenceKey(const QString& name)
+{
+    return QStringLiteral("KeyboardShortcuts_") + name;
+}
+
+std::optional<int> integer(const QJsonValue& value)
+{
+    constexpr qint64 none = std::numeric_limits<qint64>::min();
+    const qint64 number = value.toInteger(none); // none for a fraction too
+    if (number < std::numeric_limits<int>::min() || number > std::numeric_limits<int>::max())
+        return std::nullopt;
+    return static_cast<int>(number);
+}
+
+std::optional<Shortcut> decoded(const QString& text)
+{
+    const QJsonObject object = QJsonDocument::fromJson(text.toUtf8()).object();
+    const std::optional<int> keyCode = integer(object.value(keyCodeMember));
+    const std::optional<int> modifiers = integer(object.value(modifiersMember));
+    if (!keyCode || !modifiers)
+        return std::nullopt;
+    return Shortcut(*keyCode, *modifiers);
+}
+
+QString encoded(const Shortcut& shortcut)
+{
+    const QJsonObject object{{keyCodeMember, shortcut.carbonKeyCode()},
+                             {modifiersMember, shortcut.carbonModifiers()}};
+    return QString::fromUtf8(QJsonDocument(object).toJson(QJsonDocument::Compact));
+}
+
+} // namespace
+
+bool ShortcutStore::contains(const QString& name) const
+{
+    return m_preferences.contains(preferenceKey(name));
+}
+
+std::optional<Shortcut> ShortcutStore::read(const QString& name) const
+{
+    const std::optional<QString> text = m_preferences.string(preferenceKey(name));
+    return text ? decoded(*text) : std::nullopt;
+}
+
+void ShortcutStore::write(const QString& name, const Shortcut& shortcut)
+{
+    m_preferences.setString(preferenceKey(name), encoded(shortcut));
+}
+
+void ShortcutStore::writeCleared(const QString& name)
+{
+    m_preferences.setBoolean(preferenceKey(name), false);
+}
+
+void ShortcutStore::remove(const QString& name)
+{
+    m_preferences.remove(preferenceKey(name));
+}
+
+} // namespace varno
