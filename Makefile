@@ -1,6 +1,7 @@
 # Everything a newcomer needs; each target does its own set-up.
 #     make demo QUERY="the history of the roman empire" [MODEL=claude-opus-4-8]
 #     make demo SHOTS=folder      pictures of the window instead, in every state and theme
+#     make run                    the application itself, with your own keys
 #     make test      make lint      make bench      make fuzz [SECONDS=60]
 #     make instructions
 
@@ -9,7 +10,7 @@ MODEL ?=
 SHOTS ?=
 SECONDS ?= 60
 
-.PHONY: demo test lint bench instructions fuzz clean
+.PHONY: demo run test lint bench instructions fuzz clean
 
 quoted = '$(subst ','\'',$(1))'
 ifneq ($(SHOTS),)
@@ -32,14 +33,21 @@ demo:
 	@cmake --build build/demo --target $(demo_program) >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
 	@$(demo_start) build/demo/demo/$(demo_program) $(demo_arguments)
 
-test:
+run:
 	@scripts/setup build
+	@mkdir -p build
+	@cmake --preset release -DVARNO_BENCH=OFF -DBUILD_TESTING=OFF -B build/demo >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
+	@cmake --build build/demo --target varno >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
+	@build/demo/app/varno
+
+test:
+	@scripts/setup build test
 	cmake --preset dev
 	cmake --build --preset dev
 	ctest --preset dev
 
 lint:
-	@scripts/setup build lint
+	@scripts/setup build test lint
 	scripts/lint
 
 bench:

@@ -83,11 +83,12 @@ QColor themeColor(const QPalette& palette, ColorRole role, double opacity)
 
 QColor standardColor(const QPalette& palette, StandardColor color, double opacity)
 {
-    constexpr std::array<std::array<QRgb, 2>, 4> colors = {{
+    constexpr std::array<std::array<QRgb, 2>, 5> colors = {{
         // light    dark
         {0xFFCC00, 0xFFD60A}, // yellow
         {0xFF3B30, 0xFF453A}, // red
         {0xFF9500, 0xFF9F0A}, // orange
+        {0x34C759, 0x30D158}, // green
         {0x000000, 0xFFFFFF}, // primary
     }};
     return withOpacity(QColor(colors[static_cast<std::size_t>(color)][isDark(palette) ? 1 : 0]),

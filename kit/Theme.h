@@ -23,6 +23,7 @@ enum class StandardColor {
     yellow,
     red,
     orange,
+    green,
     primary, ///< black on a light theme, white on a dark one
 };
 

@@ -1,0 +1,220 @@
+#include "app/APIKeyRow.h"
+
+#include "kit/Layout.h"
+
+#include <QEvent>
+
+namespace varno {
+
+using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
+
+namespace {
+
+const TextStyle helpStyle{.size = 11, .opacity = 0.45};
+
+/// The help text and its link, which shows the address without its scheme. A link takes no colour
+/// from the palette of its place.
+QString helpText(const APIKeyDescription& description, const QColor& linkColor)
+{
+    const QString address = description.page.toString();
+    const QString shown = description.page.toString(QUrl::RemoveScheme).remove(0, 2);
+    return u"%1<a href=\"%2\" style=\"color: %3; text-decoration: none\">%4</a>."_s.arg(
+        description.help.toHtmlEscaped(), address.toHtmlEscaped(), linkColor.name(),
+        shown.toHtmlEscaped());
+}
+
+} // namespace
+
+APIKeyDescription anthropicKey(const KeychainService& keychain)
+{
+    return {.account = keychain.anthropicAccount,
+            .fieldName = APIKeyRow::tr("Anthropic API key"),
+            .help = APIKeyRow::tr("Varno doesn't include an API key — you supply your own, and "
+                                  "Anthropic bills your account for what you use. Create a key "
+                                  "at "),
+            .page = QUrl(u"https://console.anthropic.com/settings/keys"_s)};
+}
+
+APIKeyDescription geminiKey(const KeychainService& keychain)
+{
+    return {.account = keychain.geminiAccount,
+            .fieldName = APIKeyRow::tr("Gemini API key"),
+            .help = APIKeyRow::tr("Required only for Gemini models. Varno doesn't include a key — "
+                                  "supply your own from "),
+            .page = QUrl(u"https://aistudio.google.com/apikey"_s)};
+}
+
+APIKeyRow::APIKeyRow(const APIKeyDescription& description, KeychainTasks& keys, QWidget* parent)
+    : QWidget(parent)
+    , m_description(description)
+    , m_keys(keys)
+    , m_save(tr("Save Key"), {.text = {.size = 13, .role = ColorRole::accent},
+                              .horizontal = 12,
+                              .vertical = 5,
+                              .radius = 6,
+                              .outline = Ink{.role = ColorRole::accent}})
+    , m_remove(tr("Remove Key"), {.text = {.size = 13}})
+    , m_savedSymbol(Symbol::checkmarkCircleFill, {.size = 11})
+    , m_savedText(tr("Saved"), {.size = 11})
+    , m_stored(tr("A key is stored in your Keychain. Click Show to reveal it."),
+               {.size = 11, .role = StandardColor::green, .opacity = 0.8})
+{
+    m_saved.setLayout(row({.spacing = 4}, {m_savedSymbol, m_savedText}));
+    setLayout(
+        column({.spacing = 8}, {
+                                   m_key,
+                                   row({.spacing = 10}, {m_save, m_remove, m_saved, stretch()}),
+                                   m_stored,
+                                   m_help,
+                               }));
+    m_key.setAccessibleName(description.fieldName);
+    m_saved.hide();
+    m_savedTimer.setSingleShot(true);
+    m_savedTimer.setInterval(2s);
+    m_help.setFont(varno::font(helpStyle));
+    m_help.setWordWrap(true);
+    m_help.setTextInteractionFlags(Qt::LinksAccessibleByMouse | Qt::LinksAccessibleByKeyboard);
+    m_help.setOpenExternalLinks(true);
+    takeColors();
+    showState();
+    connectParts();
+}
+
+void APIKeyRow::connectParts()
+{
+    connect(&m_key, &KeyField::textChanged, this, &APIKeyRow::showState);
+    connect(&m_key, &KeyField::revealPressed, this, &APIKeyRow::toggleRevealed);
+    connect(&m_key, &KeyField::returnPressed, this, &APIKeyRow::save);
+    connect(&m_save, &PlainButton::clicked, this, &APIKeyRow::save);
+    connect(&m_remove, &PlainButton::clicked, this, &APIKeyRow::remove);
+    connect(&m_savedTimer, &QTimer::timeout, &m_saved, &QWidget::hide);
+}
+
+void APIKeyRow::refresh()
+{
+    const int question = ++m_presenceQuestion;
+    m_keys.askPresence(m_description.account, this, [this, question](KeyPresence presence) {
+        if (question == m_presenceQuestion)
+            setPresence(presence);
+    });
+}
+
+void APIKeyRow::forget()
+{
+    stopLoading();
+    m_key.forget();
+    m_saved.hide();
+    showState();
+}
+
+void APIKeyRow::toggleRevealed()
+{
+    if (m_loading || m_key.isRevealed()) {
+        stopLoading(); // the user may be asked for a password, and think better of it
+        m_key.forget();
+        showState();
+        return;
+    }
+    m_loading.emplace();
+    m_keys.load(m_description.account, m_loading->get_token(), this,
+                [this, mine = m_loading->get_token()](const std::optional<QString>& key) {
+                    if (!mine.stop_requested())
+                        reveal(key);
+                });
+}
+
+void APIKeyRow::reveal(const std::optional<QString>& storedKey)
+{
+    m_loading.reset();
+    if (storedKey)
+        m_key.setText(*storedKey);
+    m_key.setRevealed(true);
+    showState();
+}
+
+void APIKeyRow::stopLoading()
+{
+    if (m_loading)
+        m_loading->request_stop();
+    m_loading.reset();
+}
+
+void APIKeyRow::save()
+{
+    const QString key = m_key.text().trimmed();
+    if (key.isEmpty() || m_changing)
+        return;
+    stopLoading();
+    setChanging(true);
+    m_keys.save(key, m_description.account, this, [this](KeyPresence presence) {
+        endChange(presence);
+        if (presence != KeyPresence::present)
+            return; // the user may try again with what is still in the field
+        m_key.forget();
+        showSaved();
+    });
+}
+
+void APIKeyRow::remove()
+{
+    forget();
+    setChanging(true);
+    m_keys.remove(m_description.account, this,
+                  [this](KeyPresence presence) { endChange(presence); });
+}
+
+void APIKeyRow::endChange(KeyPresence presence)
+{
+    setChanging(false);
+    setPresence(presence);
+}
+
+void APIKeyRow::setPresence(KeyPresence presence)
+{
+    m_presence = presence;
+    showState();
+    emit presenceChanged(presence);
+}
+
+void APIKeyRow::setChanging(bool changing)
+{
+    ++m_presenceQuestion; // what was asked before tells of another time
+    m_changing = changing;
+    m_key.setUsable(!changing);
+    showState();
+}
+
+void APIKeyRow::showSaved()
+{
+    if (!isVisible())
+        return;
+    m_saved.show();
+    m_savedTimer.start();
+}
+
+void APIKeyRow::showState()
+{
+    const bool present = m_presence == KeyPresence::present;
+    m_save.setEnabled(!m_changing && !m_key.text().isEmpty());
+    m_remove.setEnabled(!m_changing);
+    m_remove.setVisible(present);
+    m_stored.setVisible(present && !m_key.isRevealed());
+}
+
+void APIKeyRow::takeColors()
+{
+    QPalette help = palette();
+    help.setColor(QPalette::WindowText, themeColor(help, ColorRole::text, helpStyle.opacity));
+    m_help.setPalette(help);
+    m_help.setText(helpText(m_description, themeColor(help, ColorRole::accent)));
+}
+
+void APIKeyRow::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        takeColors();
+}
+
+} // namespace varno

@@ -1,0 +1,81 @@
+#include "app/AppDelegate.h"
+
+#include "platform/Platform.h"
+
+#include <QIcon>
+#include <QPainter>
+
+#include <utility>
+
+namespace varno {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+QColor qColor(ColorRole role)
+{
+    const RgbColor rgb = color(role, AppTheme::cream);
+    return {rgb.red, rgb.green, rgb.blue};
+}
+
+/// The closed book on a ground of its own, since nobody tells whether the status area is dark.
+QIcon statusImage()
+{
+    QIcon icon;
+    for (const int side : {16, 22, 24, 32, 48, 64}) {
+        QPixmap image(side, side);
+        image.fill(Qt::transparent);
+        QPainter painter(&image);
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(Qt::NoPen);
+        painter.setBrush(qColor(ColorRole::accent));
+        const QRectF ground(0, 0, side, side);
+        painter.drawRoundedRect(ground, side * 0.2, side * 0.2);
+        const double margin = side * 0.14;
+        drawSymbol(painter, Symbol::bookClosedFill,
+                   ground.adjusted(margin, margin, -margin, -margin),
+                   qColor(ColorRole::background));
+        painter.end();
+        icon.addPixmap(image);
+    }
+    return icon;
+}
+
+} // namespace
+
+AppDelegate::AppDelegate(const AppViewModel::Dependencies& dependencies,
+                         const KeychainService& keychain, PanelShortcut shortcut)
+    : m_viewModel(dependencies)
+    , m_keys(keychain)
+    , m_shortcut(std::move(shortcut))
+{
+}
+
+void AppDelegate::applicationDidFinishLaunching()
+{
+    setupStatusItem();
+}
+
+void AppDelegate::setupStatusItem()
+{
+    m_statusItem = makeSystemStatusItem(statusImage(), u"Varno"_s);
+    connect(m_statusItem.get(), &StatusItem::activated, this, [this] { toggleWindow(); });
+}
+
+void AppDelegate::showWindow(quint32 time)
+{
+    if (!m_panel)
+        m_panel = std::make_unique<VarnoPanel>(m_viewModel, m_keys, m_shortcut);
+    m_panel->present(time);
+}
+
+void AppDelegate::toggleWindow(quint32 time)
+{
+    if (m_panel && m_panel->isVisible())
+        m_panel->hide();
+    else
+        showWindow(time);
+}
+
+} // namespace varno

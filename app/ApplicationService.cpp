@@ -1,0 +1,68 @@
+#include "app/ApplicationService.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+
+namespace varno {
+
+using namespace Qt::StringLiterals;
+
+namespace {
+
+const QString busName = QStringLiteral("com.kelbrin.varno");
+const QString objectPath = QStringLiteral("/com/kelbrin/varno");
+const QString interface = QStringLiteral("org.freedesktop.Application");
+const QString toggleAction = QStringLiteral("toggle");
+constexpr int patience = 5000; // milliseconds
+
+} // namespace
+
+ApplicationService::ApplicationService(QObject* parent)
+    : QObject(parent)
+{
+    new ApplicationAdaptor(*this);
+}
+
+ApplicationService::Claim ApplicationService::claim()
+{
+    QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected())
+        return Claim::mine;
+    // First the object: whoever sees the name may call at once.
+    bus.registerObject(objectPath, this);
+    return bus.registerService(busName) ? Claim::mine : toggleTheOther();
+}
+
+ApplicationService::Claim ApplicationService::toggleTheOther()
+{
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(busName, objectPath, interface, u"ActivateAction"_s);
+    call << toggleAction << QVariantList() << QVariantMap();
+    const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, patience);
+    return reply.type() == QDBusMessage::ReplyMessage ? Claim::toggled : Claim::silent;
+}
+
+ApplicationAdaptor::ApplicationAdaptor(ApplicationService& service)
+    : QDBusAbstractAdaptor(&service)
+    , m_service(service)
+{
+}
+
+void ApplicationAdaptor::Activate(const QVariantMap& /*platformData*/)
+{
+    emit m_service.showRequested();
+}
+
+void ApplicationAdaptor::Open(const QStringList& /*uris*/, const QVariantMap& platformData)
+{
+    Activate(platformData); // there is nothing to open
+}
+
+void ApplicationAdaptor::ActivateAction(const QString& name, const QVariantList& /*parameter*/,
+                                        const QVariantMap& /*platformData*/)
+{
+    if (name == toggleAction)
+        emit m_service.toggleRequested();
+}
+
+} // namespace varno

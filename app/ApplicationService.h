@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QDBusAbstractAdaptor>
+#include <QObject>
+#include <QStringList>
+#include <QVariantMap>
+
+namespace varno {
+
+/// The program on the session bus, where there is one of it at most.
+class ApplicationService final : public QObject {
+    Q_OBJECT
+
+public:
+    enum class Claim {
+        mine,    ///< this is the first one, or there is no bus to ask on
+        toggled, ///< another one runs, and has been asked to show or hide its panel
+        silent,  ///< another one runs, and does not answer
+    };
+
+    explicit ApplicationService(QObject* parent = nullptr);
+
+    /// Waits for the bus, and for the other program five seconds at most.
+    [[nodiscard]] Claim claim();
+
+signals:
+    void showRequested();
+    void toggleRequested();
+
+private:
+    [[nodiscard]] static Claim toggleTheOther();
+};
+
+/// The interface by which desktops start programs.
+class ApplicationAdaptor final : public QDBusAbstractAdaptor {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Application")
+
+public:
+    explicit ApplicationAdaptor(ApplicationService& service);
+
+public slots:
+    void Activate(const QVariantMap& platformData);
+    void Open(const QStringList& uris, const QVariantMap& platformData);
+    void ActivateAction(const QString& name, const QVariantList& parameter,
+                        const QVariantMap& platformData);
+
+private:
+    ApplicationService& m_service;
+};
+
+} // namespace varno

@@ -1,0 +1,56 @@
+#pragma once
+
+#include "app/InAppSettingsView.h"
+#include "app/ScreenTransition.h"
+#include "app/SearchView.h"
+#include "reader/EntryView.h"
+
+namespace varno {
+
+/// What the panel's screens need to know of the shortcut that opens it.
+struct PanelShortcut {
+    std::function<QString()> label;         ///< as it is shown; empty when there is none
+    std::function<QWidget*()> makeRecorder; ///< the caller owns it
+};
+
+/// The root of the panel: shows the one screen that is due, and answers the keys that work on all
+/// of them. Its size is never that of its content.
+class ContentView final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The view model and the key tasks outlive the view.
+    ContentView(AppViewModel& viewModel, KeychainTasks& keys, const PanelShortcut& shortcut,
+                QWidget* parent = nullptr);
+
+signals:
+    /// Escape, where there is nothing left to go back from.
+    void hideRequested();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void bindKeys();
+    void bind(const QList<QKeySequence>& keys, void (ContentView::*action)());
+    void escape();
+    void goBack() { m_viewModel.goBack(); }
+    void newSearch() { m_viewModel.newSearch(); }
+    void toggleSettings() { m_viewModel.setShowingSettings(!m_viewModel.isShowingSettings()); }
+
+    void takeNote(varno::AppViewModel::Changes what);
+    [[nodiscard]] QWidget& dueScreen();
+    void goTo(QWidget& next);
+
+    AppViewModel& m_viewModel;
+    KeychainTasks& m_keys;
+    PanelShortcut m_shortcut;
+
+    SearchView* m_search;
+    EntryView* m_entry = nullptr;            ///< made when it is due first
+    InAppSettingsView* m_settings = nullptr; ///< likewise
+    QWidget* m_shown;
+    ScreenTransition* m_transition;
+};
+
+} // namespace varno

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "core/Appearance.h"
+#include "kit/PlainButton.h"
+#include "kit/Rule.h"
+
+#include <array>
+
+namespace varno {
+
+/// The sizes of text side by side, of which one is chosen.
+class FontSizeControl final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit FontSizeControl(QWidget* parent = nullptr);
+
+    void setFontSize(FontSize size);
+
+signals:
+    void fontSizePressed(varno::FontSize size);
+
+protected:
+    void paintEvent(QPaintEvent* event) override;
+
+private:
+    std::array<PlainButton, 3> m_segments;
+    std::array<Rule, 2> m_dividers;
+};
+
+} // namespace varno

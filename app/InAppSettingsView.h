@@ -1,0 +1,70 @@
+#pragma once
+
+#include "app/APIKeyRow.h"
+#include "app/FontSizeControl.h"
+#include "app/ModelList.h"
+#include "app/Switch.h"
+#include "app/ThemeMenuButton.h"
+#include "core/AppViewModel.h"
+#include "kit/PlainButton.h"
+#include "kit/Rule.h"
+#include "kit/ThemedText.h"
+
+#include <QScrollArea>
+
+namespace varno {
+
+/// The screen with the user's keys and preferences. Every choice takes effect at once.
+class InAppSettingsView final : public QWidget {
+    Q_OBJECT
+
+public:
+    /// The view model and the key tasks outlive the view, which takes over the recorder of the
+    /// shortcut that opens the panel.
+    InAppSettingsView(AppViewModel& viewModel, KeychainTasks& keys, QWidget* shortcutRecorder,
+                      QWidget* parent = nullptr);
+
+    /// Drops every key that was typed or revealed: for the moment when the screen is left.
+    void forgetKeys();
+
+protected:
+    void showEvent(QShowEvent* event) override;
+
+private:
+    [[nodiscard]] QWidget* sections();
+    [[nodiscard]] QLayout* shortcutRow();
+    [[nodiscard]] QLayout* appearanceRows();
+    [[nodiscard]] QLayout* contentRows();
+    [[nodiscard]] QLayout* aboutRows();
+    void connectParts();
+    void takeNote(AppViewModel::Changes what);
+    void showPreferences();
+
+    AppViewModel& m_viewModel;
+
+    ThemedText m_title;
+    PlainButton m_done;
+    Rule m_rule;
+    QScrollArea m_scrollArea;
+
+    APIKeyRow m_anthropicKey;
+    APIKeyRow m_geminiKey;
+    ThemedText m_noKeyStore;
+    ThemedText m_shortcutTitle;
+    ThemedText m_shortcutHelp;
+    QWidget* m_shortcutRecorder;
+    ThemedText m_fontSizeTitle;
+    FontSizeControl m_fontSize;
+    ThemedText m_themeTitle;
+    ThemeMenuButton m_theme;
+    ModelList m_models;
+    ThemedText m_webSearchTitle;
+    ThemedText m_webSearchHelp;
+    Switch m_webSearch;
+    ThemedText m_modelTitle;
+    ThemedText m_model;
+    ThemedText m_versionTitle;
+    ThemedText m_version;
+};
+
+} // namespace varno

@@ -1,0 +1,58 @@
+#include "app/KeyField.h"
+
+namespace varno {
+namespace {
+
+constexpr Qt::InputMethodHints secretHints =
+    Qt::ImhSensitiveData | Qt::ImhNoPredictiveText | Qt::ImhNoAutoUppercase;
+
+} // namespace
+
+KeyField::KeyField(QWidget* parent)
+    : QLineEdit(parent)
+    , m_reveal(tr("Show"),
+               {.text = {.size = 12, .role = ColorRole::accent}, .horizontal = 10, .vertical = 5},
+               this)
+{
+    setFont(varno::font({.size = 13}));
+    setMinimumHeight(m_reveal.sizeHint().height() + 4);
+    m_reveal.setCursor(Qt::ArrowCursor);
+    setRevealed(false);
+    connect(&m_reveal, &PlainButton::clicked, this, &KeyField::revealPressed);
+}
+
+void KeyField::setRevealed(bool revealed)
+{
+    setEchoMode(revealed ? Normal : Password);
+    setInputMethodHints(inputMethodHints() | secretHints);
+    m_reveal.setText(revealed ? tr("Hide") : tr("Show"));
+    placeButton();
+}
+
+void KeyField::forget()
+{
+    setText({}); // `clear` could be undone
+    setRevealed(false);
+}
+
+void KeyField::setUsable(bool usable)
+{
+    setReadOnly(!usable);
+    m_reveal.setEnabled(usable);
+}
+
+void KeyField::resizeEvent(QResizeEvent* event)
+{
+    QLineEdit::resizeEvent(event);
+    placeButton();
+}
+
+void KeyField::placeButton()
+{
+    const QSize size = m_reveal.sizeHint();
+    m_reveal.setGeometry(
+        QRect(QPoint(width() - size.width() - 2, (height() - size.height()) / 2), size));
+    setTextMargins(4, 0, size.width(), 0);
+}
+
+} // namespace varno

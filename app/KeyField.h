@@ -1,0 +1,35 @@
+#pragma once
+
+#include "kit/PlainButton.h"
+
+#include <QLineEdit>
+
+namespace varno {
+
+/// A field for a secret, masked until it is revealed, with the button that does so over its end.
+/// Nothing that was in it can be brought back by undoing once it is `forget`ed.
+class KeyField final : public QLineEdit {
+    Q_OBJECT
+
+public:
+    explicit KeyField(QWidget* parent = nullptr);
+
+    [[nodiscard]] bool isRevealed() const { return echoMode() == Normal; }
+    void setRevealed(bool revealed);
+    void forget();
+    /// Whether the secret can be typed and the button be pressed.
+    void setUsable(bool usable);
+
+signals:
+    void revealPressed();
+
+protected:
+    void resizeEvent(QResizeEvent* event) override;
+
+private:
+    void placeButton();
+
+    PlainButton m_reveal;
+};
+
+} // namespace varno

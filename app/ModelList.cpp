@@ -1,0 +1,78 @@
+#include "app/ModelList.h"
+
+#include "app/RowButton.h"
+#include "kit/Layout.h"
+#include "kit/ThemedText.h"
+
+#include <QPainter>
+
+namespace varno {
+
+class ModelList::Row final : public RowButton {
+public:
+    explicit Row(AIModel rowModel)
+        : RowButton(details(rowModel).displayName)
+        , model(rowModel)
+        , m_name(details(rowModel).displayName)
+        , m_description(details(rowModel).description)
+    {
+        setContent(
+            column({.spacing = 2, .horizontal = 10, .vertical = 6}, {m_name, m_description}));
+        setAccessibleDescription(details(rowModel).description);
+        setFocusPolicy(Qt::NoFocus);
+        setCheckable(true);
+        setAutoExclusive(true);
+        setSelected(false);
+    }
+
+    void setSelected(bool selected)
+    {
+        const ColorRole role = selected ? ColorRole::accent : ColorRole::text;
+        setChecked(selected);
+        m_name.setTextStyle({.size = 12, .role = role});
+        m_description.setTextStyle({.size = 10, .role = role, .opacity = selected ? 0.7 : 0.4});
+    }
+
+    const AIModel model;
+
+protected:
+    void paintEvent(QPaintEvent* event) override
+    {
+        if (isChecked()) {
+            QPainter painter(this);
+            painter.setRenderHint(QPainter::Antialiasing);
+            painter.setPen(Qt::NoPen);
+            painter.setBrush(themeColor(palette(), ColorRole::accent, 0.1));
+            painter.drawRoundedRect(rect(), 6, 6);
+        } else {
+            RowButton::paintEvent(event);
+        }
+    }
+
+private:
+    ThemedText m_name;
+    ThemedText m_description;
+};
+
+ModelList::ModelList(QWidget* parent)
+    : QWidget(parent)
+{
+    QBoxLayout* rows = column({.spacing = 2}, {});
+    for (const auto& [model, rawValue] : RawValues<AIModel>::cases) {
+        auto* row = new Row(model);
+        rows->addWidget(row);
+        m_rows.append(row);
+        connect(row, &RowButton::clicked, this,
+                [this, pressed = model] { emit modelPressed(pressed); });
+    }
+    setLayout(rows);
+    setAccessibleName(tr("Model"));
+}
+
+void ModelList::setModel(AIModel model)
+{
+    for (Row* row : m_rows)
+        row->setSelected(row->model == model);
+}
+
+} // namespace varno

@@ -1,0 +1,27 @@
+#pragma once
+
+#include "core/AIModel.h"
+
+#include <QList>
+#include <QWidget>
+
+namespace varno {
+
+/// The models on offer, of which one is chosen.
+class ModelList final : public QWidget {
+    Q_OBJECT
+
+public:
+    explicit ModelList(QWidget* parent = nullptr);
+
+    void setModel(AIModel model);
+
+signals:
+    void modelPressed(varno::AIModel model);
+
+private:
+    class Row;
+    QList<Row*> m_rows;
+};
+
+} // namespace varno

@@ -1,0 +1,58 @@
+#include "app/RowButton.h"
+
+#include "kit/Theme.h"
+
+#include <QKeyEvent>
+#include <QLayout>
+#include <QPainter>
+
+namespace varno {
+
+RowButton::RowButton(const QString& name, QWidget* parent)
+    : QAbstractButton(parent)
+{
+    setAttribute(Qt::WA_Hover);
+    setAccessibleName(name);
+    setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
+}
+
+void RowButton::setContent(QLayout* content)
+{
+    setLayout(content);
+    for (QWidget* part : findChildren<QWidget*>())
+        part->setAttribute(Qt::WA_TransparentForMouseEvents);
+}
+
+QSize RowButton::sizeHint() const
+{
+    return layout()->sizeHint();
+}
+
+QSize RowButton::minimumSizeHint() const
+{
+    return layout()->minimumSize();
+}
+
+void RowButton::keyPressEvent(QKeyEvent* event)
+{
+    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+        QAbstractButton::keyPressEvent(event);
+        return;
+    }
+    event->accept();
+    if (!event->isAutoRepeat())
+        click();
+}
+
+void RowButton::paintEvent(QPaintEvent*)
+{
+    if (!isEnabled() || !(underMouse() || isDown() || hasFocus()))
+        return;
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    painter.setPen(Qt::NoPen);
+    painter.setBrush(themeColor(palette(), ColorRole::text, isDown() ? 0.12 : 0.06));
+    painter.drawRoundedRect(rect(), 4, 4);
+}
+
+} // namespace varno

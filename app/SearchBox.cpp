@@ -1,0 +1,124 @@
+#include "app/SearchBox.h"
+
+#include "kit/Layout.h"
+
+#include <QEvent>
+#include <QPainter>
+
+#include <cmath>
+#include <numbers>
+
+namespace varno {
+namespace {
+
+constexpr double radius = 8; // of the corners
+
+constexpr double shadowOpacity = 0.08;
+constexpr double shadowRadius = 6;
+constexpr double shadowOffset = 2;
+static_assert(shadowRadius + shadowOffset < SearchBox::shadowRoom);
+
+/// What is left of a shadow at a distance from the edge of what casts it.
+double shadowStrength(double distance)
+{
+    constexpr double deviation = shadowRadius / 2;
+    return std::erfc(distance / (deviation * std::numbers::sqrt2)) / 2;
+}
+
+} // namespace
+
+SearchBox::SearchBox(QWidget* parent)
+    : QWidget(parent)
+    , m_symbol(Symbol::magnifyingGlass, {.size = 15, .opacity = 0.45})
+    , m_clear(Symbol::xmarkCircleFill, {.symbol = {.size = 15, .opacity = 0.3}})
+{
+    setLayout(row({.spacing = 12, .horizontal = 20 + shadowRoom, .vertical = 14 + shadowRoom},
+                  {
+                      m_symbol,
+                      grow(m_field),
+                      m_clear,
+                  }));
+    setFocusProxy(&m_field);
+
+    m_field.setFrame(false);
+    m_field.setPlaceholderText(tr("Search anything…"));
+    m_field.setAccessibleName(tr("Search"));
+    m_field.installEventFilter(this);
+    m_clear.setAccessibleName(tr("Clear the search"));
+    m_clear.hide();
+    takeColors();
+
+    connect(&m_field, &QLineEdit::textChanged, this, [this](const QString& query) {
+        m_clear.setVisible(!query.isEmpty());
+        emit queryChanged(query);
+    });
+    connect(&m_field, &QLineEdit::returnPressed, this, &SearchBox::submitted);
+    connect(&m_clear, &PlainButton::clicked, this, [this] {
+        m_field.clear();
+        m_field.setFocus();
+    });
+}
+
+void SearchBox::setTextSize(int size)
+{
+    m_field.setFont(varno::font({.size = static_cast<double>(size)}));
+    m_field.setFixedHeight(m_field.fontMetrics().height() + 2);
+}
+
+QSize SearchBox::sizeHint() const
+{
+    return {mostWidth + 2 * shadowRoom, layout()->sizeHint().height()};
+}
+
+void SearchBox::takeColors()
+{
+    QPalette colors = palette();
+    colors.setBrush(QPalette::Base, Qt::NoBrush);
+    colors.setColor(QPalette::PlaceholderText, themeColor(palette(), ColorRole::text, 0.38));
+    m_field.setPalette(colors);
+}
+
+void SearchBox::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    if (event->type() == QEvent::PaletteChange)
+        takeColors();
+}
+
+bool SearchBox::eventFilter(QObject* object, QEvent* event)
+{
+    if (event->type() == QEvent::FocusIn || event->type() == QEvent::FocusOut)
+        update();
+    return QWidget::eventFilter(object, event);
+}
+
+void SearchBox::paintEvent(QPaintEvent*)
+{
+    QPainter painter(this);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF frame =
+        QRectF(rect()).marginsRemoved({shadowRoom, shadowRoom, shadowRoom, shadowRoom});
+    paintShadow(painter, frame);
+    const bool focused = m_field.hasFocus();
+    const double width = focused ? 1.5 : 1;
+    painter.setPen(
+        QPen(themeColor(palette(), focused ? ColorRole::accent : ColorRole::border), width));
+    painter.setBrush(themeColor(palette(), ColorRole::background));
+    const double half = width / 2;
+    painter.drawRoundedRect(frame.adjusted(half, half, -half, -half), radius - half, radius - half);
+}
+
+/// Line around line, each as pale as the shadow is there.
+void SearchBox::paintShadow(QPainter& painter, const QRectF& frame) const
+{
+    const QRectF shadow = frame.translated(0, shadowOffset);
+    painter.setBrush(Qt::NoBrush);
+    for (double distance = 0.5 - shadowOffset; distance < shadowRadius; ++distance) {
+        painter.setPen(
+            QPen(QColor::fromRgbF(0, 0, 0, float(shadowOpacity * shadowStrength(distance))), 1));
+        painter.drawRoundedRect(shadow.adjusted(-distance, -distance, distance, distance),
+                                radius + distance, radius + distance);
+    }
+}
+
+} // namespace varno

@@ -1,0 +1,134 @@
+#include "app/SearchView.h"
+
+#include "kit/Layout.h"
+#include "reader/ThinScrollBar.h"
+
+#include <utility>
+
+namespace varno {
+
+using namespace Qt::StringLiterals;
+
+SearchView::SearchView(AppViewModel& viewModel, KeychainTasks& keys,
+                       std::function<QString()> shortcutLabel, QWidget* parent)
+    : QWidget(parent)
+    , m_viewModel(viewModel)
+    , m_keys(keys)
+    , m_shortcutLabel(std::move(shortcutLabel))
+    , m_title(tr("VARNO"), {.size = 42, .weight = QFont::Light, .tracking = 8})
+    , m_subtitle(tr("An AI Encyclopedia"), {.size = 13, .tracking = 2, .opacity = 0.55})
+    , m_warningSymbol(Symbol::exclamationmarkTriangle, {.size = 11, .role = StandardColor::orange})
+    , m_warningText(tr("Add your Anthropic API key in Settings to get started."),
+                    {.size = 12, .role = StandardColor::orange})
+    , m_bottomBarText({}, {.size = 11, .opacity = 0.35})
+    , m_settings(Symbol::gearshape, {.symbol = {.size = 13, .opacity = 0.45}})
+{
+    m_scrollArea.setWidget(page());
+    m_scrollArea.setWidgetResizable(true);
+    m_scrollArea.setFrameShape(QFrame::NoFrame);
+    m_scrollArea.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    m_scrollArea.setVerticalScrollBar(new ThinScrollBar);
+    m_scrollArea.setFocusPolicy(Qt::NoFocus);
+    setLayout(column({}, {
+                             grow(m_scrollArea),
+                             row({.horizontal = 24}, {m_bottomBarText, stretch(), m_settings}),
+                             gap(16),
+                         }));
+    setFocusProxy(&m_box);
+    m_settings.setToolTip(tr("Settings"));
+    m_settings.setFocusPolicy(Qt::NoFocus);
+    m_warning.hide();
+    m_box.setTextSize(pointSize(viewModel.fontSize()));
+    showRecentSearches();
+    connectParts();
+}
+
+QWidget* SearchView::page()
+{
+    // Both of these stand 16 points below what is there above them; the box has its own room below.
+    constexpr int above = 16 - SearchBox::shadowRoom;
+    m_warning.setLayout(row({.spacing = 6}, {m_warningSymbol, m_warningText}));
+    m_warning.layout()->setContentsMargins(0, above, 0, SearchBox::shadowRoom);
+    m_recentSearches.layout()->setContentsMargins(0, above, 0, 0);
+    auto* page = new QWidget;
+    page->setLayout(column({}, {
+                                   stretch(),
+                                   aligned(m_title, Qt::AlignHCenter),
+                                   gap(8),
+                                   aligned(m_subtitle, Qt::AlignHCenter),
+                                   gap(40 - SearchBox::shadowRoom),
+                                   aligned(m_box, Qt::AlignHCenter),
+                                   aligned(m_warning, Qt::AlignHCenter),
+                                   aligned(m_recentSearches, Qt::AlignHCenter),
+                                   stretch(),
+                               }));
+    return page;
+}
+
+void SearchView::connectParts()
+{
+    connect(&m_viewModel, &AppViewModel::changed, this, &SearchView::takeNote);
+    connect(&m_box, &SearchBox::queryChanged, this, &SearchView::showRecentSearches);
+    connect(&m_box, &SearchBox::submitted, this, &SearchView::submit);
+    connect(&m_recentSearches, &RecentSearches::searchPressed, this, &SearchView::searchAgain);
+    connect(&m_recentSearches, &RecentSearches::clear, &m_viewModel, &AppViewModel::clearHistory);
+    connect(&m_settings, &PlainButton::clicked, this,
+            [this] { m_viewModel.setShowingSettings(true); });
+}
+
+void SearchView::submit()
+{
+    const QString query = m_box.query().trimmed();
+    if (!query.isEmpty())
+        m_viewModel.search(query);
+}
+
+void SearchView::searchAgain(const QString& search)
+{
+    m_box.setQuery(search);
+    submit();
+}
+
+void SearchView::takeNote(AppViewModel::Changes what)
+{
+    using Change = AppViewModel::Change;
+    // Not before it is back: the words stay while the screen fades.
+    if (what.testFlag(Change::isShowingEntry) && !m_viewModel.isShowingEntry())
+        m_box.setQuery({});
+    if (what.testFlag(Change::searchHistory))
+        showRecentSearches();
+    if (what.testFlag(Change::fontSize))
+        m_box.setTextSize(pointSize(m_viewModel.fontSize()));
+}
+
+void SearchView::showRecentSearches()
+{
+    m_recentSearches.setSearches(m_viewModel.searchHistory());
+    m_recentSearches.setVisible(m_box.query().isEmpty() && !m_viewModel.searchHistory().isEmpty());
+}
+
+void SearchView::showShortcut()
+{
+    QStringList hints = {tr("⌘K  New search")};
+    const QString label = m_shortcutLabel();
+    if (!label.isEmpty())
+        hints.append(label + tr("  Open from anywhere"));
+    m_bottomBarText.setText(hints.join(u"    "_s));
+}
+
+void SearchView::askForKey()
+{
+    m_keys.askPresence(m_keys.keychain().anthropicAccount, this, [this](KeyPresence presence) {
+        m_warning.setVisible(presence != KeyPresence::present);
+    });
+}
+
+void SearchView::showEvent(QShowEvent* event)
+{
+    QWidget::showEvent(event);
+    showShortcut();
+    askForKey();
+    m_box.setFocus();
+}
+
+} // namespace varno

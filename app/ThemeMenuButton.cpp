@@ -1,0 +1,62 @@
+#include "app/ThemeMenuButton.h"
+
+#include "kit/Layout.h"
+
+#include <QMenu>
+
+namespace varno {
+namespace {
+
+QString name(AppTheme theme)
+{
+    switch (theme) {
+    case AppTheme::cream:
+        return ThemeMenuButton::tr("Cream (Classic)");
+    case AppTheme::amber:
+        return ThemeMenuButton::tr("Warm Amber");
+    case AppTheme::dark:
+        break;
+    }
+    return ThemeMenuButton::tr("Dark Parchment");
+}
+
+} // namespace
+
+ThemeMenuButton::ThemeMenuButton(QWidget* parent)
+    : RowButton({}, parent)
+    , m_name(name(m_theme), {.size = 13})
+    , m_symbol(Symbol::chevronUpChevronDown, {.size = 10, .opacity = 0.55})
+{
+    setContent(row({.spacing = 6}, {m_name, m_symbol}));
+    setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
+    setFocusPolicy(Qt::TabFocus);
+    setTheme(m_theme);
+    connect(this, &RowButton::pressed, this, &ThemeMenuButton::openMenu);
+}
+
+void ThemeMenuButton::setTheme(AppTheme theme)
+{
+    m_theme = theme;
+    m_name.setText(name(theme));
+    setAccessibleName(tr("Theme: %1").arg(name(theme)));
+    updateGeometry();
+}
+
+void ThemeMenuButton::openMenu()
+{
+    auto* menu = new QMenu(this);
+    menu->setAttribute(Qt::WA_DeleteOnClose);
+    menu->setPalette(palette());
+    menu->setFont(m_name.font());
+    for (const auto& [theme, rawValue] : RawValues<AppTheme>::cases) {
+        QAction* item = menu->addAction(name(theme));
+        item->setCheckable(true);
+        item->setChecked(theme == m_theme);
+        connect(item, &QAction::triggered, this,
+                [this, chosen = theme] { emit themeChosen(chosen); });
+    }
+    connect(menu, &QMenu::aboutToHide, this, [this] { setDown(false); });
+    menu->popup(mapToGlobal(QPoint(0, height())));
+}
+
+} // namespace varno

@@ -1,0 +1,30 @@
+#pragma once
+
+#include "app/RowButton.h"
+#include "core/Appearance.h"
+#include "kit/SymbolView.h"
+#include "kit/ThemedText.h"
+
+namespace varno {
+
+/// The name of the theme, which opens the menu of all of them.
+class ThemeMenuButton final : public RowButton {
+    Q_OBJECT
+
+public:
+    explicit ThemeMenuButton(QWidget* parent = nullptr);
+
+    void setTheme(AppTheme theme);
+
+signals:
+    void themeChosen(varno::AppTheme theme);
+
+private:
+    void openMenu();
+
+    AppTheme m_theme = AppTheme::cream;
+    ThemedText m_name;
+    SymbolView m_symbol;
+};
+
+} // namespace varno
