@@ -2,7 +2,6 @@
 
 #include "app/AppDelegate.h"
 #include "app/ApplicationService.h"
-#include "platform/CarbonModifiers.h"
 #include "platform/CoreDumps.h"
 #include "platform/Platform.h"
 #include "platform/TerminationSignals.h"
@@ -32,10 +31,8 @@ int fail(const char* sentence)
 /// Command and F.
 const KeyboardShortcuts::Name& openVarno()
 {
-    using namespace carbonModifier;
-    constexpr int keyCodeOfF = 3;
     static const KeyboardShortcuts::Name name(
-        u"openVarno"_s, KeyboardShortcuts::Shortcut(keyCodeOfF, option | command));
+        u"openVarno"_s, KeyboardShortcuts::Shortcut(Key::f, Modifier::option | Modifier::command));
     return name;
 }
 

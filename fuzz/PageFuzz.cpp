@@ -70,8 +70,11 @@ void checkRows(QStringView text)
         const Row& row = rows[index];
         const bool begins = row.start.block == shown.size();
         fuzz::check(begins || row.start.block == shown.size() - 1, "blocks come one after another");
-        if (begins)
+        if (begins) {
+            fuzz::check(RowReader::kindAt(text, row.start.offset) == row.start.kind,
+                        "a block is of the kind that its rows are of");
             shown.append(QString());
+        }
         shown.last() += withoutBlanks(row.mark) + withoutBlanks(row.text);
         const QList<Row> rest = rowsFrom(text, row.start);
         fuzz::check(
