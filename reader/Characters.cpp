@@ -71,4 +71,21 @@ qsizetype characterBoundaryAfter(QStringView text, qsizetype position)
                                : ubrk_following(iterator, static_cast<int32_t>(position));
 }
 
+QChar documentCharacter(QChar character)
+{
+    switch (character.unicode()) {
+    case u'\n':
+    case u'\r':
+        return u' ';
+    case QChar::ParagraphSeparator:
+        return QChar::LineSeparator;
+    case 0xFDD0:
+    case 0xFDD1:
+    case QChar::ObjectReplacementCharacter:
+        return QChar::ReplacementCharacter;
+    default:
+        return character;
+    }
+}
+
 } // namespace varno

@@ -12,4 +12,7 @@ namespace varno {
 [[nodiscard]] qsizetype characterBoundaryBefore(QStringView text, qsizetype position);
 [[nodiscard]] qsizetype characterBoundaryAfter(QStringView text, qsizetype position);
 
+/// What stands for a character in a text document, which keeps some characters for itself.
+[[nodiscard]] QChar documentCharacter(QChar character);
+
 } // namespace varno

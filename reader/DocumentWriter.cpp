@@ -112,7 +112,13 @@ qsizetype DocumentWriter::firstOpenRow() const
     const qsizetype first = firstRow(start.block);
     const bool isSameKind =
         first == last || RowReader::kindAt(m_text, m_rows[first].start.offset) == start.kind;
-    return isSameKind ? last : first;
+    if (!isSameKind)
+        return first;
+    if (first == last)
+        return last;
+    // A line of a list may have ceased to be an item; then the row before it is the last one.
+    const std::optional<Row> row = RowReader(m_text, start).next();
+    return row && row->start.offset == start.offset ? last : last - 1;
 }
 
 void DocumentWriter::write(const QDeadlineTimer& deadline, qsizetype atLeast)
@@ -124,7 +130,8 @@ void DocumentWriter::write(const QDeadlineTimer& deadline, qsizetype atLeast)
     m_isComplete = true;
     m_cursor.beginEditBlock();
     keepRows(index + 1);
-    qsizetype laidOut = 0; // how far the text is in the document's layout, too
+    // How far the text is in the document's layout, too.
+    qsizetype laidOut = index < m_rows.size() ? m_rows[index].start.offset : 0;
     while (const std::optional<Row> row = reader.next()) {
         writeRow(index, *row);
         ++index;

@@ -1,6 +1,7 @@
 #include "reader/InlineMarkdown.h"
 
 #include "reader/BlockMark.h"
+#include "reader/Characters.h"
 
 #include <QVarLengthArray>
 
@@ -63,24 +64,6 @@ Source prepared(QStringView markdown)
         previous = mark;
     }
     return source;
-}
-
-/// The characters that a text document keeps for itself.
-QChar tamed(QChar character)
-{
-    switch (character.unicode()) {
-    case u'\n':
-    case u'\r':
-        return u' ';
-    case QChar::ParagraphSeparator:
-        return lineSeparator;
-    case 0xFDD0:
-    case 0xFDD1:
-    case QChar::ObjectReplacementCharacter:
-        return QChar::ReplacementCharacter;
-    default:
-        return character;
-    }
 }
 
 /// What the parser's calls add up to.
@@ -257,7 +240,7 @@ void RunBuilder::append(QStringView text)
     QString& shown = m_runs.last().text;
     const qsizetype begin = shown.size();
     shown += text;
-    std::transform(shown.begin() + begin, shown.end(), shown.begin() + begin, tamed);
+    std::transform(shown.begin() + begin, shown.end(), shown.begin() + begin, documentCharacter);
     m_lineWrapped = false;
 }
 

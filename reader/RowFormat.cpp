@@ -1,11 +1,13 @@
 #include "reader/RowFormat.h"
 
 #include "kit/TextStyle.h"
+#include "reader/Characters.h"
 
 #include <QFontDatabase>
 #include <QFontMetricsF>
 #include <QUrl>
 
+#include <algorithm>
 #include <array>
 
 namespace varno {
@@ -89,7 +91,11 @@ double RowFormat::markWidth(const Row& row) const
 
 QString RowFormat::leadingMark(const Row& row) const
 {
-    return markWidth(row) > widestNumber ? row.mark + u' ' : QString();
+    if (markWidth(row) <= widestNumber)
+        return {};
+    QString mark = row.mark + u' ';
+    std::transform(mark.begin(), mark.end(), mark.begin(), documentCharacter);
+    return mark;
 }
 
 QTextBlockFormat RowFormat::block(const Row& row, bool rightToLeft, double previousMargin) const

@@ -61,6 +61,18 @@ QStringView takeLine(QStringView& lines)
     return line;
 }
 
+/// Whether more of its block follows a line that ends there.
+bool goesOn(QStringView text, qsizetype lineEnd)
+{
+    for (qsizetype position = lineEnd + 1; position < text.size(); ++position) {
+        if (!text[position].isSpace())
+            return true;
+        if (text[position] == u'\n' && text[position - 1] == u'\n')
+            return false;
+    }
+    return false;
+}
+
 QStringView withoutEnd(QStringView text)
 {
     while (!text.isEmpty() && text.back().isSpace())
@@ -174,7 +186,13 @@ bool RowReader::openBlock()
 
 BlockKind RowReader::kindAt(QStringView text, qsizetype offset)
 {
-    return blockKind(pieceAt(text, offset).trimmed());
+    const qsizetype end = text.indexOf(u'\n', offset);
+    const QStringView line = text.sliced(offset, (end < 0 ? text.size() : end) - offset);
+    if (end < 0 || !goesOn(text, end))
+        return blockKind(line.trimmed());
+    // All but one kind are told from the first line.
+    const BlockKind kind = blockKind(line);
+    return kind == BlockKind::boldHeader ? BlockKind::paragraph : kind;
 }
 
 } // namespace varno

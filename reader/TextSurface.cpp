@@ -76,9 +76,17 @@ void TextSurface::setHighlightText(const QString& text)
 
 QTextBlock TextSurface::rowAt(int y) const
 {
-    const QPointF point(0, y);
-    const int position = document()->documentLayout()->hitTest(point, Qt::FuzzyHit);
-    return document()->findBlock(std::max(position, 0));
+    int first = 0;
+    for (int count = document()->blockCount(); count > 1;) {
+        const int half = count / 2;
+        const bool isAbove = rowRect(document()->findBlockByNumber(first + half)).top() <= y;
+        first += isAbove ? half : 0;
+        count = isAbove ? count - half : half;
+    }
+    const QTextBlock row = document()->findBlockByNumber(first);
+    const QTextBlock next = row.next();
+    const bool nextIsNearer = next.isValid() && rowRect(next).top() - y < y - rowRect(row).bottom();
+    return nextIsNearer ? next : row;
 }
 
 QRectF TextSurface::rowRect(const QTextBlock& row) const

@@ -127,6 +127,7 @@ void MarkdownContentViewTest::streamsWhatIsBuiltAtOnce_data()
         << u"**a**b\n\n1 a. b\nc\n\n# a\n\n-\n- b\n\n**a\n**\n\n- a\n\n- b"_s;
     QTest::newRow("newlines") << u"\n\na\n\n\n\n\nb\n \n\n \nc\n"_s;
     QTest::newRow("open marks") << u"a **b *c** d* `e\n~~f~~ [g](http://h \"i\") &amp; ![j](k)"_s;
+    QTest::newRow("wide marks") << u"12345678901234\r5678. x\n9.\u2029999999999999999. y"_s;
     QTest::newRow("headings in a row") << u"# A\n## B\n\n### C\n# D\nE\n# F"_s;
     QTest::newRow("scripts") << u"שלום **עולם**\n\n- مرحبا\n\n👩‍👧 é"_s;
     QTest::newRow("long word") << u"3"_s.repeated(4090) + u"**bold** and more. Then\n- b"_s;
@@ -176,6 +177,11 @@ void MarkdownContentViewTest::changesOnlyWhatDiffers()
     shown.view.setText(u"First.\n\nSecond.\n\nThird, with a long tail"_s);
     QVERIFY(from >= u"First.\nSecond.\n"_s.size());
     QCOMPARE(shown.view.document().toPlainText(), u"First.\nSecond.\nThird, with a long tail"_s);
+
+    // The row before the difference ends its list now.
+    shown.view.setText(u"- a\n- b"_s);
+    shown.view.setText(u"- a\n- "_s);
+    QCOMPARE(describedWhole(shown.view), builtAtOnce(u"- a\n- "_s));
 }
 
 void MarkdownContentViewTest::hasTheFiguresOfEachKind_data()
