@@ -13,15 +13,10 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-QColor qColor(ColorRole role)
-{
-    const RgbColor rgb = color(role, AppTheme::cream);
-    return {rgb.red, rgb.green, rgb.blue};
-}
-
 /// The closed book on a ground of its own, since nobody tells whether the status area is dark.
 QIcon statusImage()
 {
+    const QPalette colors = themePalette(AppTheme::cream);
     QIcon icon;
     for (const int side : {16, 22, 24, 32, 48, 64}) {
         QPixmap image(side, side);
@@ -29,13 +24,13 @@ QIcon statusImage()
         QPainter painter(&image);
         painter.setRenderHint(QPainter::Antialiasing);
         painter.setPen(Qt::NoPen);
-        painter.setBrush(qColor(ColorRole::accent));
+        painter.setBrush(themeColor(colors, ColorRole::accent));
         const QRectF ground(0, 0, side, side);
         painter.drawRoundedRect(ground, side * 0.2, side * 0.2);
         const double margin = side * 0.14;
         drawSymbol(painter, Symbol::bookClosedFill,
                    ground.adjusted(margin, margin, -margin, -margin),
-                   qColor(ColorRole::background));
+                   themeColor(colors, ColorRole::background));
         painter.end();
         icon.addPixmap(image);
     }

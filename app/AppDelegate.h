@@ -14,9 +14,6 @@ public:
     AppDelegate(const AppViewModel::Dependencies& dependencies, const KeychainService& keychain,
                 PanelShortcut shortcut);
 
-    [[nodiscard]] AppViewModel& viewModel() { return m_viewModel; }
-    [[nodiscard]] VarnoPanel* panel() const { return m_panel.get(); }
-
     /// To be called once. The panel is made when it is shown first.
     void applicationDidFinishLaunching();
 

@@ -2,7 +2,6 @@
 
 #include "app/SettingsSection.h"
 #include "kit/Layout.h"
-#include "reader/ThinScrollBar.h"
 
 namespace varno {
 
@@ -44,11 +43,7 @@ InAppSettingsView::InAppSettingsView(AppViewModel& viewModel, KeychainTasks& key
     , m_versionTitle(tr("Version"), rowStyle)
     , m_version(u"1.0"_s, valueStyle)
 {
-    m_scrollArea.setWidget(sections());
-    m_scrollArea.setWidgetResizable(true);
-    m_scrollArea.setFrameShape(QFrame::NoFrame);
-    m_scrollArea.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_scrollArea.setVerticalScrollBar(new ThinScrollBar);
+    m_scrollArea.setContent(*sections());
     setLayout(column({}, {
                              row({.horizontal = 24, .vertical = 12}, {m_title, stretch(), m_done}),
                              m_rule,

@@ -9,8 +9,7 @@
 #include "kit/PlainButton.h"
 #include "kit/Rule.h"
 #include "kit/ThemedText.h"
-
-#include <QScrollArea>
+#include "kit/VerticalScrollArea.h"
 
 namespace varno {
 
@@ -45,7 +44,7 @@ private:
     ThemedText m_title;
     PlainButton m_done;
     Rule m_rule;
-    QScrollArea m_scrollArea;
+    VerticalScrollArea m_scrollArea;
 
     APIKeyRow m_anthropicKey;
     APIKeyRow m_geminiKey;

@@ -2,16 +2,14 @@
 
 #include "kit/Theme.h"
 
-#include <QKeyEvent>
 #include <QLayout>
 #include <QPainter>
 
 namespace varno {
 
 RowButton::RowButton(const QString& name, QWidget* parent)
-    : QAbstractButton(parent)
+    : PressableButton(parent)
 {
-    setAttribute(Qt::WA_Hover);
     setAccessibleName(name);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
@@ -33,17 +31,6 @@ QSize RowButton::minimumSizeHint() const
     return layout()->minimumSize();
 }
 
-void RowButton::keyPressEvent(QKeyEvent* event)
-{
-    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
-        QAbstractButton::keyPressEvent(event);
-        return;
-    }
-    event->accept();
-    if (!event->isAutoRepeat())
-        click();
-}
-
 void RowButton::paintEvent(QPaintEvent*)
 {
     if (!isEnabled() || !(underMouse() || isDown() || hasFocus()))
@@ -51,7 +38,7 @@ void RowButton::paintEvent(QPaintEvent*)
     QPainter painter(this);
     painter.setRenderHint(QPainter::Antialiasing);
     painter.setPen(Qt::NoPen);
-    painter.setBrush(themeColor(palette(), ColorRole::text, isDown() ? 0.12 : 0.06));
+    painter.setBrush(themeColor(palette(), ColorRole::text, hoverOpacity()));
     painter.drawRoundedRect(rect(), 4, 4);
 }
 

@@ -1,12 +1,12 @@
 #pragma once
 
-#include <QAbstractButton>
+#include "kit/PressableButton.h"
 
 namespace varno {
 
 /// A button that is laid out like any widget: what is in it is to look at only. It answers to
-/// hovering and pressing with a faint fill, and to Return and Space.
-class RowButton : public QAbstractButton {
+/// hovering and pressing with a faint fill.
+class RowButton : public PressableButton {
     Q_OBJECT
 
 public:
@@ -20,7 +20,6 @@ protected:
     /// Takes the mouse from everything in the layout: call it when the layout is complete.
     void setContent(QLayout* content);
 
-    void keyPressEvent(QKeyEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 };
 

@@ -1,7 +1,6 @@
 #include "app/SearchView.h"
 
 #include "kit/Layout.h"
-#include "reader/ThinScrollBar.h"
 
 #include <utility>
 
@@ -23,12 +22,7 @@ SearchView::SearchView(AppViewModel& viewModel, KeychainTasks& keys,
     , m_bottomBarText({}, {.size = 11, .opacity = 0.35})
     , m_settings(Symbol::gearshape, {.symbol = {.size = 13, .opacity = 0.45}})
 {
-    m_scrollArea.setWidget(page());
-    m_scrollArea.setWidgetResizable(true);
-    m_scrollArea.setFrameShape(QFrame::NoFrame);
-    m_scrollArea.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_scrollArea.setVerticalScrollBar(new ThinScrollBar);
-    m_scrollArea.setFocusPolicy(Qt::NoFocus);
+    m_scrollArea.setContent(*page());
     setLayout(column({}, {
                              grow(m_scrollArea),
                              row({.horizontal = 24}, {m_bottomBarText, stretch(), m_settings}),

@@ -7,8 +7,7 @@
 #include "kit/PlainButton.h"
 #include "kit/SymbolView.h"
 #include "kit/ThemedText.h"
-
-#include <QScrollArea>
+#include "kit/VerticalScrollArea.h"
 
 namespace varno {
 
@@ -41,7 +40,7 @@ private:
     KeychainTasks& m_keys;
     std::function<QString()> m_shortcutLabel;
 
-    QScrollArea m_scrollArea; ///< a low panel has no room for all of it
+    VerticalScrollArea m_scrollArea; ///< a low panel has no room for all of it
     ThemedText m_title;
     ThemedText m_subtitle;
     SearchBox m_box;

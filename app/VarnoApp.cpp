@@ -90,9 +90,8 @@ int VarnoApp::run(int argc, char** argv)
 #ifdef NDEBUG
     disableCoreDumps(); // they would hold the keys that were in use
 #endif
-    if (!hasDisplay())
+    if (!chooseDisplay())
         return fail("Varno needs a display, and there is none that it can reach.");
-    preferPlaceableWindows();
     QApplication application(argc, argv);
     QCoreApplication::setApplicationName(u"Varno"_s);
     QGuiApplication::setDesktopFileName(u"com.kelbrin.varno"_s);

@@ -2,7 +2,6 @@
 
 #include <QCursor>
 #include <QFocusEvent>
-#include <QKeyEvent>
 #include <QPainter>
 #include <QToolTip>
 
@@ -47,9 +46,8 @@ protected:
 } // namespace
 
 PlainButton::PlainButton(const QString& text, const ButtonStyle& style, QWidget* parent)
-    : QAbstractButton(parent)
+    : PressableButton(parent)
 {
-    setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::TabFocus);
     setButtonStyle(style);
     setText(text);
@@ -74,7 +72,7 @@ PlainButton::~PlainButton()
 
 void PlainButton::setText(const QString& text)
 {
-    QAbstractButton::setText(text);
+    PressableButton::setText(text);
     setShortcut({}); // that of a letter behind an "&"
     setAccessibleName(text.isEmpty() ? toolTip() : text);
 }
@@ -141,20 +139,9 @@ bool PlainButton::event(QEvent* event)
     if (event->type() == QEvent::ToolTipChange && text().isEmpty())
         setAccessibleName(toolTip());
     if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || !shownBlock().isElided())
-        return QAbstractButton::event(event);
+        return PressableButton::event(event);
     QToolTip::showText(QCursor::pos(), plainToolTip(text()), this);
     return true;
-}
-
-void PlainButton::keyPressEvent(QKeyEvent* event)
-{
-    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
-        QAbstractButton::keyPressEvent(event);
-        return;
-    }
-    event->accept();
-    if (!event->isAutoRepeat())
-        click();
 }
 
 void PlainButton::focusInEvent(QFocusEvent* event)
@@ -175,13 +162,13 @@ void PlainButton::focusInEvent(QFocusEvent* event)
         m_focusRing = new FocusRing;
         m_focusRing->setWidget(this);
     }
-    QAbstractButton::focusInEvent(event);
+    PressableButton::focusInEvent(event);
 }
 
 void PlainButton::focusOutEvent(QFocusEvent* event)
 {
     delete m_focusRing;
-    QAbstractButton::focusOutEvent(event);
+    PressableButton::focusOutEvent(event);
 }
 
 void PlainButton::paintEvent(QPaintEvent*)
@@ -199,7 +186,7 @@ void PlainButton::paintBackground(QPainter& painter) const
         fillRounded(painter, place, m_style.radius, inkColor(palette(), *m_style.fill));
     if (hasRoom() && isEnabled() && (underMouse() || isDown()))
         fillRounded(painter, place, m_style.radius,
-                    themeColor(palette(), ColorRole::text, isDown() ? 0.12 : 0.06));
+                    themeColor(palette(), ColorRole::text, hoverOpacity()));
     if (m_style.outline)
         drawRoundedOutline(painter, place, m_style.radius, m_style.outlineWidth,
                            inkFor(*m_style.outline));

@@ -1,9 +1,9 @@
 #pragma once
 
+#include "kit/PressableButton.h"
 #include "kit/Symbol.h"
 #include "kit/TextBlock.h"
 
-#include <QAbstractButton>
 #include <QFocusFrame>
 #include <QPointer>
 
@@ -35,7 +35,7 @@ struct ButtonStyle {
 /// otherwise. No character of the text is a shortcut. An elided text shows the whole of itself when
 /// there is no other tool tip. A button without text needs an accessible name: its tool tip serves
 /// as one.
-class PlainButton : public QAbstractButton {
+class PlainButton : public PressableButton {
     Q_OBJECT
 
 public:
@@ -57,7 +57,6 @@ public:
 protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
-    void keyPressEvent(QKeyEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
 

@@ -6,14 +6,11 @@ class QWindow;
 
 namespace varno {
 
-/// Whether there is a screen that windows can be opened on. To be asked before there is an
-/// application object, which would end the process.
-[[nodiscard]] bool hasDisplay();
-
-/// Has windows opened where the program may place them, if there is such a place: in a Wayland
-/// session by the X server beside it. To be called before there is an application object; what the
-/// user's environment says of it stands.
-void preferPlaceableWindows();
+/// Chooses where windows will be opened: where the program may place them, if there is such a
+/// place, which in a Wayland session is the X server beside it. What the user's environment says of
+/// it stands. To be called before there is an application object, which would end the process if
+/// there is no display; then this returns false.
+[[nodiscard]] bool chooseDisplay();
 
 /// Makes it a panel: above other windows, on every desktop, in no list of windows. Before every
 /// showing, since the desktop forgets it when the window is hidden. The window has been created.

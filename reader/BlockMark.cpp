@@ -1,14 +1,11 @@
 #include "reader/BlockMark.h"
 
+#include "reader/Characters.h"
+
 #include <algorithm>
 
 namespace varno {
 namespace {
-
-bool isBlank(QChar character)
-{
-    return character == u' ' || character == u'\t';
-}
 
 /// The number of times that the first character is repeated at the start.
 qsizetype repetitions(QStringView line)

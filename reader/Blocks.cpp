@@ -12,9 +12,7 @@ constexpr qsizetype longestNumber = 64;
 
 QStringView withoutOuterBlanks(QStringView line)
 {
-    const auto isBlank = [](QChar character) { return character == u' ' || character == u'\t'; };
-    while (!line.isEmpty() && isBlank(line.front()))
-        line = line.sliced(1);
+    line = withoutLeadingBlanks(line);
     while (!line.isEmpty() && isBlank(line.back()))
         line.chop(1);
     return line;

@@ -3,6 +3,7 @@
 #include <unicode/ubrk.h>
 #include <unicode/uchar.h>
 
+#include <algorithm>
 #include <memory>
 
 namespace varno {
@@ -46,6 +47,12 @@ UBreakIterator* iteratorUnlessBoundary(QStringView text, qsizetype position)
 }
 
 } // namespace
+
+QStringView withoutLeadingBlanks(QStringView line)
+{
+    const auto* first = std::find_if_not(line.begin(), line.end(), isBlank);
+    return line.sliced(first - line.begin());
+}
 
 bool beginsWithNumeral(QStringView text)
 {

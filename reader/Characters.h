@@ -4,6 +4,14 @@
 
 namespace varno {
 
+/// Of those between the words of a line.
+[[nodiscard]] constexpr bool isBlank(QChar character)
+{
+    return character == u' ' || character == u'\t';
+}
+
+[[nodiscard]] QStringView withoutLeadingBlanks(QStringView line);
+
 /// Whether the first character has a numeric value in any script ("3", "٣", "三", "Ⅷ", "½").
 [[nodiscard]] bool beginsWithNumeral(QStringView text);
 

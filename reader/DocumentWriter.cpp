@@ -10,7 +10,7 @@ namespace {
 /// How many characters are laid out together, between two looks at the clock.
 constexpr qsizetype layoutStep = 2048;
 
-QStringView withoutLeadingBlanks(QStringView text)
+QStringView withoutLeadingSpace(QStringView text)
 {
     const auto* first = std::find_if_not(text.begin(), text.end(),
                                          [](QChar character) { return character.isSpace(); });
@@ -56,7 +56,7 @@ DocumentWriter::DocumentWriter(QTextDocument& document, const RowFormat& format)
 
 void DocumentWriter::setText(QStringView text)
 {
-    text = withoutLeadingBlanks(text);
+    text = withoutLeadingSpace(text);
     const qsizetype common = commonLength(m_text, text);
     m_text.truncate(common);
     m_text.append(text.sliced(common));
@@ -66,7 +66,7 @@ void DocumentWriter::setText(QStringView text)
 void DocumentWriter::appendText(QStringView piece)
 {
     if (m_text.isEmpty())
-        piece = withoutLeadingBlanks(piece);
+        piece = withoutLeadingSpace(piece);
     takeNote(m_text.size());
     m_text.append(piece);
 }

@@ -28,13 +28,6 @@ struct Source {
     QVarLengthArray<qsizetype, 8> breaks; ///< which of them begin a line of their own
 };
 
-QStringView withoutLeadingBlanks(QStringView line)
-{
-    while (!line.isEmpty() && (line.front() == u' ' || line.front() == u'\t'))
-        line = line.sliced(1);
-    return line;
-}
-
 /// Whether a line with that mark begins anew rather than going on. A number that is not the first
 /// of its list, and a mark with nothing after it, may just have come to stand there.
 bool beginsAnew(BlockMark mark, QStringView line, BlockMark previous)

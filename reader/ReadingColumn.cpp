@@ -2,10 +2,10 @@
 
 #include "kit/Layout.h"
 #include "reader/ScrollKeys.h"
-#include "reader/ThinScrollBar.h"
 
 #include <QApplication>
 #include <QKeyEvent>
+#include <QScrollBar>
 
 #include <algorithm>
 
@@ -30,7 +30,7 @@ void fill(QWidget& place, int above, const LayoutItem& item)
 } // namespace
 
 ReadingColumn::ReadingColumn(QWidget* parent)
-    : QScrollArea(parent)
+    : VerticalScrollArea(parent)
     , m_status(tr("Getting the most accurate information…"))
     , m_scroll(*this, [this](double y) { verticalScrollBar()->setValue(qRound(y)); })
     , m_selectionScroller(*this, m_text)
@@ -43,14 +43,10 @@ ReadingColumn::ReadingColumn(QWidget* parent)
                             {m_header, gap(belowHeader), m_errorPlace, m_text, m_streamingRow,
                              m_fullEntryPlace, m_relatedTopicsPlace, stretch()}));
 
-    setVerticalScrollBar(new ThinScrollBar);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn); // its coming would break the lines anew
-    setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     verticalScrollBar()->setSingleStep(lineStep);
-    setFrameShape(QFrame::NoFrame);
     setFocusPolicy(Qt::ClickFocus);
-    setWidgetResizable(true);
-    setWidget(&m_page);
+    setContent(m_page);
     setSurroundings({});
 
     connect(verticalScrollBar(), &QScrollBar::actionTriggered, this, [this] { m_scroll.stop(); });
@@ -180,14 +176,14 @@ void ReadingColumn::keyPressEvent(QKeyEvent* event)
 
 void ReadingColumn::changeEvent(QEvent* event)
 {
-    QScrollArea::changeEvent(event);
+    VerticalScrollArea::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
         keepPosition([&] { m_text.setTextColor(themeColor(palette(), ColorRole::text)); });
 }
 
 void ReadingColumn::resizeEvent(QResizeEvent* event)
 {
-    keepPosition([&] { QScrollArea::resizeEvent(event); });
+    keepPosition([&] { VerticalScrollArea::resizeEvent(event); });
 }
 
 } // namespace varno

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "kit/Animation.h"
+#include "kit/VerticalScrollArea.h"
 #include "reader/BlinkingCursor.h"
 #include "reader/EntryHeader.h"
 #include "reader/ErrorPanel.h"
@@ -10,8 +11,6 @@
 #include "reader/RelatedTopics.h"
 #include "reader/SelectionScroller.h"
 
-#include <QScrollArea>
-
 #include <optional>
 
 namespace varno {
@@ -20,7 +19,7 @@ namespace varno {
 ///
 /// The line at the upper edge stays there whatever happens to text, sizes and colours, until
 /// something asks to scroll.
-class ReadingColumn final : public QScrollArea {
+class ReadingColumn final : public VerticalScrollArea {
     Q_OBJECT
 
 public:

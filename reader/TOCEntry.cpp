@@ -21,7 +21,7 @@ const TextStyle activeNameStyle{.size = 13, .weight = QFont::Medium, .role = Col
 } // namespace
 
 TOCEntry::TOCEntry(int number, const QString& section, QWidget* parent)
-    : QAbstractButton(parent)
+    : PressableButton(parent)
     , m_number(QString::number(number), numberStyle)
     , m_name(section, nameStyle, Overflow::wrap)
 {
@@ -31,7 +31,6 @@ TOCEntry::TOCEntry(int number, const QString& section, QWidget* parent)
     for (ThemedText* text : {&m_number, &m_name})
         text->setAttribute(Qt::WA_TransparentForMouseEvents);
 
-    setAttribute(Qt::WA_Hover);
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     setAccessibleName(section);
@@ -54,7 +53,7 @@ void TOCEntry::paintEvent(QPaintEvent* /*event*/)
     painter.setPen(Qt::NoPen);
     const QRectF mark = QRectF(rect()).adjusted(markInset, 0, -markInset, 0);
     if (m_active || underMouse()) {
-        const double faint = isDown() ? 0.12 : 0.06;
+        const double faint = hoverOpacity();
         painter.setBrush(m_active ? themeColor(palette(), ColorRole::accent, 2 * faint)
                                   : themeColor(palette(), ColorRole::text, faint));
         painter.drawRoundedRect(mark, markRadius, markRadius);
@@ -69,12 +68,15 @@ void TOCEntry::paintEvent(QPaintEvent* /*event*/)
 
 void TOCEntry::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter)
-        click();
-    else if (event->key() == Qt::Key_Space)
-        QAbstractButton::keyPressEvent(event);
-    else
+    switch (event->key()) {
+    case Qt::Key_Space:
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        PressableButton::keyPressEvent(event);
+        break;
+    default:
         event->ignore(); // the arrows belong to the list
+    }
 }
 
 } // namespace varno

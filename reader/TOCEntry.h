@@ -1,14 +1,13 @@
 #pragma once
 
+#include "kit/PressableButton.h"
 #include "kit/ThemedText.h"
-
-#include <QAbstractButton>
 
 namespace varno {
 
 /// An entry of the table of contents: its number, and the name of the section, in as many lines as
-/// it takes. Return and Space press it.
-class TOCEntry final : public QAbstractButton {
+/// it takes.
+class TOCEntry final : public PressableButton {
     Q_OBJECT
 
 public:

@@ -3,7 +3,6 @@
 #include "kit/Layout.h"
 #include "reader/TOCEntry.h"
 #include "reader/TabOrder.h"
-#include "reader/ThinScrollBar.h"
 
 #include <QKeyEvent>
 
@@ -25,14 +24,7 @@ TOCSidebarView::TOCSidebarView(QWidget* parent)
     m_column.setContentsMargins({});
     m_column.setSpacing(0);
     m_column.addStretch();
-    m_scroll.setVerticalScrollBar(new ThinScrollBar);
-    m_scroll.setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
-    m_scroll.setFrameShape(QFrame::NoFrame);
-    m_scroll.setFocusPolicy(Qt::NoFocus);
-    m_scroll.setWidgetResizable(true);
-    m_scroll.setWidget(&m_list);
-    m_scroll.viewport()->setAutoFillBackground(false);
-    m_list.setAutoFillBackground(false); // the scroll area switched it on
+    m_scroll.setContent(m_list);
     m_scroll.setAccessibleName(tr("Contents"));
     setAccessibleName(tr("Contents"));
     setLoading(false);

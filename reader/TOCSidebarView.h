@@ -1,10 +1,10 @@
 #pragma once
 
 #include "kit/ThemedText.h"
+#include "kit/VerticalScrollArea.h"
 #include "reader/LoadingPlaceholders.h"
 #include "reader/Surface.h"
 
-#include <QScrollArea>
 #include <QStringList>
 #include <QVBoxLayout>
 
@@ -44,7 +44,7 @@ private:
 
     ThemedText m_heading;
     LoadingPlaceholders m_placeholders;
-    QScrollArea m_scroll;
+    VerticalScrollArea m_scroll;
     QWidget m_list;
     QVBoxLayout m_column;
 };

@@ -169,13 +169,16 @@ void TextSurface::paintHighlights(QPainter& painter, const QTextBlock& row) cons
 {
     const QTextLayout& layout = *row.layout();
     const QString text = row.text();
-    const QColor color =
+    static const QColor color =
         standardColor(themePalette(AppTheme::cream), StandardColor::yellow, highlightOpacity);
     const int markLength = row.blockFormat().intProperty(rowMarkLength);
     for (TextRange range : highlightRanges(QStringView(text).sliced(markLength), m_highlightText)) {
         range = {range.begin + markLength, range.end + markLength};
-        for (int index = 0; index < layout.lineCount(); ++index) {
+        int index = layout.lineForTextPosition(int(range.begin)).lineNumber();
+        for (; index < layout.lineCount(); ++index) {
             const QTextLine line = layout.lineAt(index);
+            if (line.textStart() >= range.end)
+                break;
             const qsizetype begin = std::max<qsizetype>(range.begin, line.textStart());
             const qsizetype end =
                 std::min<qsizetype>(range.end, line.textStart() + line.textLength());

@@ -2,6 +2,7 @@
 
 #include "platform/Platform.h"
 #include "platform/linux/XConnection.h"
+#include "platform/linux/XcbReply.h"
 
 #include <QCoreApplication>
 #include <QDBusConnection>
@@ -20,7 +21,7 @@ bool hasTrayOnX11()
     xcb_connection_t* connection = xConnection();
     if (!connection)
         return false;
-    const XReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
         connection, xcb_get_selection_owner(connection, xAtom("_NET_SYSTEM_TRAY_S0")), nullptr));
     return reply && reply->owner != XCB_NONE;
 }

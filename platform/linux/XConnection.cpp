@@ -1,5 +1,7 @@
 #include "platform/linux/XConnection.h"
 
+#include "platform/linux/XcbReply.h"
+
 #include <QByteArray>
 #include <QGuiApplication>
 #include <QHash>
@@ -21,7 +23,7 @@ xcb_atom_t xAtom(const char* name)
     if (const auto found = known.constFind(key); found != known.constEnd())
         return *found;
     const auto request = xcb_intern_atom(xConnection(), 0, quint16(key.size()), name);
-    const XReply<xcb_intern_atom_reply_t> reply(
+    const XcbReply<xcb_intern_atom_reply_t> reply(
         xcb_intern_atom_reply(xConnection(), request, nullptr));
     const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
     known.insert(key, atom);

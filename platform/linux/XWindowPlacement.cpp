@@ -44,17 +44,14 @@ xcb_window_t root()
 
 } // namespace
 
-bool hasDisplay()
+bool chooseDisplay()
 {
     if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
         return !qEnvironmentVariable("QT_QPA_PLATFORM").startsWith(u"xcb") || hasXServer();
-    return hasXServer() || hasWaylandCompositor();
-}
-
-void preferPlaceableWindows()
-{
-    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM") && hasXServer())
+    const bool placeable = hasXServer();
+    if (placeable)
         qputenv("QT_QPA_PLATFORM", "xcb;wayland");
+    return placeable || hasWaylandCompositor();
 }
 
 void prepareFloatingPanel(QWindow& window)

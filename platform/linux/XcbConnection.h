@@ -1,22 +1,16 @@
 #pragma once
 
+#include "platform/linux/XcbReply.h"
+
 #include <QObject>
 #include <QSocketNotifier>
 #include <QTimer>
 
 #include <xcb/xcb.h>
 
-#include <cstdlib>
 #include <memory>
 
 namespace varno {
-
-/// What the functions of xcb return, and the caller has to free.
-struct XcbFree {
-    void operator()(void* memory) const { std::free(memory); } // NOLINT(*-no-malloc): xcb's own
-};
-template <typename Reply>
-using XcbReply = std::unique_ptr<Reply, XcbFree>;
 
 /// A connection to the X server for the keyboard alone, so that it works with whatever toolkit
 /// draws the windows, or none. Main thread only.

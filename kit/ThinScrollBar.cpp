@@ -1,4 +1,4 @@
-#include "reader/ThinScrollBar.h"
+#include "kit/ThinScrollBar.h"
 
 #include "kit/Theme.h"
 
