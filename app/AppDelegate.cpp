@@ -1,11 +1,12 @@
 #include "app/AppDelegate.h"
 
+#include "app/OpenShortcut.h"
 #include "platform/Platform.h"
 
+#include <QGuiApplication>
 #include <QIcon>
 #include <QPainter>
-
-#include <utility>
+#include <QPointer>
 
 namespace varno {
 
@@ -40,16 +41,22 @@ QIcon statusImage()
 } // namespace
 
 AppDelegate::AppDelegate(const AppViewModel::Dependencies& dependencies,
-                         const KeychainService& keychain, PanelShortcut shortcut)
+                         const KeychainService& keychain)
     : m_viewModel(dependencies)
     , m_keys(keychain)
-    , m_shortcut(std::move(shortcut))
 {
 }
 
 void AppDelegate::applicationDidFinishLaunching()
 {
     setupStatusItem();
+    setupHotkey();
+}
+
+void AppDelegate::prepareToQuit()
+{
+    KeyboardShortcuts::shared().removeAllHandlers();
+    m_viewModel.prepareToQuit();
 }
 
 void AppDelegate::setupStatusItem()
@@ -58,10 +65,20 @@ void AppDelegate::setupStatusItem()
     connect(m_statusItem.get(), &StatusItem::activated, this, [this] { toggleWindow(); });
 }
 
+/// Toggles the panel when the combination is released, later: not from within the event of the key.
+void AppDelegate::setupHotkey()
+{
+    KeyboardShortcuts::shared().onKeyUp(openVarno(), [weak = QPointer(this)] {
+        const quint32 time = KeyboardShortcuts::shared().lastEventTime();
+        QMetaObject::invokeMethod(
+            qApp, [weak, time] { weak ? weak->toggleWindow(time) : void(); }, Qt::QueuedConnection);
+    });
+}
+
 void AppDelegate::showWindow(quint32 time)
 {
     if (!m_panel)
-        m_panel = std::make_unique<VarnoPanel>(m_viewModel, m_keys, m_shortcut);
+        m_panel = std::make_unique<VarnoPanel>(m_viewModel, m_keys, panelShortcut());
     m_panel->present(time);
 }
 

@@ -5,20 +5,22 @@
 
 namespace varno {
 
-/// Owns the controller, the panel and the icon in the status area for the life of the process.
+/// Owns the controller, the panel and the icon in the status area for the life of the process, and
+/// answers to that icon and to the shortcut that works everywhere.
 class AppDelegate final : public QObject {
     Q_OBJECT
 
 public:
     /// What it is given outlives it; the keychain lives as long as the process.
-    AppDelegate(const AppViewModel::Dependencies& dependencies, const KeychainService& keychain,
-                PanelShortcut shortcut);
+    AppDelegate(const AppViewModel::Dependencies& dependencies, const KeychainService& keychain);
+
+    [[nodiscard]] AppViewModel& viewModel() { return m_viewModel; }
 
     /// To be called once. The panel is made when it is shown first.
     void applicationDidFinishLaunching();
 
-    /// Saves what there is to save.
-    void prepareToQuit() { m_viewModel.prepareToQuit(); }
+    /// Saves what there is to save; the shortcut is dead from then on.
+    void prepareToQuit();
 
 public slots:
     // `time` is the window system's time of what the user did, 0 if that is not known.
@@ -27,10 +29,10 @@ public slots:
 
 private:
     void setupStatusItem();
+    void setupHotkey();
 
     AppViewModel m_viewModel;
     KeychainTasks m_keys;
-    PanelShortcut m_shortcut;
     std::unique_ptr<VarnoPanel> m_panel; ///< from its first showing on
     std::unique_ptr<StatusItem> m_statusItem;
 };

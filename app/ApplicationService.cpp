@@ -9,16 +9,16 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString busName = QStringLiteral("com.kelbrin.varno");
-const QString objectPath = QStringLiteral("/com/kelbrin/varno");
 const QString interface = QStringLiteral("org.freedesktop.Application");
 const QString toggleAction = QStringLiteral("toggle");
 constexpr int patience = 5000; // milliseconds
 
 } // namespace
 
-ApplicationService::ApplicationService(QObject* parent)
+ApplicationService::ApplicationService(const QString& busName, QObject* parent)
     : QObject(parent)
+    , m_busName(busName)
+    , m_objectPath(u'/' + QString(busName).replace(u'.', u'/'))
 {
     new ApplicationAdaptor(*this);
 }
@@ -29,14 +29,14 @@ ApplicationService::Claim ApplicationService::claim()
     if (!bus.isConnected())
         return Claim::mine;
     // First the object: whoever sees the name may call at once.
-    bus.registerObject(objectPath, this);
-    return bus.registerService(busName) ? Claim::mine : toggleTheOther();
+    bus.registerObject(m_objectPath, this);
+    return bus.registerService(m_busName) ? Claim::mine : toggleTheOther();
 }
 
-ApplicationService::Claim ApplicationService::toggleTheOther()
+ApplicationService::Claim ApplicationService::toggleTheOther() const
 {
     QDBusMessage call =
-        QDBusMessage::createMethodCall(busName, objectPath, interface, u"ActivateAction"_s);
+        QDBusMessage::createMethodCall(m_busName, m_objectPath, interface, u"ActivateAction"_s);
     call << toggleAction << QVariantList() << QVariantMap();
     const QDBusMessage reply = QDBusConnection::sessionBus().call(call, QDBus::Block, patience);
     return reply.type() == QDBusMessage::ReplyMessage ? Claim::toggled : Claim::silent;

@@ -18,7 +18,8 @@ public:
         silent,  ///< another one runs, and does not answer
     };
 
-    explicit ApplicationService(QObject* parent = nullptr);
+    /// `busName` is its name there; the path of its object follows from that.
+    explicit ApplicationService(const QString& busName, QObject* parent = nullptr);
 
     /// Waits for the bus, and for the other program five seconds at most.
     [[nodiscard]] Claim claim();
@@ -28,7 +29,10 @@ signals:
     void toggleRequested();
 
 private:
-    [[nodiscard]] static Claim toggleTheOther();
+    [[nodiscard]] Claim toggleTheOther() const;
+
+    QString m_busName;
+    QString m_objectPath;
 };
 
 /// The interface by which desktops start programs.

@@ -84,7 +84,7 @@ void ContentView::goTo(QWidget& next)
     if (&previous == &next)
         return;
     if (&previous == m_settings)
-        m_settings->forgetKeys();
+        m_settings->reset();
     m_transition->finish();
     const QPixmap picture = isVisible() ? previous.grab() : QPixmap();
     m_shown = &next;

@@ -3,6 +3,8 @@
 #include "app/SettingsSection.h"
 #include "kit/Layout.h"
 
+#include <QScrollBar>
+
 namespace varno {
 
 using namespace Qt::StringLiterals;
@@ -140,10 +142,11 @@ void InAppSettingsView::showPreferences()
     m_model.setText(rawValue(m_viewModel.aiModel()));
 }
 
-void InAppSettingsView::forgetKeys()
+void InAppSettingsView::reset()
 {
     m_anthropicKey.forget();
     m_geminiKey.forget();
+    m_scrollArea.verticalScrollBar()->setValue(0);
 }
 
 void InAppSettingsView::showEvent(QShowEvent* event)

@@ -23,8 +23,8 @@ public:
     InAppSettingsView(AppViewModel& viewModel, KeychainTasks& keys, QWidget* shortcutRecorder,
                       QWidget* parent = nullptr);
 
-    /// Drops every key that was typed or revealed: for the moment when the screen is left.
-    void forgetKeys();
+    /// Makes it as new, for the moment when it is left: drops every key that was typed or revealed.
+    void reset();
 
 protected:
     void showEvent(QShowEvent* event) override;

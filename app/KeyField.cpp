@@ -1,5 +1,7 @@
 #include "app/KeyField.h"
 
+#include "kit/FieldFrame.h"
+
 namespace varno {
 namespace {
 
@@ -15,6 +17,10 @@ KeyField::KeyField(QWidget* parent)
                this)
 {
     setFont(varno::font({.size = 13}));
+    setFrame(false); // it is drawn here, in the colours of the theme
+    QPalette ground;
+    ground.setBrush(QPalette::Base, Qt::NoBrush);
+    setPalette(ground);
     setMinimumHeight(m_reveal.sizeHint().height() + 4);
     m_reveal.setCursor(Qt::ArrowCursor);
     setRevealed(false);
@@ -41,6 +47,24 @@ void KeyField::setUsable(bool usable)
     m_reveal.setEnabled(usable);
 }
 
+void KeyField::focusInEvent(QFocusEvent* event)
+{
+    QLineEdit::focusInEvent(event);
+    update();
+}
+
+void KeyField::focusOutEvent(QFocusEvent* event)
+{
+    QLineEdit::focusOutEvent(event);
+    update();
+}
+
+void KeyField::paintEvent(QPaintEvent* event)
+{
+    paintFieldFrame(*this, hasFocus());
+    QLineEdit::paintEvent(event);
+}
+
 void KeyField::resizeEvent(QResizeEvent* event)
 {
     QLineEdit::resizeEvent(event);
@@ -52,7 +76,7 @@ void KeyField::placeButton()
     const QSize size = m_reveal.sizeHint();
     m_reveal.setGeometry(
         QRect(QPoint(width() - size.width() - 2, (height() - size.height()) / 2), size));
-    setTextMargins(4, 0, size.width(), 0);
+    setTextMargins(6, 0, size.width(), 0);
 }
 
 } // namespace varno

@@ -3,6 +3,7 @@
 #include "kit/Layout.h"
 
 #include <QMenu>
+#include <QPainter>
 
 namespace varno {
 namespace {
@@ -18,6 +19,18 @@ QString name(AppTheme theme)
         break;
     }
     return ThemeMenuButton::tr("Dark Parchment");
+}
+
+QIcon checkmark(const QPalette& colors, double pixelRatio)
+{
+    constexpr int side = 12;
+    QPixmap image(QSize(side, side) * pixelRatio);
+    image.setDevicePixelRatio(pixelRatio);
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    drawSymbol(painter, Symbol::checkmark, QRectF(0, 0, side, side),
+               themeColor(colors, ColorRole::text));
+    return QIcon(image);
 }
 
 } // namespace
@@ -46,12 +59,11 @@ void ThemeMenuButton::openMenu()
 {
     auto* menu = new QMenu(this);
     menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->setPalette(palette());
+    menu->setPalette(window()->palette()); // windows do not inherit it
     menu->setFont(m_name.font());
     for (const auto& [theme, rawValue] : RawValues<AppTheme>::cases) {
         QAction* item = menu->addAction(name(theme));
-        item->setCheckable(true);
-        item->setChecked(theme == m_theme);
+        item->setIcon(theme == m_theme ? checkmark(palette(), devicePixelRatioF()) : QIcon());
         connect(item, &QAction::triggered, this,
                 [this, chosen = theme] { emit themeChosen(chosen); });
     }

@@ -1,17 +1,15 @@
 #include "app/VarnoApp.h"
 
-#include "app/AppDelegate.h"
 #include "app/ApplicationService.h"
+#include "app/AtExit.h"
 #include "platform/CoreDumps.h"
 #include "platform/Platform.h"
 #include "platform/TerminationSignals.h"
 #include "platform/WindowPlacement.h"
 #include "providers/ClaudeService.h"
 #include "providers/GeminiService.h"
-#include "shortcuts/RecorderCocoa.h"
 
 #include <QApplication>
-#include <QPointer>
 
 #include <cstdio>
 
@@ -21,53 +19,31 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-int fail(const char* sentence)
+int fail(const QString& sentence)
 {
-    std::fprintf(stderr, "%s\n", sentence);
+    std::fprintf(stderr, "%s\n", qUtf8Printable(sentence));
     return 1;
 }
 
-/// The combination that opens the panel from anywhere, unless the user chose another: Option,
-/// Command and F.
-const KeyboardShortcuts::Name& openVarno()
-{
-    static const KeyboardShortcuts::Name name(
-        u"openVarno"_s, KeyboardShortcuts::Shortcut(Key::f, Modifier::option | Modifier::command));
-    return name;
-}
+class UsersOwn final : public Surroundings {
+public:
+    [[nodiscard]] AppViewModel::Dependencies dependencies() override
+    {
+        return {.preferences = *m_preferences,
+                .history = m_history,
+                .claude = ClaudeService::shared(),
+                .gemini = GeminiService::shared()};
+    }
+    void started(AppDelegate& /*delegate*/) override {}
 
-PanelShortcut panelShortcut()
-{
-    return {
-        .label =
-            [] {
-                const KeyboardShortcuts& shortcuts = KeyboardShortcuts::shared();
-                const auto shortcut = shortcuts.getShortcut(openVarno());
-                return shortcut ? shortcuts.description(*shortcut) : QString();
-            },
-        .makeRecorder = [] { return new RecorderCocoa(openVarno()); },
-    };
-}
+private:
+    std::unique_ptr<PreferencesStore> m_preferences = makeSystemPreferencesStore();
+    HistoryStore m_history;
+};
 
-/// Toggles the panel when the combination is released, later: not from within the event of the key.
-void setupHotkey(AppDelegate& delegate)
+int live(QApplication& application, ApplicationService& service, Surroundings& surroundings)
 {
-    KeyboardShortcuts::shared().onKeyUp(openVarno(), [weak = QPointer(&delegate)] {
-        const quint32 time = KeyboardShortcuts::shared().lastEventTime();
-        QMetaObject::invokeMethod(
-            qApp, [weak, time] { weak ? weak->toggleWindow(time) : void(); }, Qt::QueuedConnection);
-    });
-}
-
-int runFirst(QApplication& application, ApplicationService& service)
-{
-    const std::unique_ptr<PreferencesStore> preferences = makeSystemPreferencesStore();
-    HistoryStore history;
-    AppDelegate delegate({.preferences = *preferences,
-                          .history = history,
-                          .claude = ClaudeService::shared(),
-                          .gemini = GeminiService::shared()},
-                         KeychainService::shared(), panelShortcut());
+    AppDelegate delegate(surroundings.dependencies(), KeychainService::shared());
     QObject::connect(&service, &ApplicationService::showRequested, &delegate,
                      [&delegate] { delegate.showWindow(); });
     QObject::connect(&service, &ApplicationService::toggleRequested, &delegate,
@@ -76,38 +52,52 @@ int runFirst(QApplication& application, ApplicationService& service)
     QObject::connect(terminationSignals.get(), &TerminationSignals::received, &application,
                      &QCoreApplication::quit);
     delegate.applicationDidFinishLaunching();
-    setupHotkey(delegate);
+    surroundings.started(delegate);
+    const AtExit saving([&delegate] { delegate.prepareToQuit(); });
     const int status = QApplication::exec();
-    KeyboardShortcuts::shared().removeAllHandlers();
     delegate.prepareToQuit();
     return status;
 }
 
 } // namespace
 
+void VarnoApp::prepare()
+{
+    QCoreApplication::setApplicationName(u"Varno"_s);
+    QGuiApplication::setDesktopFileName(u"com.kelbrin.varno"_s);
+    QApplication::setStyle(u"fusion"_s); // the one that takes all its colours from the palette
+    QGuiApplication::setQuitOnLastWindowClosed(false);
+}
+
 int VarnoApp::run(int argc, char** argv)
+{
+    return run(argc, argv, {.busName = u"com.kelbrin.varno"_s, .surroundings = [](QString&) {
+                                return std::make_unique<UsersOwn>();
+                            }});
+}
+
+int VarnoApp::run(int argc, char** argv, const Launch& launch)
 {
 #ifdef NDEBUG
     disableCoreDumps(); // they would hold the keys that were in use
 #endif
     if (!chooseDisplay())
-        return fail("Varno needs a display, and there is none that it can reach.");
+        return fail(u"Varno needs a display, and there is none that it can reach."_s);
     QApplication application(argc, argv);
-    QCoreApplication::setApplicationName(u"Varno"_s);
-    QGuiApplication::setDesktopFileName(u"com.kelbrin.varno"_s);
-    QApplication::setStyle(u"fusion"_s); // the one that takes all its colours from the palette
-    QGuiApplication::setQuitOnLastWindowClosed(false);
+    prepare();
 
-    ApplicationService service;
+    ApplicationService service(launch.busName);
     switch (service.claim()) {
     case ApplicationService::Claim::toggled:
         return 0;
     case ApplicationService::Claim::silent:
-        return fail("Varno is running already, but does not answer.");
+        return fail(u"Varno is running already, but does not answer."_s);
     case ApplicationService::Claim::mine:
         break;
     }
-    return runFirst(application, service);
+    QString error;
+    const std::unique_ptr<Surroundings> surroundings = launch.surroundings(error);
+    return surroundings ? live(application, service, *surroundings) : fail(error);
 }
 
 } // namespace varno

@@ -1,11 +1,41 @@
 #pragma once
 
+#include "app/AppDelegate.h"
+
+#include <functional>
+#include <memory>
+
 namespace varno {
+
+/// What the program works with beyond the system: the user's own stores and services, or others.
+class Surroundings {
+public:
+    Surroundings() = default;
+    virtual ~Surroundings() = default;
+    Q_DISABLE_COPY_MOVE(Surroundings)
+
+    [[nodiscard]] virtual AppViewModel::Dependencies dependencies() = 0;
+
+    /// Called once, when the icon is in its place and the shortcut is bound.
+    virtual void started(AppDelegate& delegate) = 0;
+};
 
 /// The program, from its start to its exit status.
 class VarnoApp {
 public:
+    struct Launch {
+        QString busName; ///< there is one program of that name at a time
+        /// Makes the surroundings once there is an application object; null ends the program, and
+        /// then `error` says why.
+        std::function<std::unique_ptr<Surroundings>(QString& error)> surroundings;
+    };
+
+    /// Gives the application object, which is there by then, its name and its looks.
+    static void prepare();
+
+    /// Works with what belongs to the user.
     static int run(int argc, char** argv);
+    static int run(int argc, char** argv, const Launch& launch);
 };
 
 } // namespace varno

@@ -1,5 +1,6 @@
 #include "app/VarnoPanel.h"
 
+#include "app/ResizeGrip.h"
 #include "kit/Layout.h"
 #include "platform/WindowPlacement.h"
 
@@ -10,6 +11,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <array>
 
 namespace varno {
 
@@ -19,7 +21,7 @@ namespace {
 
 constexpr QSize firstSize(860, 620);
 constexpr QSize leastSize(640, 440);
-constexpr int edge = 4; // where the mouse takes hold to resize
+constexpr int border = 1;
 
 } // namespace
 
@@ -31,16 +33,33 @@ VarnoPanel::VarnoPanel(AppViewModel& viewModel, KeychainTasks& keys, const Panel
     setWindowTitle(u"Varno"_s);
     setMinimumSize(leastSize);
     resize(firstSize);
-    setMouseTracking(true);
     setTheme(*this, viewModel.theme());
-    setLayout(column({.horizontal = edge, .vertical = edge}, {grow(m_content)}));
+    setLayout(column({.horizontal = border, .vertical = border}, {grow(m_content)}));
     setFocusProxy(&m_content);
+    addResizeGrips();
     if (const QScreen* screen = QGuiApplication::primaryScreen()) {
         const QPoint middle = screen->availableGeometry().center();
         move(middle.x() + 1 - firstSize.width() / 2, middle.y() + 1 - firstSize.height() / 2);
     }
     connect(&viewModel, &AppViewModel::changed, this, &VarnoPanel::takeNote);
     connect(&m_content, &ContentView::hideRequested, this, &QWidget::hide);
+}
+
+/// Over all that the panel shows; the corners over the sides.
+void VarnoPanel::addResizeGrips()
+{
+    const std::array<Qt::Edges, 8> all = {
+        Qt::LeftEdge,
+        Qt::RightEdge,
+        Qt::TopEdge,
+        Qt::BottomEdge,
+        Qt::LeftEdge | Qt::TopEdge,
+        Qt::RightEdge | Qt::TopEdge,
+        Qt::LeftEdge | Qt::BottomEdge,
+        Qt::RightEdge | Qt::BottomEdge,
+    };
+    for (const Qt::Edges edges : all)
+        new ResizeGrip(edges, *this);
 }
 
 void VarnoPanel::takeNote(AppViewModel::Changes what)
@@ -78,40 +97,10 @@ void VarnoPanel::keepOnScreen()
     setGeometry(place);
 }
 
-Qt::Edges VarnoPanel::edgesAt(const QPoint& position) const
-{
-    Qt::Edges edges;
-    edges.setFlag(Qt::LeftEdge, position.x() < edge);
-    edges.setFlag(Qt::RightEdge, position.x() >= width() - edge);
-    edges.setFlag(Qt::TopEdge, position.y() < edge);
-    edges.setFlag(Qt::BottomEdge, position.y() >= height() - edge);
-    return edges;
-}
-
 void VarnoPanel::mousePressEvent(QMouseEvent* event)
 {
-    if (event->button() != Qt::LeftButton)
-        return;
-    const Qt::Edges edges = edgesAt(event->position().toPoint());
-    if (edges)
-        windowHandle()->startSystemResize(edges);
-    else
+    if (event->button() == Qt::LeftButton)
         windowHandle()->startSystemMove();
-}
-
-void VarnoPanel::mouseMoveEvent(QMouseEvent* event)
-{
-    const Qt::Edges edges = edgesAt(event->position().toPoint());
-    const bool falling =
-        edges == (Qt::LeftEdge | Qt::TopEdge) || edges == (Qt::RightEdge | Qt::BottomEdge);
-    const bool rising =
-        edges == (Qt::RightEdge | Qt::TopEdge) || edges == (Qt::LeftEdge | Qt::BottomEdge);
-    if (falling || rising)
-        setCursor(falling ? Qt::SizeFDiagCursor : Qt::SizeBDiagCursor);
-    else if (edges)
-        setCursor(edges & (Qt::LeftEdge | Qt::RightEdge) ? Qt::SizeHorCursor : Qt::SizeVerCursor);
-    else
-        unsetCursor();
 }
 
 void VarnoPanel::paintEvent(QPaintEvent*)

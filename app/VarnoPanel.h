@@ -19,12 +19,11 @@ public:
 
 protected:
     void mousePressEvent(QMouseEvent* event) override;
-    void mouseMoveEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
+    void addResizeGrips();
     void takeNote(AppViewModel::Changes what);
-    [[nodiscard]] Qt::Edges edgesAt(const QPoint& position) const;
     void keepOnScreen();
 
     AppViewModel& m_viewModel;

@@ -26,6 +26,7 @@ QLatin1StringView fileName(Symbol symbol)
         QLatin1StringView("arrowClockwise"),
         QLatin1StringView("arrowUpLeft"),
         QLatin1StringView("bookClosedFill"),
+        QLatin1StringView("checkmark"),
         QLatin1StringView("checkmarkCircleFill"),
         QLatin1StringView("chevronDown"),
         QLatin1StringView("chevronLeft"),

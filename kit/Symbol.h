@@ -14,6 +14,7 @@ enum class Symbol {
     arrowClockwise,
     arrowUpLeft,
     bookClosedFill,
+    checkmark,
     checkmarkCircleFill,
     chevronDown,
     chevronLeft,

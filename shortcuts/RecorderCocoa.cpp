@@ -1,5 +1,6 @@
 #include "shortcuts/RecorderCocoa.h"
 
+#include "kit/FieldFrame.h"
 #include "kit/TextBlock.h"
 #include "shortcuts/RefusalAlert.h"
 
@@ -15,7 +16,7 @@ namespace varno {
 namespace {
 
 constexpr QSize fieldSize(130, 24); // points
-constexpr double cornerRadius = 5;
+constexpr int margin = 5;
 constexpr int clearWidth = 22;
 constexpr TextStyle textStyle{.size = 13};
 
@@ -257,16 +258,11 @@ void RecorderCocoa::resizeEvent(QResizeEvent* event)
 
 void RecorderCocoa::paintEvent(QPaintEvent*)
 {
+    paintFieldFrame(*this, m_recording || hasFocus());
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    const bool isActive = m_recording || hasFocus();
-    painter.setPen(themeColor(palette(), isActive ? ColorRole::accent : ColorRole::border));
-    painter.setBrush(themeColor(palette(), ColorRole::surface));
-    painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius,
-                            cornerRadius);
     const bool isEmpty = text().isEmpty();
-    const double margin = isEmpty ? cornerRadius : clearWidth;
-    const QRectF place = QRectF(rect()).adjusted(margin, 0, -margin, 0);
+    const int room = isEmpty ? margin : clearWidth;
+    const QRectF place = QRectF(rect()).adjusted(room, 0, -room, 0);
     const TextBlock block(isEmpty ? placeholder() : text(), textStyle, font(), Overflow::elide,
                           place.width());
     block.draw(painter, place, Qt::AlignCenter,

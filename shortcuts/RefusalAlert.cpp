@@ -29,6 +29,7 @@ RefusalAlert::RefusalAlert(const ShortcutRefusal& refusal, const QString& descri
     : QMessageBox(field.window() == &field ? nullptr : field.window())
 {
     setAttribute(Qt::WA_DeleteOnClose);
+    setPalette(field.window()->palette()); // windows do not inherit it
     setIcon(Warning);
     setTextFormat(Qt::PlainText);
     setText(textOf(refusal, description));
@@ -37,10 +38,18 @@ RefusalAlert::RefusalAlert(const ShortcutRefusal& refusal, const QString& descri
         setInformativeText(tr("Most of these can be changed in the settings of your desktop."));
         m_force = addButton(tr("Use anyway"), AcceptRole);
     }
+    for (QAbstractButton* button : buttons())
+        button->setIcon({});
     setDefaultButton(Ok);
     setEscapeButton(Ok);
     setWindowModality(parentWidget() ? Qt::WindowModal : Qt::ApplicationModal);
     show();
+}
+
+RefusalAlert::~RefusalAlert()
+{
+    if (QWidget* window = parentWidget(); window && window->isVisible())
+        window->activateWindow();
 }
 
 } // namespace varno

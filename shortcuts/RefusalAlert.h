@@ -13,6 +13,9 @@ class RefusalAlert : public QMessageBox {
 
 public:
     RefusalAlert(const ShortcutRefusal& refusal, const QString& description, QWidget& field);
+    /// Gives the keyboard back to its window: not every window manager does.
+    ~RefusalAlert() override;
+    Q_DISABLE_COPY_MOVE(RefusalAlert)
 
     /// The button that takes the combination anyway; none where that is not offered.
     [[nodiscard]] QAbstractButton* forceButton() const { return m_force; }

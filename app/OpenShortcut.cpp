@@ -1,0 +1,29 @@
+#include "app/OpenShortcut.h"
+
+#include "shortcuts/RecorderCocoa.h"
+
+namespace varno {
+
+using namespace Qt::StringLiterals;
+
+const KeyboardShortcuts::Name& openVarno()
+{
+    static const KeyboardShortcuts::Name name(
+        u"openVarno"_s, KeyboardShortcuts::Shortcut(Key::f, Modifier::option | Modifier::command));
+    return name;
+}
+
+PanelShortcut panelShortcut()
+{
+    return {
+        .label =
+            [] {
+                const KeyboardShortcuts& shortcuts = KeyboardShortcuts::shared();
+                const auto shortcut = shortcuts.getShortcut(openVarno());
+                return shortcut ? shortcuts.description(*shortcut) : QString();
+            },
+        .makeRecorder = [] { return new RecorderCocoa(openVarno()); },
+    };
+}
+
+} // namespace varno
