@@ -1,11 +1,11 @@
 # Everything a newcomer needs; each target does its own set-up.
-#     make demo QUERY="the history of the roman empire" [MODEL=claude-opus-4-8]
-#     make demo SHOTS=folder      pictures of the window instead, in every state and theme
+#     make demo [QUERY="the history of the roman empire" [MODEL=claude-opus-4-8]]
+#     make demo SHOTS=folder      pictures of the panel instead, in every state and theme
 #     make run                    the application itself, with your own keys
 #     make test      make lint      make bench      make fuzz [SECONDS=60]
 #     make instructions
 
-QUERY ?= the history of the roman empire
+QUERY ?=
 MODEL ?=
 SHOTS ?=
 SECONDS ?= 60
@@ -19,25 +19,28 @@ demo_program = varno-demo-shots
 demo_start = scripts/with-display scripts/with-keyring --display
 demo_arguments = $(call quoted,$(SHOTS))
 else
-demo_needs = build $(demo_window)
+demo_needs = build $(if $(demo_window),window)
 demo_program = varno-demo$(addprefix -,$(demo_window))
 demo_start = scripts/with-keyring $(if $(demo_window),--display)
 demo_arguments = $(call quoted,$(QUERY)) $(MODEL)
-demo_window = $(if $(DISPLAY)$(WAYLAND_DISPLAY),window)
+demo_window = $(if $(DISPLAY)$(WAYLAND_DISPLAY),application)
 endif
+
+# $(call build,PROGRAM): optimised, without tests and benches; quiet unless it fails
+define build
+@mkdir -p build
+@cmake --preset release -DVARNO_BENCH=OFF -DBUILD_TESTING=OFF -B build/demo >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
+@cmake --build build/demo --target $(1) >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
+endef
 
 demo:
 	@scripts/setup $(demo_needs)
-	@mkdir -p build
-	@cmake --preset release -DVARNO_BENCH=OFF -DBUILD_TESTING=OFF -B build/demo >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
-	@cmake --build build/demo --target $(demo_program) >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
+	$(call build,$(demo_program))
 	@$(demo_start) build/demo/demo/$(demo_program) $(demo_arguments)
 
 run:
 	@scripts/setup build
-	@mkdir -p build
-	@cmake --preset release -DVARNO_BENCH=OFF -DBUILD_TESTING=OFF -B build/demo >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
-	@cmake --build build/demo --target varno >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
+	$(call build,varno)
 	@build/demo/app/varno
 
 test:

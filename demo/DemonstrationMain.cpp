@@ -8,6 +8,8 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 int run(const QCoreApplication& application)
 {
     QString error;
@@ -18,11 +20,13 @@ int run(const QCoreApplication& application)
     if (!setting)
         return fail(error);
     setting->service().setScript({.pace = std::chrono::milliseconds(12)});
-    setting->viewModel().setAIModel(invocation->model);
+    AppViewModel model(setting->dependencies());
+    model.setAIModel(invocation->model);
 
     QTextStream terminal(stdout);
-    terminal << setting->introduction() << "\n\n";
-    Demonstration demonstration(setting->viewModel(), setting->service(), terminal);
+    terminal << "A demonstration: " << details(model.aiModel()).displayName
+             << " is played by a stand-in on this machine, with a key ring of its own.\n\n";
+    Demonstration demonstration(model, setting->service(), terminal);
     QObject::connect(&demonstration, &Demonstration::finished, &application,
                      [](const std::optional<QString>& message) {
                          QCoreApplication::exit(message ? fail(*message) : 0);
@@ -30,7 +34,8 @@ int run(const QCoreApplication& application)
     const auto terminationSignals = TerminationSignals::install();
     QObject::connect(terminationSignals.get(), &TerminationSignals::received, &application,
                      [] { QCoreApplication::exit(1); });
-    demonstration.start(invocation->query);
+    const QString favourite = u"the history of the roman empire"_s;
+    demonstration.start(invocation->query.isEmpty() ? favourite : invocation->query);
     return QCoreApplication::exec();
 }
 

@@ -9,18 +9,18 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// Gives the key ring a made-up key for each service; false when it is not there to be filled.
-bool fillKeyRing(const KeychainService& keychain)
+QStringList accounts()
 {
-    const QStringList accounts = {keychain.anthropicAccount, keychain.geminiAccount};
-    const auto absent = [&](const QString& account) {
-        return keychain.presence(account) == KeyPresence::absent;
-    };
-    if (!std::all_of(accounts.begin(), accounts.end(), absent))
-        return false;
-    for (const QString& account : accounts)
-        keychain.save(u"demonstration-key"_s, account);
-    return std::none_of(accounts.begin(), accounts.end(), absent);
+    const KeychainService& keychain = KeychainService::shared();
+    return {keychain.anthropicAccount, keychain.geminiAccount};
+}
+
+bool allAre(KeyPresence presence)
+{
+    const QStringList all = accounts();
+    return std::all_of(all.begin(), all.end(), [presence](const QString& account) {
+        return KeychainService::shared().presence(account) == presence;
+    });
 }
 
 } // namespace
@@ -30,11 +30,16 @@ std::unique_ptr<DemonstrationSetting> DemonstrationSetting::open(QString& error)
     auto service = StandInService::start({}, &error);
     if (!service)
         return nullptr;
-    if (!fillKeyRing(KeychainService::shared())) {
+    std::unique_ptr<DemonstrationSetting> setting;
+    if (allAre(KeyPresence::absent)) { // no user's keys are there, and none is touched
+        setting.reset(new DemonstrationSetting(std::move(service)));
+        setting->storeKeys();
+    }
+    if (!setting || !allAre(KeyPresence::present)) {
         error = u"The demonstration needs a key ring of its own: start it with “make demo”."_s;
         return nullptr;
     }
-    return std::unique_ptr<DemonstrationSetting>(new DemonstrationSetting(std::move(service)));
+    return setting;
 }
 
 DemonstrationSetting::DemonstrationSetting(std::unique_ptr<StandInService> service)
@@ -43,22 +48,25 @@ DemonstrationSetting::DemonstrationSetting(std::unique_ptr<StandInService> servi
     , m_history(m_files.filePath(u"session_history.json"_s))
     , m_claude(m_service->claudeEndpoint(), systemHttpSession(), KeychainService::shared())
     , m_gemini(m_service->geminiBaseURL(), systemHttpSession(), KeychainService::shared())
-    , m_viewModel({.preferences = m_preferences,
-                   .history = m_history,
-                   .claude = m_claude,
-                   .gemini = m_gemini})
 {
 }
 
-DemonstrationSetting::~DemonstrationSetting()
+AppViewModel::Dependencies DemonstrationSetting::dependencies()
 {
-    m_viewModel.prepareToQuit();
+    return {
+        .preferences = m_preferences, .history = m_history, .claude = m_claude, .gemini = m_gemini};
 }
 
-QString DemonstrationSetting::introduction() const
+void DemonstrationSetting::storeKeys()
 {
-    return u"A demonstration: %1 is played by a stand-in on this machine, with a key ring of its "
-           u"own."_s.arg(details(m_viewModel.aiModel()).displayName);
+    for (const QString& account : accounts())
+        KeychainService::shared().save(u"demonstration-key"_s, account);
+}
+
+void DemonstrationSetting::removeKeys()
+{
+    for (const QString& account : accounts())
+        KeychainService::shared().remove(account);
 }
 
 } // namespace varno

@@ -116,6 +116,14 @@ EntryLibrary::EntryLibrary()
     }
 }
 
+QStringList EntryLibrary::titles() const
+{
+    QStringList titles;
+    for (const LibraryTopic& topic : m_topics)
+        titles.append(topic.title);
+    return titles;
+}
+
 const LibraryTopic* EntryLibrary::find(const QString& query) const
 {
     QString key = lookupKey(query);

@@ -3,7 +3,7 @@
 #include "core/EntryType.h"
 
 #include <QList>
-#include <QString>
+#include <QStringList>
 
 #include <optional>
 
@@ -37,6 +37,7 @@ public:
     EntryLibrary();
 
     [[nodiscard]] const QList<LibraryTopic>& topics() const { return m_topics; }
+    [[nodiscard]] QStringList titles() const;
 
     /// The topic that `query` means, whatever its case, blanks, leading article or closing mark,
     /// and also under the shorter names that readers use; null when there is none.

@@ -1,17 +1,11 @@
-#include "demo/ShotTour.h"
+#include "demo/EntryTour.h"
 
-#include "demo/DemonstrationSetting.h"
+#include "core/AppViewModel.h"
 
 #include <QAbstractScrollArea>
 #include <QApplication>
-#include <QCursor>
-#include <QDeadlineTimer>
-#include <QKeyEvent>
 #include <QLineEdit>
-#include <QPixmap>
-#include <QScreen>
 #include <QScrollBar>
-#include <QTimer>
 
 #include <algorithm>
 #include <cstdio>
@@ -20,7 +14,6 @@ namespace varno {
 namespace {
 
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 bool hasArrived(const AppViewModel& model, Scene::Moment moment)
 {
@@ -39,91 +32,84 @@ bool hasArrived(const AppViewModel& model, Scene::Moment moment)
     return !model.isStreaming() && !model.tocIsLoading();
 }
 
-void press(QWidget& receiver, int key, Qt::KeyboardModifiers modifiers, const QString& text)
+void scrollToEnd(const QWidget& window)
 {
-    for (const QEvent::Type type : {QEvent::KeyPress, QEvent::KeyRelease}) {
-        QKeyEvent event(type, key, modifiers, text);
-        QCoreApplication::sendEvent(&receiver, &event);
+    for (const QAbstractScrollArea* area : window.findChildren<QAbstractScrollArea*>()) {
+        QScrollBar& bar = *area->verticalScrollBar();
+        bar.setValue(bar.maximum());
     }
 }
 
 } // namespace
 
-ShotTour::ShotTour(DemonstrationSetting& setting, QWidget& window, const QDir& folder)
-    : m_setting(setting)
-    , m_model(setting.viewModel())
+EntryTour::EntryTour(AppViewModel& model, StandInService& service, QWidget& window, Camera& camera)
+    : m_model(model)
+    , m_service(service)
     , m_window(window)
-    , m_folder(folder)
-    , m_stillness(window)
+    , m_camera(camera)
 {
-    connect(&m_model, &AppViewModel::changed, &m_stillness, &Stillness::disturb);
 }
 
-bool ShotTour::run()
+bool EntryTour::run()
 {
-    if (!waitUntil([this] { return m_window.isActiveWindow(); }))
-        return giveUp(u"The window does not become the active one."_s);
-    // The pointer is to hover over nothing.
-    const QRect screen = m_window.screen()->geometry();
-    QCursor::setPos(screen.bottomRight());
-    m_window.move(screen.topLeft());
     const QList<Scene> all = scenes();
     return std::ranges::all_of(all, [this](const Scene& scene) { return visit(scene); });
 }
 
-bool ShotTour::visit(const Scene& scene)
+bool EntryTour::visit(const Scene& scene)
 {
     if (!open(scene) || (scene.opensSection && !openSection()) ||
         (!scene.findText.isEmpty() && !find(scene.findText)) || (scene.selectsAll && !selectAll()))
-        return giveUp(u"The state “%1” does not come about."_s.arg(scene.name));
-    const int before = m_pictureCount;
+        return m_camera.giveUp(u"The state “%1” does not come about."_s.arg(scene.name));
+    const int before = m_camera.pictureCount();
     if (!takePictures(scene))
         return false;
-    std::printf("%-18s %d pictures\n", qUtf8Printable(scene.name), m_pictureCount - before);
+    std::printf("%-18s %d pictures\n", qUtf8Printable(scene.name),
+                m_camera.pictureCount() - before);
     std::fflush(stdout);
     return true;
 }
 
-bool ShotTour::open(const Scene& scene)
+bool EntryTour::open(const Scene& scene)
 {
+    m_model.setShowingSettings(false);
     m_model.newSearch();
     m_model.clearHistory(); // so that the entry is asked for again
     m_window.resize(scene.windowSize);
-    m_setting.service().setScript(scene.answer);
-    m_setting.service().setTOCScript(scene.contents);
+    m_service.setScript(scene.answer);
+    m_service.setTOCScript(scene.contents);
     m_model.search(scene.query);
-    return waitUntil([&] { return hasArrived(m_model, scene.moment); }) &&
-           waitUntil([&] { return m_window.size() == scene.windowSize; });
+    return m_camera.waitUntil([&] { return hasArrived(m_model, scene.moment); }) &&
+           m_camera.waitUntil([&] { return m_window.size() == scene.windowSize; });
 }
 
-bool ShotTour::openSection()
+bool EntryTour::openSection()
 {
     if (m_model.streamingTOC().isEmpty())
         return false;
     m_model.navigateTo(m_model.streamingTOC().constFirst());
-    return waitUntil([this] { return hasArrived(m_model, Scene::Moment::finished); });
+    return m_camera.waitUntil([this] { return hasArrived(m_model, Scene::Moment::finished); });
 }
 
-bool ShotTour::find(const QString& text)
+bool EntryTour::find(const QString& text)
 {
     m_model.setShowingFind(true);
     const auto field = [] { return qobject_cast<QLineEdit*>(QApplication::focusWidget()); };
-    if (!waitUntil([&] { return field() != nullptr; }))
+    if (!m_camera.waitUntil([&] { return field() != nullptr; }))
         return false;
-    for (const QChar character : text)
-        press(*field(), 0, Qt::NoModifier, QString(character));
+    typeText(*field(), text);
     return true;
 }
 
-bool ShotTour::selectAll()
+bool EntryTour::selectAll()
 {
-    if (!waitUntil([] { return QApplication::focusWidget() != nullptr; }))
+    if (!m_camera.waitUntil([] { return QApplication::focusWidget() != nullptr; }))
         return false;
-    press(*QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier, {});
+    typeKey(*QApplication::focusWidget(), Qt::Key_A, Qt::ControlModifier);
     return true;
 }
 
-bool ShotTour::takePictures(const Scene& scene)
+bool EntryTour::takePictures(const Scene& scene)
 {
     for (const auto& theme : RawValues<AppTheme>::cases) {
         for (const auto& size : RawValues<FontSize>::cases) {
@@ -134,59 +120,16 @@ bool ShotTour::takePictures(const Scene& scene)
     return true;
 }
 
-bool ShotTour::takePicture(const Scene& scene, AppTheme theme, FontSize size)
+bool EntryTour::takePicture(const Scene& scene, AppTheme theme, FontSize size)
 {
     m_model.setTheme(theme);
     m_model.setFontSize(size);
-    if (!settle())
-        return giveUp(u"The window does not come to rest in the state “%1”."_s.arg(scene.name));
     if (scene.endsBelow) {
-        scrollToEnd();
-        if (!settle())
-            return giveUp(u"The page does not scroll to its end."_s);
+        if (!m_camera.settle())
+            return m_camera.giveUp(u"The page does not come to rest."_s);
+        scrollToEnd(m_window);
     }
-    const QPixmap picture = m_window.screen()->grabWindow(m_window.winId());
-    if (picture.size() != scene.windowSize)
-        return giveUp(u"The screen does not give its picture of the window."_s);
-    const QString path =
-        m_folder.filePath(u"%1-%2-%3.png"_s.arg(scene.name, rawValue(theme), rawValue(size)));
-    if (!picture.save(path))
-        return giveUp(u"The file “%1” cannot be written."_s.arg(path));
-    ++m_pictureCount;
-    return true;
-}
-
-void ShotTour::scrollToEnd()
-{
-    for (const QAbstractScrollArea* area : m_window.findChildren<QAbstractScrollArea*>()) {
-        QScrollBar& bar = *area->verticalScrollBar();
-        bar.setValue(bar.maximum());
-    }
-}
-
-bool ShotTour::settle()
-{
-    m_stillness.disturb();
-    return waitUntil([this] { return m_stillness.isStill(); });
-}
-
-bool ShotTour::waitUntil(const std::function<bool()>& condition) const
-{
-    const QDeadlineTimer deadline(20s);
-    QTimer beat;
-    beat.start(10ms);
-    while (!condition()) {
-        if (m_stopped || deadline.hasExpired())
-            return false;
-        QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
-    }
-    return true;
-}
-
-bool ShotTour::giveUp(const QString& sentence)
-{
-    m_error = m_stopped ? u"The tour was ended."_s : sentence;
-    return false;
+    return m_camera.take(u"%1-%2-%3"_s.arg(scene.name, rawValue(theme), rawValue(size)));
 }
 
 } // namespace varno

@@ -31,12 +31,12 @@ QString modelNames()
 
 std::optional<Invocation> readInvocation(const QStringList& arguments, QString& error)
 {
-    if (arguments.size() < 2 || arguments.size() > 3 || arguments.at(1).trimmed().isEmpty()) {
+    if (arguments.size() > 3) {
         const QString program = QFileInfo(arguments.value(0)).fileName();
-        error = u"Usage: %1 QUERY [MODEL]\nModels: %2"_s.arg(program, modelNames());
+        error = u"Usage: %1 [QUERY [MODEL]]\nModels: %2"_s.arg(program, modelNames());
         return std::nullopt;
     }
-    Invocation invocation{.query = arguments.at(1)};
+    Invocation invocation{.query = arguments.value(1).trimmed()};
     if (arguments.size() == 3) {
         const std::optional<AIModel> model = modelNamed(arguments.at(2));
         if (!model) {

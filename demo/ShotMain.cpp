@@ -1,7 +1,10 @@
+#include "app/OpenShortcut.h"
+#include "app/VarnoApp.h"
+#include "app/VarnoPanel.h"
 #include "demo/DemonstrationSetting.h"
+#include "demo/EntryTour.h"
 #include "demo/Invocation.h"
-#include "demo/ReadingWindow.h"
-#include "demo/ShotTour.h"
+#include "demo/ScreenTour.h"
 #include "platform/TerminationSignals.h"
 
 #include <QApplication>
@@ -26,15 +29,18 @@ int run()
     const auto setting = DemonstrationSetting::open(error);
     if (!setting)
         return fail(error);
-    ReadingWindow window(setting->viewModel());
-    window.show();
-    ShotTour tour(*setting, window, folder);
+    AppViewModel model(setting->dependencies());
+    KeychainTasks keys(KeychainService::shared());
+    VarnoPanel panel(model, keys, panelShortcut());
+    panel.present(0);
+    Camera camera(panel, folder);
     const auto terminationSignals = TerminationSignals::install();
-    QObject::connect(terminationSignals.get(), &TerminationSignals::received, &tour,
-                     &ShotTour::stop);
-    if (!tour.run())
-        return fail(tour.error());
-    std::printf("%d pictures in %s\n", tour.pictureCount(), qUtf8Printable(folder.path()));
+    QObject::connect(terminationSignals.get(), &TerminationSignals::received, &panel,
+                     [&camera] { camera.stop(); });
+    if (!camera.prepare() || !ScreenTour(model, *setting, panel, camera).run() ||
+        !EntryTour(model, setting->service(), panel, camera).run())
+        return fail(camera.error());
+    std::printf("%d pictures in %s\n", camera.pictureCount(), qUtf8Printable(folder.path()));
     return 0;
 }
 
@@ -44,5 +50,6 @@ int run()
 int main(int argc, char** argv)
 {
     const QApplication application(argc, argv);
+    varno::VarnoApp::prepare();
     return varno::run();
 }

@@ -47,6 +47,7 @@ private slots:
     {
         QTest::addColumn<QStringList>("arguments");
         QTest::addColumn<QString>("pattern"); // what the output holds, in this order
+        QTest::newRow("no query") << QStringList() << u"THE HISTORY OF THE ROMAN EMPIRE.*"_s;
         QTest::newRow("article") << QStringList({u"the history of the roman empire"_s})
                                  << u"Claude Sonnet 5.*THE HISTORY OF THE ROMAN EMPIRE.*## .*"
                                     "CONTENTS\n  1\\. From Republic to Empire.*SEE ALSO.*"
@@ -79,8 +80,7 @@ private slots:
     void refuses_data()
     {
         QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("no query") << QStringList();
-        QTest::newRow("blank query") << QStringList({u"  "_s});
+        QTest::newRow("too many") << QStringList({u"rome"_s, u"gemini"_s, u"please"_s});
         QTest::newRow("unknown model") << QStringList({u"rome"_s, u"abacus"_s});
     }
     void refuses()
