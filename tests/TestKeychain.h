@@ -1,0 +1,24 @@
+#pragma once
+
+#include "platform/fake/FakeKeyStore.h"
+#include "providers/KeychainService.h"
+
+#include <deque>
+
+namespace varno {
+
+template <typename Store>
+struct TestKeychain {
+    Store store;
+    KeychainService service{store};
+};
+
+/// Empty, and there as long as the process, which those who are asked in the background may need.
+template <typename Store = FakeKeyStore>
+KeychainService& newKeychain()
+{
+    static auto* const all = new std::deque<TestKeychain<Store>>; // never destroyed
+    return all->emplace_back().service;
+}
+
+} // namespace varno
