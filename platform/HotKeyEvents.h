@@ -40,6 +40,7 @@ class HotKeyEvents {
 public:
     using Reference = quint32;
     using Handler = std::function<int(const HotKeyEvent&)>;
+    using RefusalHandler = std::function<void(Reference)>;
 
     enum EventType : quint8 { hotKeyEvents = 1, keyboardEvents = 2 };
     Q_DECLARE_FLAGS(EventTypes, EventType)
@@ -47,9 +48,15 @@ public:
     virtual ~HotKeyEvents() = default;
 
     /// Nothing if the system refuses: the combination is somebody else's, or there is no such key.
+    /// One that asks its user refuses later: see `setRefusalHandler`.
     [[nodiscard]] virtual std::optional<Reference>
     registerHotKey(int carbonKeyCode, int carbonModifiers, HotKeyIdentity identity) = 0;
     virtual void unregisterHotKey(Reference reference) = 0;
+
+    /// Told, from the event loop, of a hot key that the system has refused after all; it is not
+    /// registered any more. An empty one takes it off. It may destroy this object. Systems that
+    /// refuse at once never call it.
+    virtual void setRefusalHandler(const RefusalHandler& /*handler*/) {}
 
     /// The one handler of events, called from the event loop; an empty one takes it off. It may
     /// destroy this object.

@@ -42,6 +42,7 @@ HotKeyCenter::~HotKeyCenter()
     if (m_installed) {
         m_events.removeEventTypes(m_types);
         m_events.installHandler({});
+        m_events.setRefusalHandler({});
     }
     for (const auto& [id, hotKey] : m_hotKeys)
         m_events.unregisterHotKey(hotKey.reference);
@@ -64,8 +65,23 @@ void HotKeyCenter::installHandler()
     if (std::exchange(m_installed, true))
         return;
     m_events.installHandler([this](const HotKeyEvent& event) { return handle(event); });
+    m_events.setRefusalHandler([this](HotKeyEvents::Reference reference) { forget(reference); });
     if (!m_paused)
         m_events.addEventTypes(m_types);
+}
+
+void HotKeyCenter::forget(HotKeyEvents::Reference reference)
+{
+    const auto found =
+        std::find_if(m_hotKeys.begin(), m_hotKeys.end(), [reference](const auto& entry) {
+            return entry.second.reference == reference;
+        });
+    if (found == m_hotKeys.end())
+        return;
+    const Shortcut shortcut = found->second.shortcut;
+    m_hotKeys.erase(found);
+    if (m_refusalHandler)
+        m_refusalHandler(shortcut);
 }
 
 void HotKeyCenter::remove(const Shortcut& shortcut)

@@ -7,6 +7,7 @@
 
 #include <functional>
 #include <map>
+#include <utility>
 
 namespace varno {
 
@@ -21,6 +22,8 @@ public:
         std::function<void()> keyUp{};
     };
 
+    using RefusalHandler = std::function<void(const Shortcut&)>;
+
     /// `events` outlives it. `system` decides which events there are to listen to.
     explicit HotKeyCenter(HotKeyEvents& events, const QOperatingSystemVersion& system =
                                                     QOperatingSystemVersion::current());
@@ -30,6 +33,9 @@ public:
     /// False if the system refuses. A shortcut can be registered once at a time.
     [[nodiscard]] bool add(const Shortcut& shortcut, Callbacks callbacks);
     void remove(const Shortcut& shortcut);
+
+    /// Told of a shortcut that was added and that the system has refused since; it is forgotten.
+    void setRefusalHandler(RefusalHandler handler) { m_refusalHandler = std::move(handler); }
 
     /// While it is paused the shortcuts stay registered, but nothing is called.
     void setPaused(bool paused);
@@ -51,9 +57,11 @@ private:
     [[nodiscard]] HotKeys::const_iterator find(const Shortcut& shortcut) const;
     [[nodiscard]] HotKeys::const_iterator target(const HotKeyEvent& event) const;
     void installHandler();
+    void forget(HotKeyEvents::Reference reference);
 
     HotKeyEvents& m_events;
     HotKeyEvents::EventTypes m_types = HotKeyEvents::hotKeyEvents;
+    RefusalHandler m_refusalHandler;
     HotKeys m_hotKeys; ///< by the ids that the system has
     quint32 m_lastId = 0;
     quint32 m_lastEventTime = 0;

@@ -30,6 +30,10 @@ KeyboardShortcuts::KeyboardShortcuts(PreferencesStore& preferences, HotKeyEvents
         m_activeRecorders += active ? 1 : -1;
         updatePaused();
     });
+    m_center.setRefusalHandler([this](const Shortcut& shortcut) {
+        m_registered.remove(shortcut);
+        reportRefusal(shortcut);
+    });
     connect(&keyboard, &Keyboard::layoutChanged, this, &KeyboardShortcuts::descriptionsDidChange);
 }
 
@@ -197,7 +201,12 @@ void KeyboardShortcuts::registerWithSystem(const Shortcut& shortcut)
     if (m_center.add(shortcut, callbacks))
         m_registered.insert(shortcut);
     else
-        std::cerr << "Error registering hotkey " << qPrintable(description(shortcut)) << std::endl;
+        reportRefusal(shortcut);
+}
+
+void KeyboardShortcuts::reportRefusal(const Shortcut& shortcut) const
+{
+    std::cerr << "Error registering hotkey " << qPrintable(description(shortcut)) << std::endl;
 }
 
 void KeyboardShortcuts::run(const Shortcut& shortcut, HandlerTable& legacy, HandlerTable& stream)

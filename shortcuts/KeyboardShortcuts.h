@@ -105,6 +105,7 @@ private:
     /// Registers the shortcut or gives it back, as the live names want it.
     void update(const std::optional<Shortcut>& shortcut);
     void registerWithSystem(const Shortcut& shortcut);
+    void reportRefusal(const Shortcut& shortcut) const;
     void store(const std::optional<Shortcut>& shortcut, const Name& name, bool cleared);
     void run(const Shortcut& shortcut, HandlerTable& legacy, HandlerTable& stream);
     void updatePaused();

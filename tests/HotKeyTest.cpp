@@ -86,6 +86,7 @@ private slots:
         m_shortcuts.reset();
         QVERIFY(m_events.registered.empty());
         QVERIFY(!m_events.handler);
+        QVERIFY(!m_events.refusalHandler);
         QVERIFY(!m_events.types);
         m_events.installations = 0;
     }
@@ -253,6 +254,25 @@ private slots:
         m_events.reserved.clear();
         m_shortcuts->enable({open});
         QVERIFY(m_shortcuts->isEnabled(open));
+    }
+
+    void laterRefusal()
+    {
+        const Name open = name(u"open"_s, optionCommandF);
+        m_shortcuts->onKeyUp(open, calls(u"up"_s));
+        m_shortcuts->onKeyUp(name(u"other"_s, controlJ), calls(u"other"_s));
+        QVERIFY(m_shortcuts->isEnabled(open));
+        const Console console;
+        m_events.refuse(m_events.registered.begin()->first);
+        QCOMPARE(console.text(), u"Error registering hotkey ⌥⌘F\n"_s);
+        QVERIFY(!m_shortcuts->isEnabled(open));
+        QCOMPARE(m_shortcuts->getShortcut(open), std::optional(optionCommandF));
+        m_events.refuse(4711); // nobody's
+        QVERIFY(send(controlJ, released));
+        m_shortcuts->enable({open});
+        QVERIFY(m_shortcuts->isEnabled(open));
+        QVERIFY(send(optionCommandF, released));
+        QCOMPARE(takeCalls(), QStringList({u"other"_s, u"up"_s}));
     }
 
     void eventsEndWithTheirHandle()

@@ -21,17 +21,26 @@ public:
     std::map<Reference, Registration> registered;
     std::set<Combination> reserved; ///< registering these fails
     Handler handler;
+    RefusalHandler refusalHandler;
     EventTypes types;
     int installations = 0;
 
     /// What the handler answers; nothing if it does not get the event.
-    std::optional<int> send(const HotKeyEvent& event) const
+    [[nodiscard]] std::optional<int> send(const HotKeyEvent& event) const
     {
         const EventType type =
             event.eventClass == HotKeyEventClass::hotKey ? hotKeyEvents : keyboardEvents;
         if (!handler || !types.testFlag(type))
             return std::nullopt;
         return Handler(handler)(event);
+    }
+
+    /// As a system does that has asked its user.
+    void refuse(Reference reference)
+    {
+        registered.erase(reference);
+        if (const RefusalHandler told = refusalHandler)
+            told(reference);
     }
 
     [[nodiscard]] std::optional<Reference> registerHotKey(int carbonKeyCode, int carbonModifiers,
@@ -45,6 +54,11 @@ public:
     }
 
     void unregisterHotKey(Reference reference) override { registered.erase(reference); }
+
+    void setRefusalHandler(const RefusalHandler& newHandler) override
+    {
+        refusalHandler = newHandler;
+    }
 
     void installHandler(Handler newHandler) override
     {

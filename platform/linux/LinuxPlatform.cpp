@@ -1,11 +1,15 @@
 #include "platform/Platform.h"
 #include "platform/linux/CurlHttpSession.h"
 #include "platform/linux/PortalAnimationSetting.h"
+#include "platform/linux/PortalHotKeyEvents.h"
 #include "platform/linux/SecretServiceKeyStore.h"
 #include "platform/linux/SettingsPreferencesStore.h"
 #include "platform/linux/XcbConnection.h"
 #include "platform/linux/XcbHotKeyEvents.h"
 #include "platform/linux/XcbKeyboard.h"
+
+#include <QDir>
+#include <QFileInfo>
 
 namespace varno {
 namespace {
@@ -14,6 +18,24 @@ XcbConnection& keyboardConnection()
 {
     static XcbConnection connection;
     return connection;
+}
+
+/// There the X server beside it sees keys only while one of its own windows has the focus.
+bool isWaylandSession()
+{
+    if (qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1StringView("wayland"))
+        return true;
+    const QString socket = qEnvironmentVariable("WAYLAND_DISPLAY");
+    return !socket.isEmpty() &&
+           QFileInfo::exists(
+               QDir(qEnvironmentVariable("XDG_RUNTIME_DIR")).absoluteFilePath(socket));
+}
+
+std::unique_ptr<HotKeyEvents> makeHotKeyEvents()
+{
+    if (isWaylandSession())
+        return std::make_unique<PortalHotKeyEvents>(PortalConnection::shared(), systemKeyboard());
+    return std::make_unique<XcbHotKeyEvents>(keyboardConnection());
 }
 
 } // namespace
@@ -26,8 +48,8 @@ AnimationSetting& systemAnimationSetting()
 
 HotKeyEvents& systemHotKeyEvents()
 {
-    static XcbHotKeyEvents events(keyboardConnection());
-    return events;
+    static const std::unique_ptr<HotKeyEvents> events = makeHotKeyEvents();
+    return *events;
 }
 
 HttpSession& systemHttpSession()

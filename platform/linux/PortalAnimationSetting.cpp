@@ -1,23 +1,18 @@
 #include "platform/linux/PortalAnimationSetting.h"
 
-#include <QDBusConnection>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
 #include <QDBusVariant>
 #include <QMap>
-#include <QPromise>
 #include <QStringList>
-#include <QThreadPool>
 
-#include <memory>
+#include <utility>
 
 namespace varno {
 namespace {
 
-const QString service = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString path = QStringLiteral("/org/freedesktop/portal/desktop");
 const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
 const QString gnomeSpace = QStringLiteral("org.gnome.desktop.interface");
 const QString plasmaSpace = QStringLiteral("org.kde.kdeglobals.KDE");
@@ -26,39 +21,36 @@ using Namespaces = QMap<QString, QVariantMap>;
 
 } // namespace
 
+PortalAnimationSetting::PortalAnimationSetting(PortalConnection& portal)
+    : m_portal(portal)
+{
+}
+
 bool PortalAnimationSetting::isEnabled()
 {
-    if (!m_asked) {
-        m_asked = true;
-        connectToBus();
+    if (std::exchange(m_asked, true))
+        return m_gnomeWants && m_plasmaWants;
+    if (m_portal.isReady()) {
+        ask();
+    } else {
+        connect(&m_portal, &PortalConnection::ready, this, &PortalAnimationSetting::ask,
+                Qt::SingleShotConnection);
+        m_portal.open();
     }
     return m_gnomeWants && m_plasmaWants;
 }
 
-void PortalAnimationSetting::connectToBus()
-{
-    // Its first use waits for the bus, and may even start one.
-    const auto promise = std::make_shared<QPromise<void>>();
-    connect(&m_connecting, &QFutureWatcherBase::finished, this, &PortalAnimationSetting::ask);
-    m_connecting.setFuture(promise->future());
-    QThreadPool::globalInstance()->start([promise] {
-        promise->start();
-        QDBusConnection::sessionBus();
-        promise->finish();
-    });
-}
-
 void PortalAnimationSetting::ask()
 {
-    QDBusConnection bus = QDBusConnection::sessionBus();
+    QDBusConnection bus = m_portal.bus();
     if (!bus.isConnected())
         return;
     qRegisterMetaType<QDBusVariant>(); // a slot with a type that is not registered is not connected
     // From any sender: naming the service would wait for the bus to say who owns that name.
-    bus.connect(QString(), path, interface, QStringLiteral("SettingChanged"), this,
-                SLOT(take(QString, QString, QDBusVariant)));
-    QDBusMessage question =
-        QDBusMessage::createMethodCall(service, path, interface, QStringLiteral("ReadAll"));
+    bus.connect(QString(), PortalConnection::path, interface, QStringLiteral("SettingChanged"),
+                this, SLOT(take(QString, QString, QDBusVariant)));
+    QDBusMessage question = QDBusMessage::createMethodCall(
+        PortalConnection::service, PortalConnection::path, interface, QStringLiteral("ReadAll"));
     question << QStringList{gnomeSpace, plasmaSpace};
     auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {

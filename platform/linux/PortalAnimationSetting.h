@@ -1,8 +1,8 @@
 #pragma once
 
 #include "platform/AnimationSetting.h"
+#include "platform/linux/PortalConnection.h"
 
-#include <QFutureWatcher>
 #include <QString>
 #include <QVariant>
 
@@ -18,18 +18,20 @@ class PortalAnimationSetting final : public AnimationSetting {
     Q_OBJECT
 
 public:
+    /// `portal` outlives it.
+    explicit PortalAnimationSetting(PortalConnection& portal = PortalConnection::shared());
+
     [[nodiscard]] bool isEnabled() override;
 
 private Q_SLOTS:
     void take(const QString& space, const QString& key, const QDBusVariant& value);
 
 private:
-    void connectToBus();
     void ask();
     void takeAll(const QDBusMessage& reply);
     void set(const QString& space, const QString& key, const QVariant& value);
 
-    QFutureWatcher<void> m_connecting;
+    PortalConnection& m_portal;
     bool m_asked = false;
     bool m_gnomeWants = true;
     bool m_plasmaWants = true;

@@ -1,0 +1,108 @@
+#include "platform/linux/PortalConnection.h"
+
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QPromise>
+#include <QThreadPool>
+
+#include <memory>
+#include <utility>
+
+namespace varno {
+namespace {
+
+/// The name of the desktop file, which the portal looks for.
+const QString applicationId = QStringLiteral("com.kelbrin.varno");
+
+const QString busName = QStringLiteral("org.freedesktop.DBus");
+
+} // namespace
+
+const QString PortalConnection::service = QStringLiteral("org.freedesktop.portal.Desktop");
+const QString PortalConnection::path = QStringLiteral("/org/freedesktop/portal/desktop");
+
+PortalConnection& PortalConnection::shared()
+{
+    static PortalConnection connection(&QDBusConnection::sessionBus);
+    return connection;
+}
+
+PortalConnection::PortalConnection(Connector connector)
+    : m_connector(std::move(connector))
+    , m_bus(QString())
+{
+    connect(&m_connecting, &QFutureWatcherBase::finished, this, &PortalConnection::watch);
+}
+
+PortalConnection::~PortalConnection() = default;
+
+void PortalConnection::open()
+{
+    if (m_state == State::lost)
+        introduce();
+    if (m_state != State::closed)
+        return;
+    m_state = State::connecting;
+    // The first use of a bus waits for it, and may even start one.
+    const auto promise = std::make_shared<QPromise<QDBusConnection>>();
+    m_connecting.setFuture(promise->future());
+    QThreadPool::globalInstance()->start([promise, connector = m_connector] {
+        promise->start();
+        promise->addResult(connector());
+        promise->finish();
+    });
+}
+
+void PortalConnection::watch()
+{
+    m_bus = m_connecting.result();
+    if (!m_bus.isConnected()) {
+        setOwner(QString());
+        return;
+    }
+    // From any sender: naming one would wait for the bus to say who owns that name, here as in all
+    // that listens to the portal.
+    m_bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus"), busName,
+                  QStringLiteral("NameOwnerChanged"), {service}, QString(), this,
+                  SLOT(takeOwner(QString, QString, QString)));
+    introduce();
+}
+
+void PortalConnection::introduce()
+{
+    m_state = State::introducing;
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        service, path, QStringLiteral("org.freedesktop.host.portal.Registry"),
+        QStringLiteral("Register"));
+    call << applicationId << QVariantMap();
+    auto* answer = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        // Older portals answer that they know no such call. Where there is none the bus answers.
+        const QString sender = answer->reply().service();
+        answer->deleteLater();
+        setOwner(sender.startsWith(u':') ? sender : QString());
+    });
+}
+
+void PortalConnection::setOwner(const QString& owner)
+{
+    m_owner = owner;
+    m_state = State::ready;
+    Q_EMIT ready();
+}
+
+void PortalConnection::takeOwner(const QString& /*name*/, const QString& /*before*/,
+                                 const QString& owner)
+{
+    if (message().service() != busName || m_state == State::introducing || owner == m_owner)
+        return; // the last two: our own call has started it
+    if (!owner.isEmpty()) {
+        introduce();
+        return;
+    }
+    m_owner.clear();
+    m_state = State::lost;
+    Q_EMIT lost();
+}
+
+} // namespace varno

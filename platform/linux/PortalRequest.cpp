@@ -1,0 +1,92 @@
+#include "platform/linux/PortalRequest.h"
+
+#include "platform/linux/PortalConnection.h"
+
+#include <QDBusMessage>
+#include <QDBusObjectPath>
+#include <QDBusPendingCallWatcher>
+
+namespace varno {
+namespace {
+
+const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request");
+
+/// Where the portal makes the object of a call, known before the call so that no answer is missed.
+QString requestPath(const QDBusConnection& bus, const QString& token)
+{
+    QString sender = bus.baseService();
+    sender.remove(u':').replace(u'.', u'_');
+    return QStringLiteral("%1/request/%2/%3").arg(PortalConnection::path, sender, token);
+}
+
+} // namespace
+
+PortalRequest::PortalRequest(const PortalConnection& portal, QObject* parent)
+    : QObject(parent)
+    , m_bus(portal.bus())
+    , m_owner(portal.owner())
+{
+}
+
+PortalRequest::~PortalRequest()
+{
+    if (m_objectPath.isEmpty())
+        return;
+    m_bus.send(QDBusMessage::createMethodCall(m_owner, m_objectPath, requestInterface,
+                                              QStringLiteral("Close")));
+}
+
+QString PortalRequest::newToken()
+{
+    static int last = 0;
+    return QStringLiteral("varno%1").arg(++last);
+}
+
+void PortalRequest::send(const QString& interface, const QString& method,
+                         const QVariantList& arguments, QVariantMap options)
+{
+    const QString token = newToken();
+    options.insert(QStringLiteral("handle_token"), token);
+    listenTo(requestPath(m_bus, token));
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(m_owner, PortalConnection::path, interface, method);
+    call.setArguments(QVariantList(arguments) << options);
+    auto* reply = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    connect(reply, &QDBusPendingCallWatcher::finished, this,
+            [this, reply] { takeReply(reply->reply()); });
+}
+
+void PortalRequest::listenTo(const QString& objectPath)
+{
+    m_objectPath = objectPath;
+    m_bus.connect(QString(), objectPath, requestInterface, QStringLiteral("Response"), this,
+                  SLOT(takeResponse(uint, QVariantMap)));
+}
+
+void PortalRequest::takeReply(const QDBusMessage& reply)
+{
+    if (m_objectPath.isEmpty())
+        return; // answered already
+    if (reply.type() != QDBusMessage::ReplyMessage) {
+        answer(false, {});
+        return;
+    }
+    const auto made = reply.arguments().value(0).value<QDBusObjectPath>().path();
+    if (!made.isEmpty() && made != m_objectPath) // as very old portals do
+        listenTo(made);
+}
+
+void PortalRequest::takeResponse(uint response, const QVariantMap& results)
+{
+    if (message().service() == m_owner && !m_objectPath.isEmpty())
+        answer(response == 0, results);
+}
+
+void PortalRequest::answer(bool granted, const QVariantMap& results)
+{
+    m_objectPath.clear();
+    deleteLater();
+    Q_EMIT answered(granted, results);
+}
+
+} // namespace varno

@@ -1,0 +1,78 @@
+#include "platform/linux/PortalShortcut.h"
+
+#include "platform/CarbonModifiers.h"
+#include "platform/linux/PortalKeyNames.h"
+#include "platform/linux/XcbKeyCodes.h"
+
+#include <QCoreApplication>
+#include <QStringList>
+
+#include <array>
+
+namespace varno {
+namespace {
+
+struct ModifierNames {
+    int carbon = 0;
+    QStringView trigger;
+    QStringView shown;
+};
+
+constexpr std::array modifierNames = {
+    ModifierNames{carbonModifier::control, u"CTRL", u"Ctrl"},
+    ModifierNames{carbonModifier::option, u"ALT", u"Alt"},
+    ModifierNames{carbonModifier::shift, u"SHIFT", u"Shift"},
+    ModifierNames{carbonModifier::command, u"LOGO", u"Super"},
+};
+
+} // namespace
+
+QDBusArgument& operator<<(QDBusArgument& argument, const PortalShortcut& shortcut)
+{
+    argument.beginStructure();
+    argument << shortcut.id << shortcut.properties;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, PortalShortcut& shortcut)
+{
+    argument.beginStructure();
+    argument >> shortcut.id >> shortcut.properties;
+    argument.endStructure();
+    return argument;
+}
+
+std::optional<QList<PortalShortcut>> shortcutsIn(const QVariantMap& results)
+{
+    const auto list = results.value(QStringLiteral("shortcuts")).value<QDBusArgument>();
+    if (list.currentSignature() != QLatin1StringView("a(sa{sv})"))
+        return std::nullopt;
+    return qdbus_cast<QList<PortalShortcut>>(list);
+}
+
+std::optional<PortalShortcut> portalShortcut(int carbonKeyCode, int carbonModifiers,
+                                             const Keyboard& keyboard)
+{
+    if (!xKeyCode(carbonKeyCode) || (carbonModifiers & carbonModifier::function) != 0)
+        return std::nullopt;
+    QStringList trigger;
+    QStringList shown;
+    for (const ModifierNames& names : modifierNames) {
+        if ((carbonModifiers & names.carbon) == 0)
+            continue;
+        trigger << names.trigger.toString();
+        shown << names.shown.toString();
+    }
+    const QString key = keysymName(carbonKeyCode, keyboard);
+    shown << (key.size() == 1 ? key.toUpper() : key);
+    PortalShortcut shortcut{
+        .id = QStringLiteral("key-%1-%2").arg(carbonKeyCode).arg(carbonModifiers)};
+    shortcut.properties.insert(
+        QStringLiteral("description"),
+        QStringLiteral("%1 (%2)").arg(QCoreApplication::applicationName(), shown.join(u'+')));
+    shortcut.properties.insert(QStringLiteral("preferred_trigger"), (trigger << key).join(u'+'));
+    return shortcut;
+}
+
+} // namespace varno
