@@ -161,10 +161,13 @@ void XcbHotKeyEvents::releaseAll()
 
 void XcbHotKeyEvents::grabAgain()
 {
-    releaseAll(); // by the modifiers that they were grabbed with
-    m_modifiers = XcbModifierMap::read(m_connection);
-    if (m_types.testFlag(hotKeyEvents))
-        grabAll();
+    const XcbModifierMap modifiers = XcbModifierMap::read(m_connection);
+    if (modifiers != m_modifiers)
+        releaseAll(); // by the modifiers that they were grabbed with
+    m_modifiers = modifiers;
+    // Those that are still grabbed are grabbed once more, so that no key slips through between.
+    for (auto& [reference, hotKey] : m_hotKeys)
+        hotKey.isGrabbed = m_types.testFlag(hotKeyEvents) && grab(hotKey.combination);
 }
 
 void XcbHotKeyEvents::press(quint8 keyCode, quint16 state, quint32 time)

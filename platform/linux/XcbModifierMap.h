@@ -25,6 +25,8 @@ struct XcbModifierMap {
     [[nodiscard]] std::vector<quint16> lockVariants() const;
     /// The modifiers that people hold down, out of the state of an event.
     [[nodiscard]] quint16 held(quint16 state) const;
+
+    friend bool operator==(const XcbModifierMap&, const XcbModifierMap&) = default;
 };
 
 } // namespace varno
