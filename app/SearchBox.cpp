@@ -108,17 +108,30 @@ void SearchBox::paintEvent(QPaintEvent*)
     painter.drawRoundedRect(frame.adjusted(half, half, -half, -half), radius - half, radius - half);
 }
 
-/// Line around line, each as pale as the shadow is there.
-void SearchBox::paintShadow(QPainter& painter, const QRectF& frame) const
+void SearchBox::paintShadow(QPainter& painter, const QRectF& frame)
 {
+    if (m_shadow.deviceIndependentSize() != QSizeF(size()) ||
+        m_shadow.devicePixelRatio() != devicePixelRatio())
+        m_shadow = shadow(frame);
+    painter.drawPixmap(0, 0, m_shadow);
+}
+
+/// Line around line, each as pale as the shadow is there.
+QPixmap SearchBox::shadow(const QRectF& frame) const
+{
+    QPixmap image(size() * devicePixelRatio());
+    image.setDevicePixelRatio(devicePixelRatio());
+    image.fill(Qt::transparent);
+    QPainter painter(&image);
+    painter.setRenderHint(QPainter::Antialiasing);
     const QRectF shadow = frame.translated(0, shadowOffset);
-    painter.setBrush(Qt::NoBrush);
     for (double distance = 0.5 - shadowOffset; distance < shadowRadius; ++distance) {
         painter.setPen(
             QPen(QColor::fromRgbF(0, 0, 0, float(shadowOpacity * shadowStrength(distance))), 1));
         painter.drawRoundedRect(shadow.adjusted(-distance, -distance, distance, distance),
                                 radius + distance, radius + distance);
     }
+    return image;
 }
 
 } // namespace varno

@@ -4,6 +4,7 @@
 #include "kit/SymbolView.h"
 
 #include <QLineEdit>
+#include <QPixmap>
 
 namespace varno {
 
@@ -38,11 +39,13 @@ protected:
 
 private:
     void takeColors();
-    void paintShadow(QPainter& painter, const QRectF& frame) const;
+    void paintShadow(QPainter& painter, const QRectF& frame);
+    [[nodiscard]] QPixmap shadow(const QRectF& frame) const;
 
     SymbolView m_symbol;
     QLineEdit m_field;
     PlainButton m_clear;
+    QPixmap m_shadow; ///< of the size that it had last
 };
 
 } // namespace varno

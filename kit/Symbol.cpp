@@ -4,12 +4,13 @@
 #include <QImage>
 #include <QPainter>
 #include <QPixmap>
-#include <QPixmapCache>
 #include <QSvgRenderer>
 #include <QTransform>
 
 #include <array>
 #include <cmath>
+#include <map>
+#include <tuple>
 
 // Outside of any namespace, because of what the macro declares.
 static void initialiseResources()
@@ -81,19 +82,20 @@ QPixmap rendered(Symbol symbol, QFont::Weight weight, int side, const QColor& co
     return QPixmap::fromImage(image);
 }
 
-QPixmap cached(Symbol symbol, QFont::Weight weight, int side, const QColor& color)
+/// Drawn once for each use of it there is, of which a program has a few dozen. Not in the toolkit's
+/// cache: that one sets a timer to empty itself.
+const QPixmap& cached(Symbol symbol, QFont::Weight weight, int side, const QColor& color)
 {
-    const QString key = QStringLiteral("varno symbol %1 %2 %3 %4")
-                            .arg(static_cast<int>(symbol))
-                            .arg(static_cast<int>(weight))
-                            .arg(side)
-                            .arg(color.rgb());
-    QPixmap pixmap;
-    if (!QPixmapCache::find(key, &pixmap)) {
-        pixmap = rendered(symbol, weight, side, color);
-        QPixmapCache::insert(key, pixmap);
-    }
-    return pixmap;
+    using Key = std::tuple<Symbol, QFont::Weight, int, QRgb>;
+    constexpr std::size_t most = 256;
+    static std::map<Key, QPixmap> pixmaps;
+    const Key key(symbol, weight, side, color.rgb());
+    const auto found = pixmaps.find(key);
+    if (found != pixmaps.end())
+        return found->second;
+    if (pixmaps.size() >= most)
+        pixmaps.clear();
+    return pixmaps.emplace(key, rendered(symbol, weight, side, color)).first->second;
 }
 
 } // namespace

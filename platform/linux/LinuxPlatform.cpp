@@ -1,8 +1,7 @@
 #include "platform/Platform.h"
-#include "platform/linux/CurlHttpSession.h"
+#include "platform/linux/LoadedBackends.h"
 #include "platform/linux/PortalAnimationSetting.h"
 #include "platform/linux/PortalHotKeyEvents.h"
-#include "platform/linux/SecretServiceKeyStore.h"
 #include "platform/linux/SettingsPreferencesStore.h"
 #include "platform/linux/XcbConnection.h"
 #include "platform/linux/XcbHotKeyEvents.h"
@@ -54,13 +53,13 @@ HotKeyEvents& systemHotKeyEvents()
 
 HttpSession& systemHttpSession()
 {
-    static CurlHttpSession session;
+    static LoadedHttpSession session;
     return session;
 }
 
 KeyStore& systemKeyStore()
 {
-    static SecretServiceKeyStore store;
+    static LoadedKeyStore store;
     return store;
 }
 

@@ -1,0 +1,7 @@
+#include "platform/linux/CurlHttpSession.h"
+#include "platform/linux/Module.h"
+
+varno::HttpSession* varnoMakeHttpSession()
+{
+    return new varno::CurlHttpSession;
+}
