@@ -1,16 +1,10 @@
-#include "kit/Animation.h"
 #include "kit/Layout.h"
 #include "kit/PlainButton.h"
 #include "kit/Rule.h"
 #include "kit/SymbolView.h"
 #include "kit/ThemedText.h"
-#include "platform/fake/FakeAnimationSetting.h"
-#include "platform/linux/PortalAnimationSetting.h"
 
 #include <QApplication>
-#include <QDBusConnection>
-#include <QDBusMetaType>
-#include <QDBusVariant>
 #include <QHelpEvent>
 #include <QImage>
 #include <QPainter>
@@ -24,31 +18,8 @@
 
 using namespace varno;
 using namespace Qt::StringLiterals;
-using namespace std::chrono_literals;
 
 namespace {
-
-using Settings = QMap<QString, QVariantMap>;
-
-/// Stands in for the desktop's portal on this session's bus.
-class SettingsPortal : public QObject {
-    Q_OBJECT
-    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.portal.Settings")
-
-public:
-    Settings settings;
-
-public slots:
-    [[nodiscard]] Q_SCRIPTABLE Settings ReadAll(const QStringList& /*namespaces*/) const
-    {
-        return settings;
-    }
-
-signals:
-    Q_SCRIPTABLE void SettingChanged(const QString&, const QString&, const QDBusVariant&);
-};
-
-const auto portalService = u"org.freedesktop.portal.Desktop"_s;
 
 /// A white picture in which `symbol` was drawn in the middle, in a box half as wide.
 QImage pictureOf(Symbol symbol, const QColor& color, double ratio, QFont::Weight weight)
@@ -328,177 +299,6 @@ private slots:
         second.clearFocus();
         QCOMPARE(picture(), plain);
     }
-
-    void animationReachesItsEnd()
-    {
-        QWidget widget;
-        widget.show();
-        QList<double> values;
-        Animation animation(
-            widget, [&](double value) { values.append(value); }, m_setting);
-        animation.start({.from = 10, .to = 20, .duration = 60ms});
-        QCOMPARE(values, QList<double>{10});
-        QTRY_VERIFY(!animation.isActive());
-        QCOMPARE(values.last(), 20);
-        QVERIFY(values.size() > 2);
-        QVERIFY(std::ranges::is_sorted(values));
-    }
-
-    void animationRestsWhileHidden_data()
-    {
-        QTest::addColumn<std::function<void(QWidget&)>>("hide");
-        QTest::addColumn<std::function<void(QWidget&)>>("show");
-        using Action = std::function<void(QWidget&)>;
-        QTest::newRow("itself") << Action([](QWidget& widget) { widget.hide(); })
-                                << Action([](QWidget& widget) { widget.show(); });
-        QTest::newRow("ancestor") << Action([](QWidget& widget) { widget.parentWidget()->hide(); })
-                                  << Action([](QWidget& widget) { widget.parentWidget()->show(); });
-        QTest::newRow("window") << Action([](QWidget& widget) { widget.window()->hide(); })
-                                << Action([](QWidget& widget) { widget.window()->show(); });
-        QTest::newRow("minimised")
-            << Action([](QWidget& widget) { widget.window()->showMinimized(); })
-            << Action([](QWidget& widget) { widget.window()->showNormal(); });
-    }
-    void animationRestsWhileHidden()
-    {
-        QFETCH(std::function<void(QWidget&)>, hide);
-        QFETCH(std::function<void(QWidget&)>, show);
-        QWidget window;
-        QWidget parent(&window);
-        QWidget widget(&parent);
-        int calls = 0;
-        Animation animation(
-            widget, [&](double) { ++calls; }, m_setting);
-        animation.start({.duration = 50ms, .repeat = Motion::Repeat::backAndForth});
-        QCOMPARE(calls, 1); // not shown yet
-        QVERIFY(!animation.isMoving());
-        window.show();
-        QTRY_VERIFY(calls > 10);
-        hide(widget);
-        QTRY_VERIFY(!animation.isMoving());
-        QVERIFY(animation.isActive());
-        const int before = calls;
-        QTest::qWait(60); // a mistake would show as calls
-        QCOMPARE(calls, before);
-        show(widget);
-        QTRY_VERIFY(calls > before + 5);
-    }
-
-    void animationHonoursTheDesktop()
-    {
-        FakeAnimationSetting setting;
-        setting.set(false);
-        QWidget widget;
-        widget.show();
-        double value = -1;
-        Animation animation(
-            widget, [&](double now) { value = now; }, setting);
-        animation.start({.from = 3, .to = 4, .duration = 1h});
-        QCOMPARE(value, 4);
-        QVERIFY(!animation.isActive());
-        animation.start({.from = 3, .to = 4, .repeat = Motion::Repeat::backAndForth});
-        QCOMPARE(value, 3);
-        QVERIFY(animation.isActive() && !animation.isMoving());
-        setting.set(true);
-        QTRY_VERIFY(value > 3.2);
-        setting.set(false);
-        QCOMPARE(value, 3);
-        QVERIFY(!animation.isMoving());
-        setting.set(true);
-        animation.start({.from = 3, .to = 4, .duration = 1h});
-        setting.set(false);
-        QCOMPARE(value, 4);
-    }
-
-    void animationEndsWithWhatItMoves_data()
-    {
-        QTest::addColumn<int>("fatalCall");
-        QTest::newRow("from within start") << 1;
-        QTest::newRow("from within a tick") << 3;
-        QTest::newRow("between ticks") << 0;
-    }
-    void animationEndsWithWhatItMoves()
-    {
-        struct Moving : QWidget {
-            std::unique_ptr<Animation> animation;
-        };
-        QFETCH(int, fatalCall);
-        auto widget = std::make_unique<Moving>();
-        widget->show();
-        int calls = 0;
-        const auto apply = [&calls, &widget, fatalCall](double) {
-            if (++calls == fatalCall)
-                widget.reset();
-        };
-        widget->animation = std::make_unique<Animation>(*widget, apply, m_setting);
-        widget->animation->start({.duration = 50ms, .repeat = Motion::Repeat::backAndForth});
-        if (fatalCall == 0) {
-            QTRY_VERIFY(calls > 2);
-            widget.reset();
-        }
-        QTRY_VERIFY(!widget);
-        const int before = calls;
-        QTest::qWait(50); // a mistake would show as calls, or as a use of freed memory
-        QCOMPARE(calls, before);
-    }
-
-    void animationOutlivesItsWidget()
-    {
-        auto widget = std::make_unique<QWidget>();
-        widget->show();
-        int calls = 0;
-        Animation animation(
-            *widget, [&](double) { ++calls; }, m_setting);
-        animation.start({.duration = 1h});
-        widget.reset();
-        QVERIFY(!animation.isActive());
-        animation.start({.duration = 1h});
-        QCOMPARE(calls, 1);
-    }
-
-    void portalTellsOfAnimations_data()
-    {
-        QTest::addColumn<QString>("space");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QVariant>("off");
-        QTest::addColumn<QVariant>("on");
-        QTest::newRow("GNOME") << u"org.gnome.desktop.interface"_s << u"enable-animations"_s
-                               << QVariant(false) << QVariant(true);
-        const auto plasma = u"org.kde.kdeglobals.KDE"_s;
-        const auto factor = u"AnimationDurationFactor"_s;
-        QTest::newRow("Plasma") << plasma << factor << QVariant(0.0) << QVariant(0.5);
-        QTest::newRow("Plasma, as text")
-            << plasma << factor << QVariant(u"0"_s) << QVariant(u"1"_s);
-    }
-    void portalTellsOfAnimations()
-    {
-        QFETCH(QString, space);
-        QFETCH(QString, key);
-        QFETCH(QVariant, off);
-        QFETCH(QVariant, on);
-        auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"portal"_s);
-        if (!bus.isConnected())
-            QSKIP("no session bus");
-        qDBusRegisterMetaType<Settings>();
-        SettingsPortal portal;
-        portal.settings = {{space, {{key, off}}}};
-        QVERIFY(bus.registerObject(u"/org/freedesktop/portal/desktop"_s, &portal,
-                                   QDBusConnection::ExportScriptableContents));
-        QVERIFY(bus.registerService(portalService));
-
-        PortalAnimationSetting setting;
-        QSignalSpy spy(&setting, &AnimationSetting::changed);
-        QVERIFY(setting.isEnabled()); // until there is an answer
-        QTRY_COMPARE(spy.size(), 1);
-        QVERIFY(!setting.isEnabled());
-        emit portal.SettingChanged(space, key, QDBusVariant(on));
-        QTRY_COMPARE(spy.size(), 2);
-        QVERIFY(setting.isEnabled());
-        QVERIFY(bus.unregisterService(portalService));
-    }
-
-private:
-    FakeAnimationSetting m_setting;
 };
 
 QTEST_MAIN(KitTest)

@@ -1,0 +1,260 @@
+#pragma once
+
+#include "platform/linux/XcbReply.h"
+
+#include <QByteArray>
+#include <QList>
+#include <QRect>
+#include <QTest>
+
+#include <xcb/xtest.h>
+
+#include <algorithm>
+#include <array>
+
+namespace varno {
+
+/// X key codes of a PC's keyboard.
+namespace pcKey {
+inline constexpr quint8 escape = 9;
+inline constexpr quint8 enter = 36;
+inline constexpr quint8 control = 37;
+inline constexpr quint8 f = 41;
+inline constexpr quint8 comma = 59;
+inline constexpr quint8 alt = 64;
+inline constexpr quint8 capsLock = 66;
+inline constexpr quint8 numLock = 77;
+inline constexpr quint8 scrollLock = 78;
+inline constexpr quint8 super = 133;
+} // namespace pcKey
+
+/// A client of an X server that is somebody at its keyboard, has windows of its own, and sees those
+/// of others.
+class XDesktop {
+public:
+    explicit XDesktop(const QByteArray& display = qgetenv("DISPLAY"))
+        : m_connection(xcb_connect(display.constData(), nullptr))
+        , m_root(xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root)
+    {
+    }
+    ~XDesktop() { xcb_disconnect(m_connection); }
+    Q_DISABLE_COPY_MOVE(XDesktop)
+
+    [[nodiscard]] xcb_connection_t* connection() const { return m_connection; }
+
+    void press(quint8 key) { fake(XCB_KEY_PRESS, key); }
+    void lift(quint8 key) { fake(XCB_KEY_RELEASE, key); }
+    void type(quint8 key)
+    {
+        press(key);
+        lift(key);
+    }
+    /// Lower-case letters, on the layout of the United States.
+    void type(const QByteArray& word)
+    {
+        static constexpr std::array rows = {std::pair{24, "qwertyuiop"}, std::pair{38, "asdfghjkl"},
+                                            std::pair{52, "zxcvbnm"}};
+        for (const char letter : word)
+            for (const auto& [first, letters] : rows)
+                if (const auto place = QByteArray(letters).indexOf(letter); place >= 0)
+                    type(static_cast<quint8>(first + place));
+    }
+    void typeWith(quint8 modifier, quint8 key)
+    {
+        press(modifier);
+        type(key);
+        lift(modifier);
+    }
+    void pressModifiers()
+    {
+        press(pcKey::alt);
+        press(pcKey::super);
+    }
+    void liftModifiers()
+    {
+        lift(pcKey::super);
+        lift(pcKey::alt);
+    }
+    void typeShortcut()
+    {
+        pressModifiers();
+        type(pcKey::f);
+        liftModifiers();
+    }
+
+    void click(const QPoint& place)
+    {
+        fake(XCB_MOTION_NOTIFY, 0, place);
+        fake(XCB_BUTTON_PRESS, XCB_BUTTON_INDEX_1);
+        fake(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1);
+    }
+
+    /// Takes Alt+Super+F for itself, without any lock.
+    bool grabShortcut()
+    {
+        return finish(xcb_grab_key_checked(m_connection, 0, m_root, XCB_MOD_MASK_1 | XCB_MOD_MASK_4,
+                                           pcKey::f, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+    }
+
+    /// A window that has the keyboard, or none. `state` is one of _NET_WM_STATE, if any.
+    xcb_window_t openWindow(const char* state = nullptr)
+    {
+        const xcb_window_t window = create({0, 0, 400, 300});
+        if (state)
+            setProperty(window, "_NET_WM_STATE", XCB_ATOM_ATOM, {atom(state)});
+        finish(xcb_map_window_checked(m_connection, window));
+        if (!QTest::qWaitFor([&] { return isViewable(window); }))
+            return XCB_NONE;
+        constexpr quint32 fromPager = 2;
+        tell(window, "_NET_ACTIVE_WINDOW", {fromPager});
+        return QTest::qWaitFor([&] { return focus() == window; }) ? window : XCB_NONE;
+    }
+
+    /// A bar over the whole width of the screen, which windows keep clear of.
+    void openBarOnTop(quint16 width, quint16 height)
+    {
+        const xcb_window_t window = create({0, 0, width, height});
+        setProperty(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
+                    {atom("_NET_WM_WINDOW_TYPE_DOCK")});
+        setProperty(window, "_NET_WM_STRUT", XCB_ATOM_CARDINAL, {0, 0, height, 0});
+        finish(xcb_map_window_checked(m_connection, window));
+    }
+
+    /// Asks the window manager.
+    void tell(xcb_window_t window, const char* what, const std::array<quint32, 5>& data)
+    {
+        xcb_client_message_event_t event = {};
+        event.response_type = XCB_CLIENT_MESSAGE;
+        event.format = 32;
+        event.window = window;
+        event.type = atom(what);
+        std::copy(data.begin(), data.end(), std::begin(event.data.data32));
+        finish(xcb_send_event_checked(m_connection, 0, m_root,
+                                      XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT |
+                                          XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+                                      reinterpret_cast<const char*>(&event)));
+    }
+
+    /// The window with a title that a process has on the screen, or none.
+    [[nodiscard]] xcb_window_t windowOf(qint64 process) const
+    {
+        const auto found = shownWindows(m_root, process);
+        return found.isEmpty() ? xcb_window_t{XCB_NONE} : found.constFirst();
+    }
+
+    [[nodiscard]] xcb_window_t root() const { return m_root; }
+    [[nodiscard]] xcb_window_t focus() const
+    {
+        const XcbReply<xcb_get_input_focus_reply_t> reply(
+            xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+        return reply ? reply->focus : xcb_window_t{XCB_NONE};
+    }
+
+    /// Where it stands on the screen.
+    [[nodiscard]] QRect place(xcb_window_t window) const
+    {
+        const XcbReply<xcb_get_geometry_reply_t> size(
+            xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, window), nullptr));
+        const XcbReply<xcb_translate_coordinates_reply_t> corner(xcb_translate_coordinates_reply(
+            m_connection, xcb_translate_coordinates(m_connection, window, m_root, 0, 0), nullptr));
+        return size && corner ? QRect(corner->dst_x, corner->dst_y, size->width, size->height)
+                              : QRect();
+    }
+
+    /// The bytes of what it shows; empty when it is not on the screen.
+    [[nodiscard]] QByteArray picture(xcb_window_t window) const
+    {
+        const QSize size = place(window).size();
+        const XcbReply<xcb_get_image_reply_t> reply(
+            xcb_get_image_reply(m_connection,
+                                xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, window, 0, 0,
+                                              static_cast<quint16>(size.width()),
+                                              static_cast<quint16>(size.height()), ~0U),
+                                nullptr));
+        return reply ? QByteArray(reinterpret_cast<const char*>(xcb_get_image_data(reply.get())),
+                                  xcb_get_image_data_length(reply.get()))
+                     : QByteArray();
+    }
+
+    /// A property of numbers of 32 bits: windows, atoms, cardinals.
+    [[nodiscard]] QList<quint32> property(xcb_window_t window, const char* name) const
+    {
+        constexpr quint32 most = 1024;
+        const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
+            m_connection,
+            xcb_get_property(m_connection, 0, window, atom(name), XCB_ATOM_ANY, 0, most), nullptr));
+        if (!reply || reply->format != 32)
+            return {};
+        const auto* first = static_cast<const quint32*>(xcb_get_property_value(reply.get()));
+        return {first, first + reply->value_len};
+    }
+
+    [[nodiscard]] xcb_atom_t atom(const char* name) const
+    {
+        const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
+            m_connection,
+            xcb_intern_atom(m_connection, 0, static_cast<quint16>(qstrlen(name)), name), nullptr));
+        return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
+    }
+
+private:
+    xcb_window_t create(const QRect& place)
+    {
+        const xcb_window_t window = xcb_generate_id(m_connection);
+        finish(xcb_create_window_checked(
+            m_connection, XCB_COPY_FROM_PARENT, window, m_root, static_cast<qint16>(place.x()),
+            static_cast<qint16>(place.y()), static_cast<quint16>(place.width()),
+            static_cast<quint16>(place.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+            XCB_COPY_FROM_PARENT, 0, nullptr));
+        return window;
+    }
+
+    void setProperty(xcb_window_t window, const char* name, xcb_atom_t type,
+                     const QList<quint32>& values)
+    {
+        finish(xcb_change_property_checked(m_connection, XCB_PROP_MODE_REPLACE, window, atom(name),
+                                           type, 32, static_cast<quint32>(values.size()),
+                                           values.constData()));
+    }
+
+    [[nodiscard]] bool isViewable(xcb_window_t window) const
+    {
+        const XcbReply<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
+            m_connection, xcb_get_window_attributes(m_connection, window), nullptr));
+        return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
+    }
+
+    /// Window managers put the windows of others into frames of their own.
+    [[nodiscard]] QList<xcb_window_t> shownWindows(xcb_window_t above, qint64 process) const
+    {
+        QList<xcb_window_t> found;
+        const XcbReply<xcb_query_tree_reply_t> tree(
+            xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, above), nullptr));
+        for (int index = 0; tree && index < tree->children_len; ++index) {
+            const xcb_window_t window = xcb_query_tree_children(tree.get())[index];
+            if (!isViewable(window))
+                continue;
+            const bool isOurs = property(window, "_NET_WM_PID").value(0) == process;
+            found += isOurs ? QList{window} : shownWindows(window, process);
+        }
+        return found;
+    }
+
+    void fake(quint8 type, quint8 detail, const QPoint& place = {})
+    {
+        finish(xcb_test_fake_input_checked(m_connection, type, detail, XCB_CURRENT_TIME, m_root,
+                                           static_cast<qint16>(place.x()),
+                                           static_cast<qint16>(place.y()), 0));
+    }
+
+    /// Waits until the server has done it.
+    bool finish(xcb_void_cookie_t request)
+    {
+        return !XcbReply<xcb_generic_error_t>(xcb_request_check(m_connection, request));
+    }
+
+    xcb_connection_t* m_connection;
+    xcb_window_t m_root;
+};
+
+} // namespace varno
