@@ -3,14 +3,14 @@
 #     make demo SHOTS=folder      pictures of the panel instead, in every state and theme
 #     make run                    the application itself, with your own keys
 #     make test      make lint      make bench      make fuzz [SECONDS=60]
-#     make instructions
+#     make bench-desktop      make instructions
 
 QUERY ?=
 MODEL ?=
 SHOTS ?=
 SECONDS ?= 60
 
-.PHONY: demo run test lint bench instructions fuzz clean
+.PHONY: demo run test lint bench bench-desktop instructions fuzz clean
 
 quoted = '$(subst ','\'',$(1))'
 ifneq ($(SHOTS),)
@@ -56,6 +56,10 @@ lint:
 bench:
 	@scripts/setup build bench
 	scripts/bench
+
+bench-desktop:
+	@scripts/setup build desktop-bench
+	scripts/bench-desktop
 
 instructions:
 	@scripts/setup build bench
