@@ -7,6 +7,9 @@
 #include <QIcon>
 #include <QPainter>
 #include <QPointer>
+#include <QTimer>
+
+#include <chrono>
 
 namespace varno {
 
@@ -14,12 +17,15 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
+/// Until a start is over, for us and for a desktop that starts with us.
+constexpr std::chrono::milliseconds startingTime(500);
+
 /// The closed book on a ground of its own, since nobody tells whether the status area is dark.
 QIcon statusImage()
 {
     const QPalette colors = themePalette(AppTheme::cream);
     QIcon icon;
-    for (const int side : {16, 22, 24, 32, 48, 64}) {
+    for (const int side : {22, 48}) { // as status areas are high, and twice that
         QPixmap image(side, side);
         image.fill(Qt::transparent);
         QPainter painter(&image);
@@ -51,6 +57,18 @@ void AppDelegate::applicationDidFinishLaunching()
 {
     setupStatusItem();
     setupHotkey();
+    QTimer::singleShot(startingTime, this, &AppDelegate::warmUp);
+}
+
+/// Draws what a panel shows, for nobody: the fonts, symbols and keymap are loaded by then.
+void AppDelegate::warmUp()
+{
+    if (m_panel)
+        return;
+    ContentView content(m_viewModel, m_keys, panelShortcut());
+    setTheme(content, m_viewModel.theme());
+    static_cast<void>(content.grab());
+    static_cast<void>(panelShortcut().label());
 }
 
 void AppDelegate::prepareToQuit()

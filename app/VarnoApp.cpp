@@ -10,6 +10,7 @@
 #include "providers/GeminiService.h"
 
 #include <QApplication>
+#include <QPixmapCache>
 
 #include <cstdio>
 
@@ -66,6 +67,7 @@ void VarnoApp::prepare()
     QCoreApplication::setApplicationName(u"Varno"_s);
     QGuiApplication::setDesktopFileName(u"com.kelbrin.varno"_s);
     QApplication::setStyle(u"fusion"_s); // the one that takes all its colours from the palette
+    QPixmapCache::setCacheLimit(0);      // it would set a timer to empty itself
     QGuiApplication::setQuitOnLastWindowClosed(false);
 }
 

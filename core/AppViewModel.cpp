@@ -169,7 +169,7 @@ void AppViewModel::loadSessionHistory()
 QList<Session>& AppViewModel::sessionHistory()
 {
     if (!m_sessionHistory) {
-        m_sessionHistory = m_loadedHistory.get();
+        m_sessionHistory = std::exchange(m_loadedHistory, {}).get();
         m_sessionHistory->removeIf(
             [this](const Session& session) { return session.createdAt < m_oldestKept; });
     }

@@ -168,7 +168,7 @@ private:
     std::optional<Session> m_session;
     Preferences m_preferences;
 
-    std::future<QList<Session>> m_loadedHistory;
+    std::shared_future<QList<Session>> m_loadedHistory;
     ReferenceSeconds m_oldestKept = 0;
     std::optional<QList<Session>> m_sessionHistory; ///< absent until it is needed first
     std::unique_ptr<EntryStream> m_activeStreamTask;

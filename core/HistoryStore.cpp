@@ -3,7 +3,7 @@
 #include "core/SessionCodec.h"
 #include "platform/Files.h"
 
-#include <memory>
+#include <chrono>
 #include <utility>
 
 namespace varno {
@@ -11,6 +11,9 @@ namespace {
 
 /// More than a full history of the longest entries; beyond it a file is not ours.
 constexpr qint64 largestFile = 256LL * 1024 * 1024;
+
+/// Until a program that starts has its icon in place.
+constexpr std::chrono::milliseconds startingTime(300);
 
 } // namespace
 
@@ -29,19 +32,24 @@ QString HistoryStore::defaultPath()
     return path;
 }
 
-std::future<QList<Session>> HistoryStore::load()
+std::shared_future<QList<Session>> HistoryStore::load()
 {
-    auto promise = std::make_shared<std::promise<QList<Session>>>();
-    m_background.add([this, promise] {
-        const auto file = readFile(m_path, largestFile);
-        std::optional<QList<Session>> sessions;
-        if (const auto* bytes = std::get_if<QByteArray>(&file))
-            sessions = decodeSessions(*bytes);
-        const auto* error = std::get_if<FileError>(&file);
-        m_putAside = !sessions && !(error && *error == FileError::absent);
-        promise->set_value(std::move(sessions).value_or(QList<Session>()));
-    });
-    return promise->get_future();
+    const auto loaded = std::async(std::launch::deferred, [this] { return read(); }).share();
+    m_readingTimer.callOnTimeout([this, loaded] { m_background.add([loaded] { loaded.wait(); }); });
+    m_readingTimer.setSingleShot(true);
+    m_readingTimer.start(startingTime);
+    return loaded;
+}
+
+QList<Session> HistoryStore::read()
+{
+    const auto file = readFile(m_path, largestFile);
+    std::optional<QList<Session>> sessions;
+    if (const auto* bytes = std::get_if<QByteArray>(&file))
+        sessions = decodeSessions(*bytes);
+    const auto* error = std::get_if<FileError>(&file);
+    m_putAside = !sessions && !(error && *error == FileError::absent);
+    return std::move(sessions).value_or(QList<Session>());
 }
 
 void HistoryStore::save(const QList<Session>& sessions)

@@ -5,17 +5,28 @@
 #include <dlfcn.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <utility>
 
 namespace varno {
 namespace {
 
-/// What the function of a module makes; null, and said on the console, if there is none. The system
-/// looks for the module where it looks for the program's libraries.
+/// From beside the program, as it was installed or built.
+void* load(const char* module)
+{
+    std::error_code none;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", none);
+    for (const char* folder : {VARNO_INSTALLED_MODULES, VARNO_BUILT_MODULES})
+        if (void* loaded = dlopen((program.parent_path() / folder / module).c_str(), RTLD_NOW))
+            return loaded;
+    return nullptr;
+}
+
+/// What the function of a module makes; null, and said on the console, if there is none.
 template <typename Backend>
 std::unique_ptr<Backend> makeBackend(const char* module, const char* function)
 {
-    void* const loaded = dlopen(module, RTLD_NOW);
+    void* const loaded = load(module);
     void* const make = loaded ? dlsym(loaded, function) : nullptr;
     if (!make) {
         std::fprintf(stderr, "Varno cannot load %s: %s\n", module, dlerror());

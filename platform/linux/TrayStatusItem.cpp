@@ -6,9 +6,8 @@
 
 #include <QCoreApplication>
 #include <QDBusConnection>
-#include <QDBusMessage>
-#include <QDBusPendingCallWatcher>
-#include <QDBusPendingReply>
+#include <QDBusConnectionInterface>
+#include <QDBusReply>
 #include <QTimer>
 
 namespace varno {
@@ -26,6 +25,13 @@ bool hasTrayOnX11()
     return reply && reply->owner != XCB_NONE;
 }
 
+/// The bus itself answers this, at once.
+bool hasHostOnBus()
+{
+    const QDBusConnectionInterface* bus = QDBusConnection::sessionBus().interface();
+    return bus && bus->isServiceRegistered(hostService);
+}
+
 } // namespace
 
 TrayStatusItem::TrayStatusItem(const QIcon& icon, const QString& name)
@@ -39,32 +45,14 @@ TrayStatusItem::TrayStatusItem(const QIcon& icon, const QString& name)
         m_manager = xAtom("MANAGER");
         QCoreApplication::instance()->installNativeEventFilter(this);
     }
-    if (hasTrayOnX11())
+    if (hasTrayOnX11() || hasHostOnBus())
         create();
-    else
-        askBus();
 }
 
 TrayStatusItem::~TrayStatusItem()
 {
     if (QCoreApplication::instance())
         QCoreApplication::instance()->removeNativeEventFilter(this);
-}
-
-void TrayStatusItem::askBus()
-{
-    QDBusMessage question = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
-        QStringLiteral("org.freedesktop.DBus"), QStringLiteral("NameHasOwner"));
-    question << hostService;
-    auto* answer =
-        new QDBusPendingCallWatcher(QDBusConnection::sessionBus().asyncCall(question), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
-        const QDBusPendingReply<bool> reply = *answer;
-        if (reply.isValid() && reply.value())
-            create();
-        answer->deleteLater();
-    });
 }
 
 void TrayStatusItem::create()

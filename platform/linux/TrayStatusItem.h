@@ -24,7 +24,6 @@ public:
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 
 private:
-    void askBus();
     void create();
 
     QIcon m_image;
