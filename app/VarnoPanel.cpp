@@ -70,13 +70,14 @@ void VarnoPanel::takeNote(AppViewModel::Changes what)
 
 void VarnoPanel::present(quint32 time)
 {
-    if (!isVisible()) {
+    if (isVisible()) {
+        raise();
+    } else {
         keepOnScreen();
         winId(); // creates the window
         prepareFloatingPanel(*windowHandle());
         show();
     }
-    raise();
     activateForUser(*windowHandle(), time);
 }
 

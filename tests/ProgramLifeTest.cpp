@@ -36,7 +36,8 @@ void writeHistory(const QString& path, const QStringList& queries)
 QStringList readHistory(const QString& path)
 {
     QStringList queries;
-    for (const Session& session : HistoryStore(path).load().get())
+    const QList<Session> sessions = HistoryStore(path).load().get();
+    for (const Session& session : sessions)
         queries.append(session.rootQuery);
     return queries;
 }

@@ -58,12 +58,13 @@ void Measurements::measureShows(std::size_t count, int rounds, int laterShows)
     inTurns(count, rounds, [=, this](const Installed& program, Figures& figures) {
         const RunningProgram running(program, m_watcher);
         rest(settling);
-        figures.firstShow.add(running.show(m_screen));
+        const std::optional<double> first = running.show(m_screen);
+        figures.firstShow.add(first);
         rest(settling);
         const ProcessFigures process(running.process());
         figures.residentSize.add(process.residentSize());
         figures.proportionalSize.add(process.proportionalSize());
-        for (int i = 0; i < laterShows; ++i)
+        for (int i = 0; first && i < laterShows; ++i)
             figures.laterShow.add(running.show(m_screen));
     });
 }

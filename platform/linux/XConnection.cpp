@@ -7,6 +7,15 @@
 #include <QHash>
 
 namespace varno {
+namespace {
+
+QHash<QByteArray, xcb_atom_t>& knownAtoms()
+{
+    static QHash<QByteArray, xcb_atom_t> atoms;
+    return atoms;
+}
+
+} // namespace
 
 xcb_connection_t* xConnection()
 {
@@ -18,16 +27,21 @@ xcb_connection_t* xConnection()
 
 xcb_atom_t xAtom(const char* name)
 {
-    static QHash<QByteArray, xcb_atom_t> known;
-    const QByteArray key(name);
-    if (const auto found = known.constFind(key); found != known.constEnd())
-        return *found;
-    const auto request = xcb_intern_atom(xConnection(), 0, quint16(key.size()), name);
-    const XcbReply<xcb_intern_atom_reply_t> reply(
-        xcb_intern_atom_reply(xConnection(), request, nullptr));
-    const xcb_atom_t atom = reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
-    known.insert(key, atom);
-    return atom;
+    fetchXAtoms({name});
+    return knownAtoms().value(name, XCB_ATOM_NONE);
+}
+
+void fetchXAtoms(std::initializer_list<const char*> names)
+{
+    QHash<QByteArray, xcb_intern_atom_cookie_t> requests;
+    for (const QByteArray name : names)
+        if (!knownAtoms().contains(name))
+            requests.insert(name, xcb_intern_atom(xConnection(), 0, quint16(name.size()), name));
+    for (auto request = requests.cbegin(); request != requests.cend(); ++request) {
+        const XcbReply<xcb_intern_atom_reply_t> reply(
+            xcb_intern_atom_reply(xConnection(), request.value(), nullptr));
+        knownAtoms().insert(request.key(), reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE});
+    }
 }
 
 } // namespace varno

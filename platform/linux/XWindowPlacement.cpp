@@ -58,6 +58,9 @@ void prepareFloatingPanel(QWindow& window)
 {
     if (!xConnection())
         return;
+    fetchXAtoms({"_NET_WM_STATE", "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_SKIP_TASKBAR",
+                 "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_DESKTOP", "_NET_WM_USER_TIME",
+                 "_NET_ACTIVE_WINDOW"}); // now, since the window manager is busy afterwards
     const std::array<quint32, 3> states = {xAtom("_NET_WM_STATE_ABOVE"),
                                            xAtom("_NET_WM_STATE_SKIP_TASKBAR"),
                                            xAtom("_NET_WM_STATE_SKIP_PAGER")};
