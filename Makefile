@@ -22,7 +22,7 @@ else
 demo_needs = build $(if $(demo_window),window)
 demo_program = varno-demo$(addprefix -,$(demo_window))
 demo_start = scripts/with-keyring $(if $(demo_window),--display)
-demo_arguments = $(call quoted,$(QUERY)) $(MODEL)
+demo_arguments = $(call quoted,$(QUERY)) $(if $(MODEL),$(call quoted,$(MODEL)))
 demo_window = $(if $(DISPLAY)$(WAYLAND_DISPLAY),application)
 endif
 
@@ -39,7 +39,7 @@ demo:
 	@$(demo_start) build/demo/demo/$(demo_program) $(demo_arguments)
 
 run:
-	@scripts/setup build
+	@scripts/setup build window
 	$(call build,varno)
 	@build/demo/app/varno
 

@@ -16,8 +16,8 @@ public:
 
     [[nodiscard]] AppViewModel& viewModel() { return m_viewModel; }
 
-    /// To be called once. The panel is made when it is shown first; what takes its time then, loading
-    /// fonts and the like, is done soon after the start.
+    /// To be called once. The panel is made when it is shown first; what takes its time then,
+    /// loading fonts and the like, is done soon after the start.
     void applicationDidFinishLaunching();
 
     /// Saves what there is to save; the shortcut is dead from then on.

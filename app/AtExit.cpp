@@ -23,7 +23,7 @@ void runPending()
 AtExit::AtExit(std::function<void()> action)
 {
     pending() = std::move(action);
-    static_cast<void>(std::atexit(&runPending)); // after everything that is made before this
+    static_cast<void>(std::atexit(&runPending)); // runs before what was made earlier ends
 }
 
 AtExit::~AtExit()

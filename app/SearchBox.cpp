@@ -125,7 +125,8 @@ QPixmap SearchBox::shadow(const QRectF& frame) const
     QPainter painter(&image);
     painter.setRenderHint(QPainter::Antialiasing);
     const QRectF shadow = frame.translated(0, shadowOffset);
-    for (double distance = 0.5 - shadowOffset; distance < shadowRadius; ++distance) {
+    for (int line = 0; line < shadowOffset + shadowRadius; ++line) {
+        const double distance = line + 0.5 - shadowOffset;
         painter.setPen(
             QPen(QColor::fromRgbF(0, 0, 0, float(shadowOpacity * shadowStrength(distance))), 1));
         painter.drawRoundedRect(shadow.adjusted(-distance, -distance, distance, distance),

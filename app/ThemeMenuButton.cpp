@@ -30,7 +30,7 @@ QIcon checkmark(const QPalette& colors, double pixelRatio)
     QPainter painter(&image);
     drawSymbol(painter, Symbol::checkmark, QRectF(0, 0, side, side),
                themeColor(colors, ColorRole::text));
-    return QIcon(image);
+    return {image};
 }
 
 } // namespace

@@ -81,10 +81,14 @@ void VarnoPanel::present(quint32 time)
     activateForUser(*windowHandle(), time);
 }
 
-/// Onto the screen where its middle is, or else the first one, when that is smaller or another one
-/// than before.
+/// Where not all of it is on screens any more: onto the one where its middle is, or else the first.
 void VarnoPanel::keepOnScreen()
 {
+    QRegion rooms;
+    for (const QScreen* screen : QGuiApplication::screens())
+        rooms += screen->availableGeometry();
+    if (QRegion(geometry()).subtracted(rooms).isEmpty())
+        return;
     const QScreen* screen = QGuiApplication::screenAt(geometry().center());
     if (!screen)
         screen = QGuiApplication::primaryScreen();

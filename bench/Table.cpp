@@ -1,22 +1,12 @@
 #include "bench/Table.h"
 
-#include <array>
-#include <cstdio>
+#include "bench/Format.h"
+
 #include <string_view>
 #include <utility>
 
 namespace varno::bench {
 namespace {
-
-constexpr const char* columns = "%-52s %14s %14s %8s %11s  %s\n";
-
-template <typename... Values>
-std::string format(const char* pattern, Values... values)
-{
-    std::array<char, 200> text = {};
-    std::snprintf(text.data(), text.size(), pattern, values...);
-    return text.data();
-}
 
 std::string timeText(double seconds)
 {

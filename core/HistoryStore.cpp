@@ -34,8 +34,11 @@ QString HistoryStore::defaultPath()
 
 std::shared_future<QList<Session>> HistoryStore::load()
 {
-    const auto loaded = std::async(std::launch::deferred, [this] { return read(); }).share();
-    m_readingTimer.callOnTimeout([this, loaded] { m_background.add([loaded] { loaded.wait(); }); });
+    auto loaded = std::async(std::launch::deferred, [this] { return read(); }).share();
+    QObject::connect(
+        &m_readingTimer, &QTimer::timeout, &m_readingTimer,
+        [this, loaded] { m_background.add([loaded] { loaded.wait(); }); },
+        Qt::SingleShotConnection); // which keeps nothing of what was read
     m_readingTimer.setSingleShot(true);
     m_readingTimer.start(startingTime);
     return loaded;

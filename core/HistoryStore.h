@@ -25,8 +25,8 @@ public:
     /// the folder is created then.
     static QString defaultPath();
 
-    /// What the file holds; empty when there is no readable history. It is read a moment later, when
-    /// the start of the program is over; whoever wants it before that reads it there and then.
+    /// What the file holds; empty when there is no readable history. It is read a moment later,
+    /// when the start of the program is over; whoever wants it before that reads it there and then.
     [[nodiscard]] std::shared_future<QList<Session>> load();
 
     /// Starts replacing the file's contents; the last list handed over is the one that stays.

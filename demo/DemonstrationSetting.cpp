@@ -33,7 +33,7 @@ std::unique_ptr<DemonstrationSetting> DemonstrationSetting::open(QString& error)
     std::unique_ptr<DemonstrationSetting> setting;
     if (allAre(KeyPresence::absent)) { // no user's keys are there, and none is touched
         setting.reset(new DemonstrationSetting(std::move(service)));
-        setting->storeKeys();
+        storeKeys();
     }
     if (!setting || !allAre(KeyPresence::present)) {
         error = u"The demonstration needs a key ring of its own: start it with “make demo”."_s;

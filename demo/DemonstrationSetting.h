@@ -26,8 +26,8 @@ public:
     [[nodiscard]] AppViewModel::Dependencies dependencies();
 
     // The made-up keys.
-    void storeKeys();
-    void removeKeys();
+    static void storeKeys();
+    static void removeKeys();
 
 private:
     explicit DemonstrationSetting(std::unique_ptr<StandInService> service);

@@ -1,7 +1,10 @@
 #include "demo/ScreenTour.h"
 
+#include "core/AppViewModel.h"
+#include "demo/DemonstrationSetting.h"
 #include "demo/EntryLibrary.h"
 #include "kit/ThemedText.h"
+#include "shortcuts/RecorderCocoa.h"
 
 #include <QAbstractButton>
 #include <QApplication>
@@ -22,10 +25,8 @@ const QOperatingSystemVersion oldSystem(QOperatingSystemVersion::MacOS, 15, 0);
 
 } // namespace
 
-ScreenTour::ScreenTour(AppViewModel& model, DemonstrationSetting& setting, QWidget& window,
-                       Camera& camera)
+ScreenTour::ScreenTour(AppViewModel& model, QWidget& window, Camera& camera)
     : m_model(model)
-    , m_setting(setting)
     , m_window(window)
     , m_camera(camera)
 {
@@ -42,7 +43,7 @@ bool ScreenTour::visit(const ScreenScene& scene)
     const int before = m_camera.pictureCount();
     if (!fillHistory(scene.hasSearches))
         return m_camera.giveUp(u"The searches for “%1” are not answered."_s.arg(scene.name));
-    scene.hasKeys ? m_setting.storeKeys() : m_setting.removeKeys();
+    scene.hasKeys ? DemonstrationSetting::storeKeys() : DemonstrationSetting::removeKeys();
     for (const auto& theme : RawValues<AppTheme>::cases) {
         for (const auto& size : RawValues<FontSize>::cases) {
             if (size.value != FontSize::medium && !scene.everyTextSize)
@@ -66,7 +67,7 @@ bool ScreenTour::fillHistory(bool wanted)
     m_model.clearHistory();
     if (!wanted)
         return true;
-    m_setting.storeKeys();
+    DemonstrationSetting::storeKeys();
     for (const QString& title : EntryLibrary().titles()) {
         m_model.search(title);
         if (!m_camera.waitUntil([this] { return !m_model.isStreaming(); }))

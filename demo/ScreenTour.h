@@ -1,17 +1,17 @@
 #pragma once
 
 #include "demo/Camera.h"
-#include "demo/DemonstrationSetting.h"
 #include "demo/ScreenScene.h"
-#include "shortcuts/RecorderCocoa.h"
 
 namespace varno {
+
+class AppViewModel;
 
 /// Takes pictures of the search screen and of the settings, brought about by what a user would do.
 class ScreenTour {
 public:
     /// All of these outlive the tour; `camera` looks at `window`, which shows what `model` says.
-    ScreenTour(AppViewModel& model, DemonstrationSetting& setting, QWidget& window, Camera& camera);
+    ScreenTour(AppViewModel& model, QWidget& window, Camera& camera);
 
     /// As that of the `EntryTour`.
     [[nodiscard]] bool run();
@@ -26,7 +26,6 @@ private:
     [[nodiscard]] bool shows(const QString& text) const;
 
     AppViewModel& m_model;
-    DemonstrationSetting& m_setting;
     QWidget& m_window;
     Camera& m_camera;
 };

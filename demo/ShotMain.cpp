@@ -37,7 +37,7 @@ int run()
     const auto terminationSignals = TerminationSignals::install();
     QObject::connect(terminationSignals.get(), &TerminationSignals::received, &panel,
                      [&camera] { camera.stop(); });
-    if (!camera.prepare() || !ScreenTour(model, *setting, panel, camera).run() ||
+    if (!camera.prepare() || !ScreenTour(model, panel, camera).run() ||
         !EntryTour(model, setting->service(), panel, camera).run())
         return fail(camera.error());
     std::printf("%d pictures in %s\n", camera.pictureCount(), qUtf8Printable(folder.path()));

@@ -10,7 +10,8 @@ namespace varno {
 
 const KeychainService& KeychainService::shared()
 {
-    static const KeychainService service(systemKeyStore());
+    // Never destroyed: while the process exits there may be threads that ask it.
+    static const KeychainService& service = *new KeychainService(systemKeyStore());
     return service;
 }
 

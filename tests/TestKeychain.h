@@ -17,7 +17,8 @@ struct TestKeychain {
 template <typename Store = FakeKeyStore>
 KeychainService& newKeychain()
 {
-    static auto* const all = new std::deque<TestKeychain<Store>>; // never destroyed
+    // Never destroyed. NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
+    static auto* const all = new std::deque<TestKeychain<Store>>;
     return all->emplace_back().service;
 }
 

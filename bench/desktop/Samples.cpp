@@ -1,21 +1,11 @@
 #include "bench/desktop/Samples.h"
 
+#include "bench/Format.h"
+
 #include <algorithm>
-#include <array>
-#include <cstdio>
 
 namespace varno::bench {
 namespace {
-
-constexpr const char* columns = "%-52s %14s %14s %8s %11s  %s\n";
-
-template <typename... Values>
-std::string format(const char* pattern, Values... values)
-{
-    std::array<char, 200> text = {};
-    std::snprintf(text.data(), text.size(), pattern, values...);
-    return text.data();
-}
 
 std::string figureText(const std::optional<double>& figure, Unit unit)
 {

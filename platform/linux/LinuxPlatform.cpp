@@ -3,12 +3,10 @@
 #include "platform/linux/PortalAnimationSetting.h"
 #include "platform/linux/PortalHotKeyEvents.h"
 #include "platform/linux/SettingsPreferencesStore.h"
+#include "platform/linux/WaylandSocket.h"
 #include "platform/linux/XcbConnection.h"
 #include "platform/linux/XcbHotKeyEvents.h"
 #include "platform/linux/XcbKeyboard.h"
-
-#include <QDir>
-#include <QFileInfo>
 
 namespace varno {
 namespace {
@@ -22,12 +20,8 @@ XcbConnection& keyboardConnection()
 /// There the X server beside it sees keys only while one of its own windows has the focus.
 bool isWaylandSession()
 {
-    if (qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1StringView("wayland"))
-        return true;
-    const QString socket = qEnvironmentVariable("WAYLAND_DISPLAY");
-    return !socket.isEmpty() &&
-           QFileInfo::exists(
-               QDir(qEnvironmentVariable("XDG_RUNTIME_DIR")).absoluteFilePath(socket));
+    return qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1StringView("wayland") ||
+           hasWaylandCompositor();
 }
 
 std::unique_ptr<HotKeyEvents> makeHotKeyEvents()
@@ -53,13 +47,14 @@ HotKeyEvents& systemHotKeyEvents()
 
 HttpSession& systemHttpSession()
 {
-    static LoadedHttpSession session;
+    static auto& session =
+        *new LoadedHttpSession; // never destroyed: threads nobody waits for use it
     return session;
 }
 
 KeyStore& systemKeyStore()
 {
-    static LoadedKeyStore store;
+    static auto& store = *new LoadedKeyStore; // likewise
     return store;
 }
 

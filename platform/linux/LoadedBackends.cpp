@@ -11,40 +11,46 @@
 namespace varno {
 namespace {
 
-/// From beside the program, as it was installed or built.
+/// From where it is installed beside the program, or built beside it.
 void* load(const char* module)
 {
-    std::error_code none;
-    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", none);
-    for (const char* folder : {VARNO_INSTALLED_MODULES, VARNO_BUILT_MODULES})
-        if (void* loaded = dlopen((program.parent_path() / folder / module).c_str(), RTLD_NOW))
-            return loaded;
-    return nullptr;
+    std::error_code error;
+    const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
+    if (error)
+        return nullptr;
+    const std::filesystem::path folder = program.parent_path();
+    const std::filesystem::path installed = folder / VARNO_INSTALLED_MODULES / module;
+    const std::filesystem::path built = folder / VARNO_BUILT_MODULES / module;
+    const bool isInstalled = std::filesystem::exists(installed, error);
+    return dlopen((isInstalled ? installed : built).c_str(), RTLD_NOW);
 }
 
 /// What the function of a module makes; null, and said on the console, if there is none.
 template <typename Backend>
-std::unique_ptr<Backend> makeBackend(const char* module, const char* function)
+Backend* makeBackend(const char* module, const char* function)
 {
     void* const loaded = load(module);
     void* const make = loaded ? dlsym(loaded, function) : nullptr;
-    if (!make) {
-        std::fprintf(stderr, "Varno cannot load %s: %s\n", module, dlerror());
-        return nullptr;
-    }
-    return std::unique_ptr<Backend>(reinterpret_cast<Backend* (*)()>(make)());
+    if (make)
+        return reinterpret_cast<Backend* (*)()>(make)();
+    const char* const reason = dlerror();
+    std::fprintf(stderr, "Varno cannot load %s: %s\n", module, reason ? reason : "not found");
+    return nullptr;
 }
+
+// Neither is ever destroyed: while the process exits there may be threads that use them.
 
 HttpSession* httpSession()
 {
-    static const auto session = makeBackend<HttpSession>("varno-http.so", "varnoMakeHttpSession");
-    return session.get();
+    static HttpSession* const session =
+        makeBackend<HttpSession>("varno-http.so", "varnoMakeHttpSession");
+    return session;
 }
 
 KeyStore* keyStore()
 {
-    static const auto store = makeBackend<KeyStore>("varno-key-ring.so", "varnoMakeKeyStore");
-    return store.get();
+    static KeyStore* const store = makeBackend<KeyStore>("varno-key-ring.so", "varnoMakeKeyStore");
+    return store;
 }
 
 } // namespace
@@ -55,7 +61,7 @@ std::optional<Failure> LoadedHttpSession::perform(const HttpRequest& request,
     HttpSession* const session = httpSession();
     if (!session)
         return Failure{
-            QStringLiteral("Varno is not installed completely: varno-http.so is missing.")};
+            QStringLiteral("Varno is not installed completely: varno-http.so cannot be loaded.")};
     return session->perform(request, receiver, std::move(stop));
 }
 

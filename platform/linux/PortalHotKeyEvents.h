@@ -15,7 +15,8 @@ class Keyboard;
 class PortalConnection;
 
 /// Hot keys as global shortcuts of the desktop's portal, which asks the user. What is registered
-/// in one turn of the event loop is asked for together.
+/// in one turn of the event loop is asked for together. Where there is no portal when it is asked
+/// first, all are refused for good.
 class PortalHotKeyEvents final : public QObject, public HotKeyEvents {
     Q_OBJECT
 

@@ -10,6 +10,8 @@
 #include <QDBusReply>
 #include <QTimer>
 
+#include <utility>
+
 namespace varno {
 namespace {
 
@@ -34,9 +36,9 @@ bool hasHostOnBus()
 
 } // namespace
 
-TrayStatusItem::TrayStatusItem(const QIcon& icon, const QString& name)
-    : m_image(icon)
-    , m_name(name)
+TrayStatusItem::TrayStatusItem(QIcon icon, QString name)
+    : m_image(std::move(icon))
+    , m_name(std::move(name))
     , m_watcher(hostService, QDBusConnection::sessionBus(),
                 QDBusServiceWatcher::WatchForRegistration)
 {

@@ -17,7 +17,7 @@ class TrayStatusItem final : public StatusItem, public QAbstractNativeEventFilte
     Q_OBJECT
 
 public:
-    TrayStatusItem(const QIcon& icon, const QString& name);
+    TrayStatusItem(QIcon icon, QString name);
     ~TrayStatusItem() override;
     Q_DISABLE_COPY_MOVE(TrayStatusItem)
 

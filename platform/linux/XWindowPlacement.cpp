@@ -1,8 +1,7 @@
 #include "platform/WindowPlacement.h"
+#include "platform/linux/WaylandSocket.h"
 #include "platform/linux/XConnection.h"
 
-#include <QDir>
-#include <QFileInfo>
 #include <QWindow>
 
 #include <array>
@@ -19,15 +18,6 @@ bool hasXServer()
     const bool reached = !xcb_connection_has_error(connection);
     xcb_disconnect(connection);
     return reached;
-}
-
-bool hasWaylandCompositor()
-{
-    const QString socket = qEnvironmentVariable("WAYLAND_DISPLAY");
-    if (socket.isEmpty())
-        return false;
-    return QFileInfo::exists(
-        QDir(qEnvironmentVariable("XDG_RUNTIME_DIR")).absoluteFilePath(socket));
 }
 
 void setProperty(const QWindow& window, const char* name, xcb_atom_t type, const quint32* values,
