@@ -79,6 +79,8 @@ void VarnoPanel::present(quint32 time)
         show();
     }
     activateForUser(*windowHandle(), time);
+    if (!windowHandle()->isExposed())
+        repaint(); // while the window manager makes room for it
 }
 
 /// Where not all of it is on screens any more: onto the one where its middle is, or else the first.
