@@ -45,18 +45,21 @@ HotKeyEvents& systemHotKeyEvents()
     return *events;
 }
 
+// Neither is ever destroyed: while the process exits there may be threads that use them.
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): they have no state of their own
+
 HttpSession& systemHttpSession()
 {
-    static auto& session =
-        *new LoadedHttpSession; // never destroyed: threads nobody waits for use it
-    return session;
+    static auto* const session = new LoadedHttpSession;
+    return *session;
 }
 
 KeyStore& systemKeyStore()
 {
-    static auto& store = *new LoadedKeyStore; // likewise
-    return store;
+    static auto* const store = new LoadedKeyStore;
+    return *store;
 }
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 Keyboard& systemKeyboard()
 {

@@ -39,19 +39,20 @@ Backend* makeBackend(const char* module, const char* function)
 }
 
 // Neither is ever destroyed: while the process exits there may be threads that use them.
+// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): they have no state of their own
 
 HttpSession* httpSession()
 {
-    static HttpSession* const session =
-        makeBackend<HttpSession>("varno-http.so", "varnoMakeHttpSession");
+    static auto* const session = makeBackend<HttpSession>("varno-http.so", "varnoMakeHttpSession");
     return session;
 }
 
 KeyStore* keyStore()
 {
-    static KeyStore* const store = makeBackend<KeyStore>("varno-key-ring.so", "varnoMakeKeyStore");
+    static auto* const store = makeBackend<KeyStore>("varno-key-ring.so", "varnoMakeKeyStore");
     return store;
 }
+// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 } // namespace
 
