@@ -1,11 +1,13 @@
 #include "demo/Camera.h"
 
+#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QCursor>
 #include <QDeadlineTimer>
 #include <QKeyEvent>
 #include <QPixmap>
 #include <QScreen>
+#include <QScrollBar>
 #include <QTimer>
 #include <QWidget>
 
@@ -77,6 +79,14 @@ void Camera::stop()
 {
     m_stopped = true;
     giveUp(u"The tour was ended."_s);
+}
+
+void scrollToEnd(const QWidget& window)
+{
+    for (const QAbstractScrollArea* area : window.findChildren<QAbstractScrollArea*>()) {
+        QScrollBar& bar = *area->verticalScrollBar();
+        bar.setValue(bar.maximum());
+    }
 }
 
 void typeKey(QWidget& receiver, int key, Qt::KeyboardModifiers modifiers, const QString& text,

@@ -45,6 +45,9 @@ private:
     bool m_stopped = false;
 };
 
+/// Whatever can be scrolled in it.
+void scrollToEnd(const QWidget& window);
+
 /// A key that is pressed and lifted, to whatever is the receiver.
 void typeKey(QWidget& receiver, int key, Qt::KeyboardModifiers modifiers = {},
              const QString& text = {}, quint32 scanCode = 0);

@@ -2,10 +2,8 @@
 
 #include "core/AppViewModel.h"
 
-#include <QAbstractScrollArea>
 #include <QApplication>
 #include <QLineEdit>
-#include <QScrollBar>
 
 #include <algorithm>
 #include <cstdio>
@@ -30,14 +28,6 @@ bool hasArrived(const AppViewModel& model, Scene::Moment moment)
         break;
     }
     return !model.isStreaming() && !model.tocIsLoading();
-}
-
-void scrollToEnd(const QWidget& window)
-{
-    for (const QAbstractScrollArea* area : window.findChildren<QAbstractScrollArea*>()) {
-        QScrollBar& bar = *area->verticalScrollBar();
-        bar.setValue(bar.maximum());
-    }
 }
 
 } // namespace

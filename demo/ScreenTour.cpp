@@ -8,8 +8,6 @@
 
 #include <QAbstractButton>
 #include <QApplication>
-#include <QScrollArea>
-#include <QScrollBar>
 
 #include <algorithm>
 #include <cstdio>
@@ -116,8 +114,7 @@ bool ScreenTour::take(const ScreenScene::Step& step)
         recorder->setSystem(oldSystem);
         return true;
     case Kind::scrollToEnd:
-        for (const QScrollArea* area : m_window.findChildren<QScrollArea*>())
-            area->verticalScrollBar()->setValue(area->verticalScrollBar()->maximum());
+        scrollToEnd(m_window);
         return true;
     }
     return false;

@@ -19,8 +19,16 @@ enum HotKeyStatus : int { hotKeyEventHandled = 0, eventNotHandledErr = -9874 };
 
 /// What an event tells of.
 enum class HotKeyEventClass : quint8 {
-    hotKey,   ///< kinds 5 (pressed) and 6 (released), with the identity
-    keyboard, ///< kinds 1 (pressed) and 3 (released), with the key and its modifiers
+    hotKey,   ///< kinds `hotKeyPressed` and `hotKeyReleased`, with the identity
+    keyboard, ///< kinds `rawKeyDown` and `rawKeyUp`, with the key and its modifiers
+};
+
+/// The kinds of each class, as the Carbon event manager has them.
+enum HotKeyEventKind : quint32 {
+    rawKeyDown = 1,
+    rawKeyUp = 3,
+    hotKeyPressed = 5,
+    hotKeyReleased = 6,
 };
 
 struct HotKeyEvent {

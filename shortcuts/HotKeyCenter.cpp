@@ -6,12 +6,6 @@
 namespace varno {
 namespace {
 
-// The kinds of the Carbon event manager.
-constexpr quint32 hotKeyPressed = 5;
-constexpr quint32 hotKeyReleased = 6;
-constexpr quint32 rawKeyDown = 1;
-constexpr quint32 rawKeyUp = 3;
-
 /// Older ones tell of keys in no other way while a menu is open.
 bool needsKeyboardEvents(const QOperatingSystemVersion& system)
 {

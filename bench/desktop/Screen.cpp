@@ -1,9 +1,10 @@
 #include "bench/desktop/Screen.h"
 
+#include "platform/linux/XcbReply.h"
+
 #include <xcb/xtest.h>
 
 #include <algorithm>
-#include <cstdlib>
 #include <thread>
 #include <vector>
 
@@ -17,13 +18,6 @@ constexpr quint32 colorBits = 0xFFFFFF;
 
 constexpr std::chrono::microseconds glance = 100us; // between two looks at the screen
 constexpr std::chrono::milliseconds stroke = 40ms;  // how long a key is down
-
-struct Free {
-    // NOLINTNEXTLINE(cppcoreguidelines-no-malloc): a reply comes from malloc
-    void operator()(void* reply) const { std::free(reply); }
-};
-template <typename T>
-using Reply = std::unique_ptr<T, Free>;
 
 } // namespace
 
@@ -71,7 +65,7 @@ std::optional<std::size_t> Screen::colors(std::size_t most) const
 {
     xcb_connection_t* server = m_connection.get();
     const auto middle = static_cast<qint16>(m_screen->width_in_pixels / 2);
-    const Reply<xcb_get_image_reply_t> image(
+    const XcbReply<xcb_get_image_reply_t> image(
         xcb_get_image_reply(server,
                             xcb_get_image(server, XCB_IMAGE_FORMAT_Z_PIXMAP, m_screen->root, middle,
                                           0, 1, m_screen->height_in_pixels, ~0U),

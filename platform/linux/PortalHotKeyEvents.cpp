@@ -10,10 +10,6 @@
 namespace varno {
 namespace {
 
-// The kinds of the Carbon event manager.
-constexpr quint32 hotKeyPressed = 5;
-constexpr quint32 hotKeyReleased = 6;
-
 /// It answers to every binding with its system settings, and binds nothing.
 bool isPlasma5()
 {

@@ -2,23 +2,17 @@
 
 #include "platform/Keyboard.h"
 #include "platform/linux/XcbKeyCodes.h"
+#include "platform/linux/XkbOwned.h"
 
 #include <QByteArray>
 #include <QList>
 
 #include <linux/input-event-codes.h>
-#include <xkbcommon/xkbcommon.h>
 
 #include <array>
-#include <memory>
 
 namespace varno {
 namespace {
-
-struct Unref {
-    void operator()(xkb_context* owned) const { xkb_context_unref(owned); }
-    void operator()(xkb_keymap* owned) const { xkb_keymap_unref(owned); }
-};
 
 QString nameOf(xkb_keysym_t keysym)
 {
@@ -37,8 +31,7 @@ xkb_keysym_t keysymAt(xkb_keymap* keymap, xkb_keycode_t keyCode, xkb_level_index
 
 bool isOnKeypad(xkb_keycode_t keyCode)
 {
-    constexpr xkb_keycode_t firstKeyCode = 8; // of those that the kernel counts from 0
-    switch (const xkb_keycode_t key = keyCode - firstKeyCode; key) {
+    switch (const xkb_keycode_t key = keyCode - firstXKeyCode; key) {
     case KEY_KPASTERISK:
     case KEY_KPENTER:
     case KEY_KPSLASH:
@@ -52,10 +45,10 @@ bool isOnKeypad(xkb_keycode_t keyCode)
 
 QString americanName(xkb_keycode_t keyCode)
 {
-    const std::unique_ptr<xkb_context, Unref> context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
+    const XkbOwned<xkb_context> context(xkb_context_new(XKB_CONTEXT_NO_FLAGS));
     const xkb_rule_names names{
         .rules = "evdev", .model = "pc105", .layout = "us", .variant = nullptr, .options = nullptr};
-    const std::unique_ptr<xkb_keymap, Unref> keymap(
+    const XkbOwned<xkb_keymap> keymap(
         context ? xkb_keymap_new_from_names(context.get(), &names, XKB_KEYMAP_COMPILE_NO_FLAGS)
                 : nullptr);
     if (!keymap)

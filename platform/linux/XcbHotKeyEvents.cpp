@@ -10,10 +10,6 @@
 namespace varno {
 namespace {
 
-// The kinds of the Carbon event manager.
-constexpr quint32 hotKeyPressed = 5;
-constexpr quint32 hotKeyReleased = 6;
-
 std::vector<xcb_window_t> rootWindows(const XcbConnection& connection)
 {
     std::vector<xcb_window_t> roots;

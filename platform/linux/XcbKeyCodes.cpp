@@ -13,9 +13,6 @@ struct KeyPlace {
     quint8 evdev;
 };
 
-/// X counts the kernel's key codes from 8.
-constexpr int firstXKeyCode = 8;
-
 constexpr std::array keyPlaces = {
     KeyPlace{0x00, KEY_A},          KeyPlace{0x01, KEY_S},          KeyPlace{0x02, KEY_D},
     KeyPlace{0x03, KEY_F},          KeyPlace{0x04, KEY_H},          KeyPlace{0x05, KEY_G},

@@ -6,6 +6,9 @@
 
 namespace varno {
 
+/// X counts the kernel's key codes from 8.
+inline constexpr int firstXKeyCode = 8;
+
 /// The X key code of a key's place on the keyboard; nothing for a key that there is not.
 [[nodiscard]] std::optional<quint8> xKeyCode(int carbonKeyCode);
 

@@ -3,18 +3,13 @@
 #include "platform/CarbonModifiers.h"
 #include "platform/linux/XcbConnection.h"
 #include "platform/linux/XcbKeyCodes.h"
+#include "platform/linux/XkbOwned.h"
 
 #include <xkbcommon/xkbcommon-x11.h>
 
 namespace varno {
 
 struct XcbKeyboard::Layout {
-    struct Unref {
-        void operator()(xkb_context* owned) const { xkb_context_unref(owned); }
-        void operator()(xkb_keymap* owned) const { xkb_keymap_unref(owned); }
-        void operator()(xkb_state* owned) const { xkb_state_unref(owned); }
-    };
-
     explicit Layout(xcb_connection_t* connection)
         : context(xkb_context_new(XKB_CONTEXT_NO_DEFAULT_INCLUDES))
     {
@@ -25,7 +20,7 @@ struct XcbKeyboard::Layout {
                                                     XKB_KEYMAP_COMPILE_NO_FLAGS));
         if (!keymap)
             return;
-        const std::unique_ptr<xkb_state, Unref> state(
+        const XkbOwned<xkb_state> state(
             xkb_x11_state_new_from_device(keymap.get(), connection, device));
         if (state)
             group = xkb_state_serialize_layout(state.get(), XKB_STATE_LAYOUT_EFFECTIVE);
@@ -41,8 +36,8 @@ struct XcbKeyboard::Layout {
         return QChar::isPrint(character) ? QString::fromUcs4(&character, 1) : QString();
     }
 
-    std::unique_ptr<xkb_context, Unref> context;
-    std::unique_ptr<xkb_keymap, Unref> keymap;
+    XkbOwned<xkb_context> context;
+    XkbOwned<xkb_keymap> keymap;
     xkb_layout_index_t group = 0;
 };
 
