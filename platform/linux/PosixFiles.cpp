@@ -6,14 +6,18 @@
 #include <QStandardPaths>
 
 #include <fcntl.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
 #include <cstdlib>
+#include <thread>
 
 namespace varno {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 class Descriptor {
@@ -50,9 +54,8 @@ auto retried(Call call)
 Descriptor openForReading(const QString& path)
 {
     // Without O_NONBLOCK a named pipe would hold us until somebody writes to it.
-    return Descriptor(retried([&] {
-        return ::open(QFile::encodeName(path).constData(), O_RDONLY | O_NONBLOCK | O_CLOEXEC);
-    }));
+    constexpr int flags = O_RDONLY | O_NOFOLLOW | O_NONBLOCK | O_CLOEXEC;
+    return Descriptor(retried([&] { return ::open(QFile::encodeName(path).constData(), flags); }));
 }
 
 ssize_t readSome(const Descriptor& file, char* bytes, qsizetype length)
@@ -78,35 +81,6 @@ bool sync(const Descriptor& file)
     return retried([&] { return ::fsync(file.number()); }) == 0;
 }
 
-bool copyWhole(const Descriptor& from, const Descriptor& to)
-{
-    std::array<char, 64UL * 1024> buffer = {};
-    for (;;) {
-        const ssize_t count = readSome(from, buffer.data(), buffer.size());
-        if (count <= 0)
-            return count == 0 && sync(to);
-        if (!writeWhole(to, buffer.data(), count))
-            return false;
-    }
-}
-
-/// Copies a file to one that must not be there yet, readable by the user alone.
-bool copyFile(const QString& path, const QByteArray& copy)
-{
-    const Descriptor from = openForReading(path);
-    struct stat status = {};
-    if (!from || ::fstat(from.number(), &status) != 0 || !S_ISREG(status.st_mode))
-        return false;
-    const Descriptor to(
-        ::open(copy.constData(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, S_IRUSR | S_IWUSR));
-    if (!to)
-        return false;
-    if (copyWhole(from, to))
-        return true;
-    ::unlink(copy.constData());
-    return false;
-}
-
 /// Makes a rename in `directory` survive a loss of power. Some file systems cannot; they say so.
 void syncDirectory(const QByteArray& directory)
 {
@@ -118,6 +92,22 @@ void syncDirectory(const QByteArray& directory)
 QByteArray nativeDirectory(const QString& path)
 {
     return QFile::encodeName(QFileInfo(path).absolutePath());
+}
+
+constexpr auto unfinishedMark = ".unfinished-"_L1;
+constexpr auto damagedMark = ".damaged-"_L1;
+
+/// Removes all files named as `path` and `mark`, whatever follows.
+void removeBeside(const QString& path, QLatin1StringView mark)
+{
+    const QFileInfo info(path);
+    const QDir folder = info.absoluteDir();
+    const auto filters = QDir::Files | QDir::System | QDir::Hidden; // System: pipes and dead links
+    const QStringList names = folder.entryList(filters);
+    for (const QString& name : names) {
+        if (name.startsWith(info.fileName() + mark))
+            ::unlink(QFile::encodeName(folder.filePath(name)).constData());
+    }
 }
 
 } // namespace
@@ -141,11 +131,12 @@ std::variant<QByteArray, FileError> readFile(const QString& path, qint64 limit)
         return errno == ENOENT ? FileError::absent : FileError::unreadable;
 
     struct stat status = {};
-    if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) || status.st_size > limit)
+    if (::fstat(file.number(), &status) != 0 || !S_ISREG(status.st_mode) ||
+        status.st_uid != ::geteuid() || status.st_size > limit)
         return FileError::unreadable;
 
     // The length is but a hint: some files of the system have none, and others may grow meanwhile.
-    constexpr qsizetype spare = 64; // shows the end, and lets parsers look ahead without a copy
+    constexpr qsizetype spare = 64; // shows the end
     QByteArray bytes(status.st_size + spare, Qt::Uninitialized);
     qsizetype done = 0;
     for (;;) {
@@ -164,7 +155,7 @@ std::variant<QByteArray, FileError> readFile(const QString& path, qint64 limit)
 
 bool writeFileAtomically(const QString& path, const QByteArray& bytes)
 {
-    QByteArray temporary = QFile::encodeName(path) + ".XXXXXX";
+    QByteArray temporary = QFile::encodeName(path + unfinishedMark) + "XXXXXX";
     const Descriptor file(::mkostemp(temporary.data(), O_CLOEXEC)); // mode 0600
     if (!file)
         return false;
@@ -180,20 +171,57 @@ bool writeFileAtomically(const QString& path, const QByteArray& bytes)
 bool setFileAside(const QString& path)
 {
     const QByteArray original = QFile::encodeName(path);
+    struct stat status = {};
     for (int number = 1; number <= 1000; ++number) {
-        const QByteArray aside = original + ".damaged-" + QByteArray::number(number);
-        // A link needs no space on a full disk and no right to read, whatever the size.
-        bool done = ::link(original.constData(), aside.constData()) == 0;
-        if (!done && errno == ENOENT)
-            return true;
-        if (!done && errno == EEXIST)
+        const QByteArray aside = QFile::encodeName(path + damagedMark + QString::number(number));
+        if (::lstat(aside.constData(), &status) == 0)
             continue;
-        done = done || copyFile(path, aside); // where there are no links
-        if (done)
-            syncDirectory(nativeDirectory(path));
-        return done;
+        if (::rename(original.constData(), aside.constData()) != 0)
+            return errno == ENOENT;
+        syncDirectory(nativeDirectory(path));
+        return true;
     }
     return false;
+}
+
+void removeFilesSetAside(const QString& path)
+{
+    removeBeside(path, damagedMark);
+}
+
+void removeUnfinishedFiles(const QString& path)
+{
+    removeBeside(path, unfinishedMark);
+}
+
+std::optional<FileStamp> fileStamp(const QString& path)
+{
+    struct stat status = {};
+    if (::lstat(QFile::encodeName(path).constData(), &status) != 0)
+        return std::nullopt;
+    return FileStamp{.device = status.st_dev,
+                     .number = status.st_ino,
+                     .size = status.st_size,
+                     .seconds = status.st_mtim.tv_sec,
+                     .nanoseconds = status.st_mtim.tv_nsec};
+}
+
+FolderLock::FolderLock(const QString& folder, std::chrono::milliseconds patience)
+    : m_descriptor(
+          ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
+{
+    constexpr std::chrono::milliseconds step(10);
+    while (m_descriptor >= 0 && ::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0 &&
+           (errno == EWOULDBLOCK || errno == EINTR) && patience >= step) {
+        patience -= step;
+        std::this_thread::sleep_for(step);
+    }
+}
+
+FolderLock::~FolderLock()
+{
+    if (m_descriptor >= 0)
+        ::close(m_descriptor);
 }
 
 } // namespace varno
