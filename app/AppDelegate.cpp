@@ -98,6 +98,7 @@ void AppDelegate::showWindow(quint32 time)
     if (!m_panel)
         m_panel = std::make_unique<VarnoPanel>(m_viewModel, m_keys, panelShortcut());
     m_panel->present(time);
+    m_viewModel.refreshHistory();
 }
 
 void AppDelegate::toggleWindow(quint32 time)

@@ -9,11 +9,7 @@ namespace {
 
 const QByteArray& sampleBytes()
 {
-    static const QByteArray bytes = [] {
-        QByteArray encoded = encodeSessions(historySample());
-        encoded.reserve(encoded.size() + 64); // as it comes out of readFile
-        return encoded;
-    }();
+    static const QByteArray bytes = encodeSessions(historySample());
     return bytes;
 }
 

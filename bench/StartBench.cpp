@@ -75,10 +75,13 @@ void startWithoutFile(benchmark::State& state)
 void saveInBackground(benchmark::State& state)
 {
     const QTemporaryDir folder;
-    const QList<Session> sessions = historySample();
-    HistoryStore history(folder.filePath(QStringLiteral("history.json")));
+    const QString path = folder.filePath(QStringLiteral("history.json"));
+    if (!writeFileAtomically(path, encodeSessions(historySample())))
+        state.SkipWithError("the history cannot be written");
+    HistoryStore history(path);
+    const Session session = history.sessions().sessions().constLast();
     for ([[maybe_unused]] auto iteration : state) {
-        timeIteration(state, [&] { history.save(sessions); });
+        timeIteration(state, [&] { history.put(session); });
         history.waitForDone();
     }
 }

@@ -9,33 +9,17 @@
 namespace varno {
 namespace {
 
-constexpr qsizetype mostSessions = 100;
 constexpr qsizetype mostSearches = 15;
+
+/// What the search field takes. Only a model's topic is longer; all searches together are far
+/// smaller than a preferences file may be.
+constexpr qsizetype longestSearch = 32767;
 constexpr int daysKept = 30;
 
 ReferenceSeconds toReferenceSeconds(const QDateTime& date)
 {
     constexpr qint64 referenceEpoch = 978307200; // 2001-01-01 in seconds since 1970
     return static_cast<double>(date.toMSecsSinceEpoch() - referenceEpoch * 1000) / 1000.0;
-}
-
-/// For `removeIf`: whether a text equals `query` but for its case.
-auto sameAs(const QString& query)
-{
-    return [lowered = query.toLower()](const QString& other) { return other.toLower() == lowered; };
-}
-
-auto sessionFor(const QString& query)
-{
-    return [same = sameAs(query)](const Session& session) { return same(session.rootQuery); };
-}
-
-template <typename Element>
-void prependWithLimit(QList<Element>& list, const Element& element, qsizetype limit)
-{
-    list.prepend(element);
-    if (list.size() > limit)
-        list.resize(limit);
 }
 
 } // namespace
@@ -149,31 +133,27 @@ void AppViewModel::clearHistory()
 {
     set(m_preferences.searchHistory, QStringList(), Change::searchHistory);
     m_dependencies.preferences.setStringArray(preferenceKey::searchHistory, {});
-    sessionHistory().clear();
-    m_dependencies.history.save({});
+    m_dependencies.history.clear();
+    m_sessionAtClearing = m_session ? m_session->id : QUuid();
     publish();
+}
+
+void AppViewModel::refreshHistory()
+{
+    m_dependencies.history.refresh();
 }
 
 void AppViewModel::prepareToQuit()
 {
-    saveCurrentSessionToHistory();
+    discardUnfinishedWriting();
+    if (m_session && m_session->id != m_sessionAtClearing)
+        saveCurrentSessionToHistory();
     m_dependencies.history.waitForDone();
 }
 
 void AppViewModel::loadSessionHistory()
 {
-    m_oldestKept = toReferenceSeconds(m_dependencies.now().addDays(-daysKept));
-    m_loadedHistory = m_dependencies.history.load();
-}
-
-QList<Session>& AppViewModel::sessionHistory()
-{
-    if (!m_sessionHistory) {
-        m_sessionHistory = std::exchange(m_loadedHistory, {}).get();
-        m_sessionHistory->removeIf(
-            [this](const Session& session) { return session.createdAt < m_oldestKept; });
-    }
-    return *m_sessionHistory;
+    m_dependencies.history.load(toReferenceSeconds(m_dependencies.now().addDays(-daysKept)));
 }
 
 void AppViewModel::saveCurrentSessionToHistory()
@@ -181,29 +161,44 @@ void AppViewModel::saveCurrentSessionToHistory()
     const Page* root = m_session ? m_session->rootPage() : nullptr;
     if (!root || root->content.isEmpty())
         return;
-    QList<Session>& history = sessionHistory();
-    history.removeIf(sessionFor(m_session->rootQuery));
-    prependWithLimit(history, *m_session, mostSessions);
-    m_dependencies.history.save(history);
+    m_dependencies.history.put(*m_session);
+    m_sessionAtClearing = QUuid();
+}
+
+/// Puts a page whose text or contents are still coming back to what it was; a section that was
+/// never written goes.
+void AppViewModel::discardUnfinishedWriting()
+{
+    const Page& before = m_pageBeforeWriting;
+    if (Page* page = sessionPage(before.id)) {
+        if (m_isStreaming && before.parentPageId && before.content.isEmpty())
+            m_session->remove(before.id);
+        else if (m_isStreaming)
+            *page = before;
+        else if (m_tocIsLoading)
+            page->tableOfContents = before.tableOfContents;
+    }
+    cancelActiveStreams();
 }
 
 void AppViewModel::recordSearch(const QString& query)
 {
+    if (query.size() > longestSearch)
+        return;
     QStringList searches = m_preferences.searchHistory;
-    searches.removeIf(sameAs(query));
-    prependWithLimit(searches, query, mostSearches);
+    searches.removeIf(
+        [lowered = query.toLower()](const QString& other) { return other.toLower() == lowered; });
+    searches.prepend(query);
+    searches = searches.first(std::min(searches.size(), mostSearches));
     m_dependencies.preferences.setStringArray(preferenceKey::searchHistory, searches);
     set(m_preferences.searchHistory, std::move(searches), Change::searchHistory);
 }
 
 const Session* AppViewModel::savedSession(const QString& query)
 {
-    const QList<Session>& history = sessionHistory();
-    const auto found = std::find_if(history.begin(), history.end(), sessionFor(query));
-    if (found == history.end())
-        return nullptr;
-    const Page* root = found->rootPage();
-    return root && !root->content.isEmpty() ? &*found : nullptr;
+    const Session* saved = m_dependencies.history.sessions().find(query);
+    const Page* root = saved ? saved->rootPage() : nullptr;
+    return root && !root->content.isEmpty() ? saved : nullptr;
 }
 
 void AppViewModel::publish()

@@ -10,7 +10,6 @@
 #include <QObject>
 
 #include <functional>
-#include <future>
 #include <memory>
 #include <optional>
 
@@ -116,7 +115,12 @@ public:
     /// Empties both histories; the open session stays open.
     void clearHistory();
 
-    /// Saves the open session and waits for all pending writes: for the end of the process.
+    /// Takes in what other programs on the same files have saved and cleared since.
+    void refreshHistory();
+
+    /// Saves the open session and waits for all pending writes: for the end of the process. Of a
+    /// page that is being written, what was there before it stays. A session that was open when the
+    /// history was cleared is not saved.
     void prepareToQuit();
 
 signals:
@@ -137,17 +141,17 @@ private:
     void finishPage(const QUuid& id, const EntryStream::Outcome& outcome);
     void finishTOC(const QUuid& id, const TOCRequest::Outcome& outcome);
     void cancelActiveStreams();
-    void reload();
+    void reload(EntryType entryType);
 
     void openSection(const Page& root, const QString& section);
     void showCurrentPage();
     void closeSession();
     [[nodiscard]] QStringList tocForCurrentPage() const;
 
-    [[nodiscard]] QList<Session>& sessionHistory();
     void loadSessionHistory();
     void saveCurrentSessionToHistory();
     void recordSearch(const QString& query);
+    void discardUnfinishedWriting();
     [[nodiscard]] const Session* savedSession(const QString& query);
 
     [[nodiscard]] const ModelService& service() const;
@@ -168,9 +172,8 @@ private:
     std::optional<Session> m_session;
     Preferences m_preferences;
 
-    std::shared_future<QList<Session>> m_loadedHistory;
-    ReferenceSeconds m_oldestKept = 0;
-    std::optional<QList<Session>> m_sessionHistory; ///< absent until it is needed first
+    Page m_pageBeforeWriting;  ///< the page that is written, as it was
+    QUuid m_sessionAtClearing; ///< open then, and not saved since
     std::unique_ptr<EntryStream> m_activeStreamTask;
     std::unique_ptr<TOCRequest> m_activeTOCTask;
 };

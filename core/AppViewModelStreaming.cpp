@@ -2,32 +2,35 @@
 #include "core/EntryText.h"
 #include "core/Prompts.h"
 
+#include <algorithm>
+
 namespace varno {
 
 void AppViewModel::reloadCurrentPage()
 {
-    reload();
+    if (const Page* page = currentPage())
+        reload(page->entryType);
     publish();
 }
 
 void AppViewModel::upgradeToFullEntry()
 {
     const Page* page = currentPage();
-    if (!page || page->parentPageId)
-        return;
-    set(sessionPage(page->id)->entryType, EntryType::full, Change::session);
-    reload();
+    if (page && !page->parentPageId)
+        reload(EntryType::full);
     publish();
 }
 
-void AppViewModel::reload()
+/// Writes the current page again, as an entry of that kind.
+void AppViewModel::reload(EntryType entryType)
 {
-    if (!currentPage())
-        return;
     cancelActiveStreams();
     set(m_errorMessage, std::nullopt, Change::errorMessage);
 
-    Page& page = *sessionPage(currentPage()->id);
+    const Page before = *currentPage();
+    Page page = before;
+    page.entryType = entryType;
+    page.content.clear();
     QString prompt;
     if (page.parentPageId) {
         const Page* root = m_session->rootPage();
@@ -38,9 +41,10 @@ void AppViewModel::reload()
         page.tableOfContents.clear();
         set(m_streamingTOC, QStringList(), Change::streamingTOC);
     }
-    set(page.content, QString(), Change::session);
-    const Page reloaded = page;
-    streamPage(reloaded.id, reloaded.entryType, prompt, reloaded.title);
+    m_session->pages.insert(page.id, page);
+    m_pendingChanges |= Change::session;
+    streamPage(page.id, page.entryType, prompt, page.title);
+    m_pageBeforeWriting = before;
 }
 
 void AppViewModel::streamPage(const QUuid& id, EntryType entryType, const QString& prompt,
@@ -51,6 +55,7 @@ void AppViewModel::streamPage(const QUuid& id, EntryType entryType, const QStrin
     set(m_streamingTitle, title, Change::streamingTitle);
 
     const Page* page = sessionPage(id);
+    m_pageBeforeWriting = page ? *page : Page();
     const bool isSection = page && page->parentPageId;
     if (!isSection && entryType == EntryType::full)
         requestTOC(id, title);
@@ -77,9 +82,13 @@ void AppViewModel::requestTOC(const QUuid& id, const QString& title)
 
 void AppViewModel::appendPiece(const QUuid& id, const QString& piece)
 {
-    m_streamingContent += piece;
+    const QString fitting =
+        piece.first(std::min(piece.size(), longestEntryText - m_streamingContent.size()));
+    if (fitting.isEmpty())
+        return;
+    m_streamingContent += fitting;
     if (Page* page = sessionPage(id))
-        page->content += piece;
+        page->content += fitting;
     m_pendingChanges |= Change::streamingPiece;
     publish();
 }

@@ -1,25 +1,32 @@
 #include "core/HistoryStore.h"
 
 #include "core/SessionCodec.h"
-#include "platform/Files.h"
+
+#include <QFileInfo>
 
 #include <chrono>
+#include <limits>
 #include <utility>
 
 namespace varno {
 namespace {
 
-/// More than a full history of the longest entries; beyond it a file is not ours.
-constexpr qint64 largestFile = 256LL * 1024 * 1024;
+using std::chrono_literals::operator""ms;
 
 /// Until a program that starts has its icon in place.
-constexpr std::chrono::milliseconds startingTime(300);
+constexpr auto startingTime = 300ms;
+
+/// For another program that writes the file; it takes a fraction of it.
+constexpr auto lockPatience = 3000ms;
 
 } // namespace
 
 HistoryStore::HistoryStore(QString path)
     : m_path(std::move(path))
+    , m_oldestKept(-std::numeric_limits<ReferenceSeconds>::infinity())
 {
+    m_readingTimer.setSingleShot(true);
+    connect(&m_readingTimer, &QTimer::timeout, this, &HistoryStore::startReading);
 }
 
 QString HistoryStore::defaultPath()
@@ -32,32 +39,71 @@ QString HistoryStore::defaultPath()
     return path;
 }
 
-std::shared_future<QList<Session>> HistoryStore::load()
+void HistoryStore::load(ReferenceSeconds oldestKept)
 {
-    auto loaded = std::async(std::launch::deferred, [this] { return read(); }).share();
-    QObject::connect(
-        &m_readingTimer, &QTimer::timeout, &m_readingTimer,
-        [this, loaded] { m_background.add([loaded] { loaded.wait(); }); },
-        Qt::SingleShotConnection); // which keeps nothing of what was read
-    m_readingTimer.setSingleShot(true);
+    m_oldestKept = oldestKept;
     m_readingTimer.start(startingTime);
-    return loaded;
 }
 
-QList<Session> HistoryStore::read()
+void HistoryStore::startReading()
 {
-    const auto file = readFile(m_path, largestFile);
-    std::optional<QList<Session>> sessions;
-    if (const auto* bytes = std::get_if<QByteArray>(&file))
-        sessions = decodeSessions(*bytes);
-    const auto* error = std::get_if<FileError>(&file);
-    m_putAside = !sessions && !(error && *error == FileError::absent);
-    return std::move(sessions).value_or(QList<Session>());
+    m_readingTimer.stop();
+    if (!std::exchange(m_readingStarted, true))
+        m_background.add([this] { start(); });
 }
 
-void HistoryStore::save(const QList<Session>& sessions)
+const SessionHistory& HistoryStore::sessions()
 {
-    m_background.add([this, sessions] { write(sessions); });
+    if (!m_sessions) {
+        startReading();
+        waitForDone();
+        takeReports();
+    }
+    return *m_sessions;
+}
+
+void HistoryStore::put(const Session& session)
+{
+    if (m_sessions)
+        m_sessions->put(session);
+    change([this, session] {
+        takeIn();
+        m_saved.put(session);
+        m_unwritten.put(session);
+        write();
+    });
+}
+
+void HistoryStore::clear()
+{
+    if (m_sessions)
+        m_sessions = SessionHistory();
+    change([this] {
+        takeIn();
+        m_saved = m_unwritten = SessionHistory();
+        write();
+        removeFilesSetAside(m_path);
+        removeUnfinishedFiles(m_path);
+    });
+}
+
+void HistoryStore::change(std::function<void()> work)
+{
+    startReading();
+    m_background.add([this, work = std::move(work), number = ++m_changes] {
+        const FolderLock lock(QFileInfo(m_path).path(), lockPatience);
+        work();
+        report(number);
+    });
+}
+
+void HistoryStore::refresh()
+{
+    startReading();
+    m_background.add([this, number = m_changes] {
+        if (takeIn())
+            report(number);
+    });
 }
 
 void HistoryStore::waitForDone()
@@ -65,12 +111,64 @@ void HistoryStore::waitForDone()
     m_background.waitForDone();
 }
 
-void HistoryStore::write(const QList<Session>& sessions)
+void HistoryStore::customEvent(QEvent*)
 {
-    if (m_putAside && !setFileAside(m_path))
+    takeReports();
+}
+
+/// A report from before a change that is still under way would undo it; another one follows.
+void HistoryStore::takeReports()
+{
+    for (Report& report : m_reports.take()) {
+        if (report.changes == m_changes)
+            m_sessions = std::move(report.saved);
+    }
+}
+
+void HistoryStore::start()
+{
+    if (const FolderLock lock(QFileInfo(m_path).path(), 0ms); lock.held())
+        removeUnfinishedFiles(m_path);
+    takeIn();
+    report(0);
+}
+
+/// Reads the file if it is another one than it was; returns whether it was.
+bool HistoryStore::takeIn()
+{
+    const auto stamp = fileStamp(m_path);
+    if (std::exchange(m_known, true) && stamp == m_stamp)
+        return false;
+    m_stamp = stamp;
+    const auto file = readFile(m_path, largestHistory);
+    const auto* bytes = std::get_if<QByteArray>(&file);
+    const bool absent = !bytes && std::get<FileError>(file) == FileError::absent;
+    auto decoded = bytes ? decodeSessions(*bytes) : std::nullopt;
+    m_damaged = !absent && (!decoded || decoded->refused > 0);
+    if (absent)
+        decoded.emplace();
+    if (!decoded)
+        return false; // what is in memory is all that there is
+    m_saved = SessionHistory(std::move(decoded->sessions));
+    m_saved.removeOlderThan(m_oldestKept);
+    m_saved.put(m_unwritten);
+    return true;
+}
+
+void HistoryStore::write()
+{
+    if (m_damaged && !setFileAside(m_path))
         return;
-    m_putAside = false;
-    writeFileAtomically(m_path, encodeSessions(sessions));
+    m_damaged = false;
+    if (!writeFileAtomically(m_path, encodeSessions(m_saved.sessions())))
+        return;
+    m_stamp = fileStamp(m_path);
+    m_unwritten = SessionHistory();
+}
+
+void HistoryStore::report(int changes)
+{
+    m_reports.send({.changes = changes, .saved = m_saved});
 }
 
 } // namespace varno

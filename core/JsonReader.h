@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QByteArray>
+#include <QByteArrayView>
 #include <QString>
 #include <QStringList>
 
@@ -19,35 +19,20 @@ using Object = simdjson::dom::object;
 using Array = simdjson::dom::array;
 using Parser = simdjson::dom::parser;
 
+inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
+
 /// All of `utf8`: QString::fromUtf8 would drop a U+FEFF at the beginning.
 inline QString toQString(std::string_view utf8)
 {
-    constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
     QString text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
     if (utf8.starts_with(byteOrderMark))
         text.prepend(QChar(QChar::ByteOrderMark));
     return text;
 }
 
-/// Nothing unless `text` is one whole valid JSON value; good until `parser` reads the next one.
-inline std::optional<Value> parse(Parser& parser, std::string_view text)
-{
-    Value value;
-    if (parser.parse(text.data(), text.size()).get(value) != simdjson::SUCCESS)
-        return std::nullopt;
-    return value;
-}
-
-/// The same without a copy of `text`, if it has room to spare behind its end.
-inline std::optional<Value> parse(Parser& parser, const QByteArray& text)
-{
-    const auto size = static_cast<std::size_t>(text.size());
-    const bool roomy = text.capacity() - text.size() >= qsizetype{simdjson::SIMDJSON_PADDING};
-    Value value;
-    if (parser.parse(text.data(), size, !roomy).get(value) != simdjson::SUCCESS)
-        return std::nullopt;
-    return value;
-}
+/// Nothing unless `bytes` are one whole valid JSON value, with or without a byte-order mark; good
+/// until `parser` reads the next one. A number is not refused for its size.
+std::optional<Value> parse(Parser& parser, QByteArrayView bytes);
 
 /// `value` as an Object, Array, std::string_view or number.
 template <typename Type>

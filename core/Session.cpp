@@ -44,6 +44,12 @@ void Session::cutHistoryAfter(const QUuid& pageId)
         navigationHistory.resize(last + 1);
 }
 
+void Session::remove(const QUuid& pageId)
+{
+    navigationHistory.removeAll(pageId);
+    pages.remove(pageId);
+}
+
 const Page* Session::cachedSectionPage(const QUuid& parentId, const QString& sectionName) const
 {
     const auto found = std::find_if(pages.cbegin(), pages.cend(), [&](const Page& page) {

@@ -55,6 +55,9 @@ struct Session {
     /// was.
     void cutHistoryAfter(const QUuid& pageId);
 
+    /// Forgets a page and every time that it was shown.
+    void remove(const QUuid& pageId);
+
     /// A written page for that section of `parentId`, by its exact name.
     [[nodiscard]] const Page* cachedSectionPage(const QUuid& parentId,
                                                 const QString& sectionName) const;

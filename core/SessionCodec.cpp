@@ -165,7 +165,7 @@ bool readPair(Pages& pages, std::string_view key, json::Value value)
 {
     const std::optional<QUuid> id = readId(key);
     std::optional<Page> page = readPage(value);
-    if (!id || !page)
+    if (!id || !page || page->id != *id)
         return false;
     pages.emplace(*id, *std::move(page));
     return true;
@@ -237,31 +237,36 @@ std::optional<Session> readSession(json::Value value)
 
 } // namespace
 
-QByteArray encodeSessions(const QList<Session>& sessions)
+QByteArray encodeSessions(const QList<Session>& sessions, qsizetype limit)
 {
-    JsonWriter writer;
-    writer.beginArray();
-    for (const Session& session : sessions)
+    QByteArray array = "[";
+    for (const Session& session : sessions) {
+        JsonWriter writer;
         write(writer, session);
-    writer.endArray();
-    return writer.text();
+        if (array.size() + writer.text().size() + 2 > limit) // with a comma and a bracket
+            continue;
+        if (array.size() > 1)
+            array += ',';
+        array += writer.text();
+    }
+    return array + ']';
 }
 
-std::optional<QList<Session>> decodeSessions(const QByteArray& json)
+std::optional<DecodedSessions> decodeSessions(const QByteArray& json)
 {
     json::Parser parser;
-    const std::optional<json::Value> value = json::parse(parser, json);
+    const auto value = json::parse(parser, json);
     const auto array = value ? json::as<json::Array>(*value) : std::nullopt;
     if (!array)
         return std::nullopt;
-    QList<Session> sessions;
+    DecodedSessions decoded;
     for (const json::Value element : *array) {
-        std::optional<Session> session = readSession(element);
-        if (!session)
-            return std::nullopt;
-        sessions.append(*std::move(session));
+        if (std::optional<Session> session = readSession(element))
+            decoded.sessions.append(*std::move(session));
+        else
+            ++decoded.refused;
     }
-    return sessions;
+    return decoded;
 }
 
 } // namespace varno

@@ -8,11 +8,22 @@
 
 namespace varno {
 
-/// The history file: a JSON array of sessions, as they stand in the list.
-QByteArray encodeSessions(const QList<Session>& sessions);
+/// The most bytes that a history file may have, for those who write it and those who read it: more
+/// than a full history of the longest entries.
+inline constexpr qsizetype largestHistory = 256LL * 1024 * 1024;
 
-/// Nothing when any part of `json` is not as `encodeSessions` would have it; unknown members, and
-/// "pages" as an object keyed by the ids, are fine.
-std::optional<QList<Session>> decodeSessions(const QByteArray& json);
+/// The history file: a JSON array of sessions, as they stand in the list. Those that would make it
+/// longer than `limit` bytes are left out.
+QByteArray encodeSessions(const QList<Session>& sessions, qsizetype limit = largestHistory);
+
+struct DecodedSessions {
+    QList<Session> sessions;
+    int refused = 0; ///< elements of the array that are no sessions
+};
+
+/// Nothing when `json` is no JSON array. An element is refused when any part of it is not as
+/// `encodeSessions` would have it, or a page stands under another id than its own; unknown members,
+/// "pages" as an object keyed by the ids, and a trail to pages that are not there are fine.
+std::optional<DecodedSessions> decodeSessions(const QByteArray& json);
 
 } // namespace varno

@@ -64,8 +64,11 @@ public:
     ~FolderLock();
     Q_DISABLE_COPY_MOVE(FolderLock)
 
+    [[nodiscard]] bool held() const { return m_held; }
+
 private:
     int m_descriptor;
+    bool m_held = false;
 };
 
 } // namespace varno

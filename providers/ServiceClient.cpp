@@ -1,5 +1,6 @@
 #include "providers/ServiceClient.h"
 
+#include "core/EntryText.h"
 #include "core/Prompts.h"
 #include "providers/EntryTagFilter.h"
 #include "providers/JsonArray.h"
@@ -14,9 +15,8 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// No answer of a few thousand tokens comes near these; they only bound what a broken or hostile
-/// server can make us hold.
-constexpr std::size_t longestText = 64UL * 1024 * 1024;
+/// No answer of a few thousand tokens comes near it; it only bounds what a broken or hostile server
+/// can make us hold.
 constexpr std::size_t longestBody = 16UL * 1024 * 1024;
 
 Failure networkFailure(const QString& description)
@@ -112,8 +112,8 @@ private:
         const auto text = payload ? m_dialect.eventText(m_parser, *payload) : std::nullopt;
         if (!text)
             return true;
-        m_length += static_cast<std::size_t>(text->size());
-        if (m_length > longestText)
+        m_length += text->size();
+        if (m_length > longestEntryText)
             return tooLong();
         if (const auto piece = m_entry.filter(*text))
             m_sink.send(*piece);
@@ -125,7 +125,7 @@ private:
     LineSplitter m_lines;
     json::Parser m_parser;
     EntryTagFilter m_entry;
-    std::size_t m_length = 0;
+    qsizetype m_length = 0;
 };
 
 class ServiceClient::WholeReader final : public Reader {

@@ -18,6 +18,13 @@ public:
 
     ControllerFixture() { start(); }
 
+    /// On the history file of another.
+    explicit ControllerFixture(const QString& path)
+        : m_path(path)
+    {
+        start();
+    }
+
     /// As after a restart of the program: the preferences and the file stay.
     void start()
     {
@@ -34,7 +41,10 @@ public:
                          [this](AppViewModel::Changes what) { announced |= what; });
     }
 
-    [[nodiscard]] QString path() const { return folder.filePath(QStringLiteral("history.json")); }
+    [[nodiscard]] QString path() const
+    {
+        return m_path.isEmpty() ? folder.filePath(QStringLiteral("history.json")) : m_path;
+    }
 
     /// Sends `text` as the answer to the newest request for an entry, and ends it.
     void answer(const QString& text, const EntryStream::Outcome& outcome = EntryStream::Completed())
@@ -86,6 +96,9 @@ public:
     AppViewModel::Changes announced;
     std::unique_ptr<HistoryStore> history;
     std::unique_ptr<AppViewModel> model;
+
+private:
+    QString m_path;
 };
 
 } // namespace varno

@@ -1,3 +1,4 @@
+#include "core/EntryText.h"
 #include "core/SessionCodec.h"
 #include "tests/ControllerFixture.h"
 
@@ -28,9 +29,9 @@ QStringList savedQueries(const ControllerFixture& fixture)
 {
     fixture.history->waitForDone();
     const QByteArray bytes = contents(fixture.path());
-    const auto sessions = decodeSessions(bytes);
+    const auto decoded = decodeSessions(bytes).value_or(DecodedSessions());
     QStringList queries;
-    for (const Session& session : sessions.value_or(QList<Session>()))
+    for (const Session& session : decoded.sessions)
         queries.append(session.rootQuery);
     return queries;
 }
@@ -101,13 +102,83 @@ private slots:
         QCOMPARE(savedQueries(fixture), QStringList({u"carthage"_s}));
     }
 
-    void quitSavesTheOpenSession()
+    void clearedHistoryStaysClearedAtQuit()
     {
         ControllerFixture fixture;
+        setContents(fixture.path() + u".unfinished-aB3dE6"_s, "of a killed write");
+        setContents(fixture.path(), "damaged");
+        fixture.write(u"rome"_s);
+        fixture.write(u"carthage"_s);
+        fixture.model->clearHistory();
+        fixture.model->prepareToQuit();
+        QCOMPARE(contents(fixture.path()), QByteArray("[]"));
+        QCOMPARE(QDir(fixture.folder.path()).entryList(QDir::Files | QDir::Hidden),
+                 QStringList({u"history.json"_s}));
+        fixture.write(u"syracuse"_s);
+        fixture.model->prepareToQuit();
+        QCOMPARE(savedQueries(fixture), QStringList({u"syracuse"_s, u"carthage"_s}));
+    }
+
+    void quitKeepsWhatWasWholeAlone()
+    {
+        ControllerFixture fixture;
+        fixture.write(u"rome"_s, u"Whole."_s);
+        fixture.model->navigateTo(u"Kings"_s);
+        fixture.send(u"Half a section"_s);
+        fixture.model->prepareToQuit();
+        fixture.start();
         fixture.model->search(u"rome"_s);
+        QCOMPARE(fixture.trail(), QStringList({u"Rome"_s}));
+        fixture.model->upgradeToFullEntry();
+        fixture.send(u"Half a text"_s);
+        fixture.model->prepareToQuit();
+        fixture.start();
+        fixture.model->search(u"rome"_s);
+        QCOMPARE(fixture.model->currentPage()->content, u"Whole."_s);
+        QCOMPARE(fixture.model->currentPage()->entryType, EntryType::definition);
+        fixture.model->search(u"carthage"_s);
         fixture.send(u"Half a text"_s);
         fixture.model->prepareToQuit();
         QCOMPARE(savedQueries(fixture), QStringList({u"rome"_s}));
+    }
+
+    void programsOnOneHomeKeepEachOthersSessions()
+    {
+        ControllerFixture fixture;
+        fixture.write(u"rome"_s);
+        fixture.model->newSearch();
+        QCOMPARE(savedQueries(fixture), QStringList({u"rome"_s}));
+        ControllerFixture other(fixture.path());
+        other.write(u"carthage"_s);
+        other.model->prepareToQuit();
+        fixture.write(u"syracuse"_s);
+        fixture.model->newSearch();
+        QCOMPARE(savedQueries(fixture), QStringList({u"syracuse"_s, u"carthage"_s, u"rome"_s}));
+
+        other.model->refreshHistory();
+        other.history->waitForDone();
+        QCoreApplication::sendPostedEvents();
+        other.model->search(u"syracuse"_s);
+        QVERIFY(!other.model->isStreaming()); // taken in when the panel was shown
+        fixture.model->clearHistory();
+        fixture.history->waitForDone();
+        other.write(u"athens"_s);
+        other.model->prepareToQuit();
+        QCOMPARE(savedQueries(fixture), QStringList({u"athens"_s, u"syracuse"_s}));
+    }
+
+    void textOfAPageIsBounded()
+    {
+        ControllerFixture fixture;
+        fixture.model->search(u"rome"_s);
+        const auto& sink = fixture.claude.entries.back().sink;
+        for (int i = 0; i < 3; ++i)
+            sink.send(QString(longestEntryText / 2 + 1, u'x'));
+        sink.finish(EntryStream::Completed());
+        QTRY_VERIFY(!fixture.model->isStreaming());
+        QCOMPARE(fixture.model->currentPage()->content.size(), longestEntryText);
+        fixture.model->search(QString(100'000, u'y')); // not kept among the searches
+        QCOMPARE(fixture.model->searchHistory(), QStringList({u"rome"_s}));
     }
 
     void fileIsForTheUserAlone()
@@ -161,7 +232,8 @@ private slots:
         fixture.model->search(u"rome"_s); // still there in memory
         QVERIFY(!fixture.model->isStreaming());
         fixture.model->prepareToQuit();
-        QVERIFY(QDir(fixture.path() + u"/inside"_s).exists());
+        QVERIFY(QDir(fixture.path() + u".damaged-1/inside"_s).exists());
+        QCOMPARE(savedQueries(fixture), QStringList({u"rome"_s}));
     }
 
     void newestListIsTheOneThatStays()

@@ -27,16 +27,16 @@ Session writtenSession(const QString& query)
 void writeHistory(const QString& path, const QStringList& queries)
 {
     QDir().mkpath(QFileInfo(path).path());
-    QList<Session> sessions;
-    for (const QString& query : queries)
-        sessions.append(writtenSession(query));
-    HistoryStore(path).save(sessions);
+    HistoryStore history(path);
+    for (auto query = queries.crbegin(); query != queries.crend(); ++query)
+        history.put(writtenSession(*query));
 }
 
 QStringList readHistory(const QString& path)
 {
     QStringList queries;
-    const QList<Session> sessions = HistoryStore(path).load().get();
+    HistoryStore history(path);
+    const QList<Session> sessions = history.sessions().sessions();
     for (const Session& session : sessions)
         queries.append(session.rootQuery);
     return queries;

@@ -62,6 +62,10 @@ private slots:
         row("byte-order mark",
             "{'type':'content_block_delta','delta':{'type':'x','text':'\xEF\xBB\xBFx'}}",
             u"\uFEFFx"_s);
+        row("byte-order mark in front, and numbers of any size",
+            "\xEF\xBB\xBF{'type':'content_block_delta','at':[-99999999999999999999,1e999],"
+            "'delta':{'type':'x','text':'a'}}",
+            u"a"_s);
         row("null members",
             "{'type':'content_block_delta','index':null,'delta':{'type':'x','text':null}}", {});
         row("delta without type", "{'type':'content_block_delta','delta':{'text':'a'}}", {});

@@ -211,8 +211,11 @@ FolderLock::FolderLock(const QString& folder, std::chrono::milliseconds patience
           ::open(QFile::encodeName(folder).constData(), O_RDONLY | O_DIRECTORY | O_CLOEXEC))
 {
     constexpr std::chrono::milliseconds step(10);
-    while (m_descriptor >= 0 && ::flock(m_descriptor, LOCK_EX | LOCK_NB) != 0 &&
-           (errno == EWOULDBLOCK || errno == EINTR) && patience >= step) {
+    for (;;) {
+        m_held = m_descriptor >= 0 && ::flock(m_descriptor, LOCK_EX | LOCK_NB) == 0;
+        const bool isBusy = m_descriptor >= 0 && (errno == EWOULDBLOCK || errno == EINTR);
+        if (m_held || !isBusy || patience < step)
+            return;
         patience -= step;
         std::this_thread::sleep_for(step);
     }

@@ -1,0 +1,31 @@
+#pragma once
+
+#include "core/Session.h"
+
+namespace varno {
+
+/// The saved sessions, most recently saved first: at most a hundred, and one for each root query,
+/// whatever its case.
+class SessionHistory {
+public:
+    SessionHistory() = default;
+    explicit SessionHistory(QList<Session> sessions);
+
+    [[nodiscard]] const QList<Session>& sessions() const { return m_sessions; }
+
+    /// The session for `query`; null when there is none. Valid until the history changes.
+    [[nodiscard]] const Session* find(const QString& query) const;
+
+    /// Puts `session` first, in place of the one for its query.
+    void put(const Session& session);
+
+    /// Puts all of `newer` before what is here.
+    void put(const SessionHistory& newer);
+
+    void removeOlderThan(ReferenceSeconds date);
+
+private:
+    QList<Session> m_sessions;
+};
+
+} // namespace varno
