@@ -12,11 +12,14 @@ namespace {
 
 using namespace std::chrono_literals;
 
-struct Delete {
-    void operator()(CURL* handle) const { curl_easy_cleanup(handle); }
-    void operator()(CURLM* handle) const { curl_multi_cleanup(handle); }
-    void operator()(curl_slist* list) const { curl_slist_free_all(list); }
+/// Ends what libcurl made. Named by its function, since a handle's type may be that of another.
+template <auto function>
+struct EndBy {
+    void operator()(auto* made) const { function(made); }
 };
+using Handle = std::unique_ptr<CURL, EndBy<curl_easy_cleanup>>;
+using Multi = std::unique_ptr<CURLM, EndBy<curl_multi_cleanup>>;
+using HeaderList = std::unique_ptr<curl_slist, EndBy<curl_slist_free_all>>;
 
 /// What the callbacks of one transfer know.
 struct Transfer {
@@ -89,8 +92,6 @@ bool hasControlCharacter(const QByteArray& text)
         return byte < 0x20 || byte == 0x7f;
     });
 }
-
-using HeaderList = std::unique_ptr<curl_slist, Delete>;
 
 void append(HeaderList& headers, const QByteArray& line)
 {
@@ -170,7 +171,7 @@ CURLcode drive(CURLM* multi, std::chrono::milliseconds timeout, const std::stop_
 
 CURLcode run(CURL* handle, std::chrono::milliseconds timeout, const std::stop_token& stop)
 {
-    const std::unique_ptr<CURLM, Delete> multi(curl_multi_init());
+    const Multi multi(curl_multi_init());
     if (!multi || curl_multi_add_handle(multi.get(), handle) != CURLM_OK)
         return CURLE_FAILED_INIT;
     const std::stop_callback wake(stop, [&] { curl_multi_wakeup(multi.get()); });
@@ -219,7 +220,7 @@ std::optional<Failure> CurlHttpSession::perform(const HttpRequest& request, Http
     if (const auto* failure = std::get_if<Failure>(&headers))
         return *failure;
 
-    const std::unique_ptr<CURL, Delete> handle(curl_easy_init());
+    const Handle handle(curl_easy_init());
     Transfer transfer{.receiver = receiver, .handle = handle.get()};
     setUp(handle.get(), request, std::get<HeaderList>(headers), transfer);
     curl_easy_setopt(handle.get(), CURLOPT_SHARE, m_share);
