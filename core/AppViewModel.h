@@ -31,7 +31,7 @@ public:
         HistoryStore& history;
         const ModelService& claude;
         const ModelService& gemini;
-        std::function<QDateTime()> now = &QDateTime::currentDateTime;
+        std::function<QDateTime()> now = [] { return QDateTime::currentDateTime(); };
     };
 
     /// What an announcement says has changed.
