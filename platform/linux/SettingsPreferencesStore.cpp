@@ -86,8 +86,9 @@ void SettingsPreferencesStore::set(const QString& key, const QVariant& value)
 {
     // QSettings would make a file that everybody can read; of one that is there it keeps the mode.
     createPrivateDirectory(QFileInfo(m_settings.fileName()).absolutePath());
-    QFile(m_settings.fileName())
-        .open(QIODevice::WriteOnly | QIODevice::NewOnly, QFile::ReadOwner | QFile::WriteOwner);
+    static_cast<void>(
+        QFile(m_settings.fileName())
+            .open(QIODevice::WriteOnly | QIODevice::NewOnly, QFile::ReadOwner | QFile::WriteOwner));
     m_settings.setValue(key, value);
     m_settings.sync();
 }
