@@ -2,6 +2,7 @@
 
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
 #include <QPromise>
 #include <QThreadPool>
 
@@ -15,6 +16,7 @@ namespace {
 const QString applicationId = QStringLiteral("com.kelbrin.varno");
 
 const QString busName = QStringLiteral("org.freedesktop.DBus");
+const QString busPath = QStringLiteral("/org/freedesktop/DBus");
 
 } // namespace
 
@@ -62,9 +64,8 @@ void PortalConnection::watch()
     }
     // From any sender: naming one would wait for the bus to say who owns that name, here as in all
     // that listens to the portal.
-    m_bus.connect(QString(), QStringLiteral("/org/freedesktop/DBus"), busName,
-                  QStringLiteral("NameOwnerChanged"), {service}, QString(), this,
-                  SLOT(takeOwner(QString, QString, QString)));
+    m_bus.connect(QString(), busPath, busName, QStringLiteral("NameOwnerChanged"), {service},
+                  QString(), this, SLOT(takeOwner(QString, QString, QString)));
     introduce();
 }
 
@@ -77,10 +78,23 @@ void PortalConnection::introduce()
     call << applicationId << QVariantMap();
     auto* answer = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
-        // Older portals answer that they know no such call. Where there is none the bus answers.
-        const QString sender = answer->reply().service();
+        // Whatever it says: older portals know no such call.
         answer->deleteLater();
-        setOwner(sender.startsWith(u':') ? sender : QString());
+        askForOwner();
+    });
+}
+
+void PortalConnection::askForOwner()
+{
+    // Not the sender of a reply, which is empty in some versions of Qt.
+    QDBusMessage call =
+        QDBusMessage::createMethodCall(busName, busPath, busName, QStringLiteral("GetNameOwner"));
+    call << service;
+    auto* answer = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+        answer->deleteLater();
+        const QDBusPendingReply<QString> owner = *answer;
+        setOwner(owner.isValid() ? owner.value() : QString());
     });
 }
 

@@ -51,6 +51,7 @@ private:
 
     void watch();
     void introduce();
+    void askForOwner();
     void setOwner(const QString& owner);
 
     Connector m_connector;
