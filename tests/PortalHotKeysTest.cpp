@@ -286,7 +286,7 @@ private:
     {
         m_frontend = std::make_unique<Frontend>(*m_bus, hasShortcuts);
         m_frontend->start();
-        QTRY_VERIFY_WITH_TIMEOUT(desktop().interface()->isServiceRegistered(frontendName), 20000);
+        QTRY_VERIFY(desktop().interface()->isServiceRegistered(frontendName));
     }
 
     std::optional<Reference> add(int key, quint32 id = 1, int modifiers = optionCommand)

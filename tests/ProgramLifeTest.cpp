@@ -169,7 +169,7 @@ void ProgramLifeTest::oneOfTwoRemains()
         RunningProgram second(*m_desktop);
         first.launch();
         second.launchBeside(first);
-        QVERIFY(QTest::qWaitFor([&] { return first.isShown() || second.isShown(); }, 30000));
+        QTRY_VERIFY(first.isShown() || second.isShown());
         RunningProgram& remaining = first.isShown() ? first : second;
         RunningProgram& other = first.isShown() ? second : first;
         QCOMPARE(other.waitForEnd(), 0);
@@ -207,7 +207,7 @@ void ProgramLifeTest::bus()
 
 void ProgramLifeTest::shortcutOfAnother()
 {
-    QVERIFY(m_desktop->grabShortcut());
+    QTRY_VERIFY(m_desktop->grabShortcut()); // once the program before is gone
     QVERIFY(m_program->start());
     QTRY_COMPARE(QString::fromUtf8(m_program->console()), u"Error registering hotkey ⌥⌘F\n"_s);
     m_desktop->typeShortcut();
@@ -285,11 +285,11 @@ void ProgramLifeTest::busGone()
         QTRY_VERIFY(m_program->hasKeyboard());
         m_desktop->type(QByteArray(query));
         m_desktop->type(pcKey::enter);
+        QTRY_VERIFY(m_program->hasSearched("opal"));
         m_desktop->typeShortcut();
         QTRY_VERIFY(!m_program->isShown());
         QVERIFY(m_program->isRunning());
     }
-    QVERIFY(m_program->hasSearched("opal"));
     QCOMPARE(m_program->end(), 0);
 }
 

@@ -160,6 +160,7 @@ void ProgramTest::waitsForTheRelease()
 
 void ProgramTest::holdingTogglesOnce()
 {
+    m_desktop->setRepeating(true);
     m_desktop->pressModifiers();
     m_desktop->press(pcKey::f);
     // For longer than a keyboard waits before it repeats.

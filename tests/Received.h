@@ -30,7 +30,7 @@ inline Received receive(const std::unique_ptr<EntryStream>& stream)
                              received.error = failure->description;
                          ended = true;
                      });
-    if (!QTest::qWaitFor([&] { return ended; }, 20000))
+    if (!QTest::qWaitFor([&] { return ended; }, patience))
         received.error = QStringLiteral("the stream did not end");
     return received;
 }
@@ -44,7 +44,7 @@ inline TOCRequest::Outcome receive(const std::unique_ptr<TOCRequest>& request)
                          received = outcome;
                          ended = true;
                      });
-    static_cast<void>(QTest::qWaitFor([&] { return ended; }, 20000));
+    static_cast<void>(QTest::qWaitFor([&] { return ended; }, patience));
     return received;
 }
 

@@ -128,13 +128,14 @@ public:
     }
 
     /// What the panel shows, once it has stopped moving; nothing if it never does.
-    [[nodiscard]] QByteArray restingPicture() const
+    [[nodiscard]] QByteArray restingPicture()
     {
-        constexpr int looks = 50; // longer than anything rests in between
+        // Longer than anything rests in between, and each after a turn of its event loop.
+        constexpr int looks = 50;
         QByteArray last;
         int same = 0;
         const auto rests = [&] {
-            const QByteArray picture = m_desktop.picture(panel());
+            const QByteArray picture = answers() ? m_desktop.picture(panel()) : QByteArray();
             same = !picture.isEmpty() && picture == last ? same + 1 : 0;
             last = picture;
             return same == looks;
@@ -183,8 +184,6 @@ public:
     }
 
 private:
-    static constexpr int patience = 30000; // milliseconds: sanitizers, and a busy machine
-
     static QByteArray read(const QString& path)
     {
         QFile file(path);

@@ -92,7 +92,7 @@ private:
             name, QStringLiteral("/StatusNotifierItem"), interface, method);
         message.setArguments(arguments);
         const QDBusPendingCall pending = m_bus.asyncCall(message);
-        static_cast<void>(QTest::qWaitFor([&] { return pending.isFinished(); }));
+        static_cast<void>(QTest::qWaitFor([&] { return pending.isFinished(); }, patience));
         return pending.reply();
     }
 

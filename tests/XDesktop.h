@@ -36,11 +36,20 @@ public:
         : m_connection(xcb_connect(display.constData(), nullptr))
         , m_root(xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root)
     {
+        setRepeating(false);
     }
     ~XDesktop() { xcb_disconnect(m_connection); }
     Q_DISABLE_COPY_MOVE(XDesktop)
 
     [[nodiscard]] xcb_connection_t* connection() const { return m_connection; }
+
+    /// Whether a key that is held is pressed again and again. At first none is: on a busy machine
+    /// it may take long between a key's press and its release.
+    void setRepeating(bool repeats)
+    {
+        const quint32 mode = repeats ? XCB_AUTO_REPEAT_MODE_ON : XCB_AUTO_REPEAT_MODE_OFF;
+        finish(xcb_change_keyboard_control_checked(m_connection, XCB_KB_AUTO_REPEAT_MODE, &mode));
+    }
 
     void press(quint8 key) { fake(XCB_KEY_PRESS, key); }
     void lift(quint8 key) { fake(XCB_KEY_RELEASE, key); }
@@ -103,11 +112,11 @@ public:
         if (state)
             setProperty(window, "_NET_WM_STATE", XCB_ATOM_ATOM, {atom(state)});
         finish(xcb_map_window_checked(m_connection, window));
-        if (!QTest::qWaitFor([&] { return isViewable(window); }))
+        if (!QTest::qWaitFor([&] { return isViewable(window); }, patience))
             return XCB_NONE;
         constexpr quint32 fromPager = 2;
         tell(window, "_NET_ACTIVE_WINDOW", {fromPager});
-        return QTest::qWaitFor([&] { return focus() == window; }) ? window : XCB_NONE;
+        return QTest::qWaitFor([&] { return focus() == window; }, patience) ? window : XCB_NONE;
     }
 
     /// A bar over the whole width of the screen, which windows keep clear of.
