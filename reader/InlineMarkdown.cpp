@@ -188,8 +188,8 @@ void RunBuilder::add(MD_TEXTTYPE type, QByteArrayView text)
         break;
     case MD_TEXT_CODE:
         addUnguarded(text);
-        if (endsWithGuard(text) && m_runs.last().text.endsWith(u' '))
-            m_runs.last().text.chop(1); // the blank that the guard kept from being the last one
+        if (endsWithGuard(text)) // which kept blanks in that are none of the code
+            m_runs.last().text = m_runs.last().text.trimmed();
         break;
     default:
         addUnguarded(text);
