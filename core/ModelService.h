@@ -37,6 +37,12 @@ public:
     /// The array of strings in `text`, whatever stands around it, or nothing. A last "]" before the
     /// first "[" ends the process.
     [[nodiscard]] virtual std::optional<QStringList> parseJSONArray(const QString& text) const = 0;
+
+    /// The same for what a model wrote, which may hold its brackets in any order.
+    [[nodiscard]] std::optional<QStringList> arrayIn(const QString& reply) const
+    {
+        return reply.lastIndexOf(u']') < reply.indexOf(u'[') ? std::nullopt : parseJSONArray(reply);
+    }
 };
 
 } // namespace varno

@@ -172,7 +172,7 @@ std::unique_ptr<TOCRequest> ServiceClient::generateTOC(const QString& topic, con
         if (const auto* failure = std::get_if<Failure>(&reply))
             sink.finish(*failure);
         else
-            sink.finish(parseJSONArray(std::get<QString>(reply)).value_or(QStringList()));
+            sink.finish(arrayIn(std::get<QString>(reply)).value_or(QStringList()));
     });
     return toc;
 }

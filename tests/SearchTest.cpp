@@ -99,6 +99,8 @@ private slots:
             << u"Text.\nSEE_ALSO_JSON: [\"A\", B]</entry>"_s << u"Text."_s << QStringList();
         QTest::newRow("topics cut off")
             << u"Text.\nSEE_ALSO_JSON: [\"A\""_s << u"Text."_s << QStringList();
+        QTest::newRow("brackets the wrong way round")
+            << u"Text.\nSEE_ALSO_JSON: none ] [ none"_s << u"Text."_s << QStringList();
         QTest::newRow("topics behind the tag")
             << u"Text.</entry>\nSEE_ALSO_JSON: [\"A\"]"_s << u"Text."_s << QStringList({u"A"_s});
         QTest::newRow("nothing") << QString() << QString() << QStringList();

@@ -374,6 +374,8 @@ private slots:
                 << isGemini << QByteArray("Here:\n```json\n[\"Physics\"]\n```")
                 << QStringList({u"Physics"_s});
             QTest::addRow("%s, no array", name) << isGemini << QByteArray("None.") << QStringList();
+            QTest::addRow("%s, no range", name)
+                << isGemini << QByteArray("no ] array [ here") << QStringList();
             QTest::addRow("%s, numbers", name) << isGemini << QByteArray("[1]") << QStringList();
         }
     }
