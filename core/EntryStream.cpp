@@ -2,6 +2,8 @@
 
 #include <QPointer>
 
+#include <utility>
+
 namespace varno {
 
 EntryStream::EntryStream()
@@ -17,16 +19,29 @@ EntryStream::~EntryStream()
 
 void EntryStream::customEvent(QEvent*)
 {
+    if (m_delivering) { // a slot runs an event loop of its own
+        m_moreCame = true;
+        return;
+    }
+    m_delivering = true;
     const QPointer<EntryStream> self(this);
     for (const auto& message : m_sink.m_mailbox->take()) {
+        deliver(message);
         if (!self || m_finished)
             return;
-        if (const auto* text = std::get_if<QString>(&message)) {
-            emit piece(*text);
-        } else {
-            m_finished = true;
-            emit finished(std::get<Outcome>(message));
-        }
+    }
+    m_delivering = false;
+    if (std::exchange(m_moreCame, false))
+        QCoreApplication::postEvent(this, new QEvent(QEvent::User));
+}
+
+void EntryStream::deliver(const std::variant<QString, Outcome>& message)
+{
+    if (const auto* text = std::get_if<QString>(&message)) {
+        emit piece(*text);
+    } else {
+        m_finished = true;
+        emit finished(std::get<Outcome>(message));
     }
 }
 

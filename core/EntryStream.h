@@ -16,7 +16,8 @@ namespace varno {
 ///
 /// Signals come on the thread that made the stream, from its event loop, never from inside the call
 /// that started it: any number of `piece`, then `finished` at most once, and nothing after
-/// destruction. A slot may destroy the stream.
+/// destruction. A slot may destroy the stream; while it runs, also in an event loop of its own,
+/// nothing follows.
 class EntryStream final : public QObject {
     Q_OBJECT
 
@@ -52,7 +53,11 @@ protected:
     void customEvent(QEvent* event) override;
 
 private:
+    void deliver(const std::variant<QString, Outcome>& message);
+
     Sink m_sink;
+    bool m_delivering = false; ///< stays so once it is finished
+    bool m_moreCame = false;
     bool m_finished = false;
 };
 

@@ -33,6 +33,25 @@ private slots:
         QCOMPARE(std::get<Failure>(*outcome).description, u"lost"_s);
     }
 
+    void keepsTheOrderAroundANestedEventLoop()
+    {
+        EntryStream stream;
+        QString received;
+        connect(&stream, &EntryStream::piece, this, [&](const QString& text) {
+            if (text == u"a"_s) {
+                stream.sink().send(u"c"_s);
+                QCoreApplication::processEvents();
+            }
+            received += text;
+        });
+        connect(&stream, &EntryStream::finished, this, [&] { received += u"."_s; });
+        stream.sink().send(u"a"_s);
+        stream.sink().send(u"b"_s);
+        QTRY_COMPARE(received, u"abc"_s);
+        stream.sink().finish(EntryStream::Completed());
+        QTRY_COMPARE(received, u"abc."_s);
+    }
+
     void finishesOnce()
     {
         EntryStream stream;
