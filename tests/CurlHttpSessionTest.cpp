@@ -21,6 +21,13 @@ const QByteArray okReply = "HTTP/1.1 200 OK\r\nContent-Length: 2\r\n\r\nok";
 const QByteArray chunked = "HTTP/1.1 200 OK\r\nTransfer-Encoding: chunked\r\n\r\n";
 const QByteArray timedOut = "[The request timed out.]";
 const QByteArray lost = "[The connection to the server was lost.]";
+const QByteArray damaged = "[The reply is damaged.]";
+
+QByteArray packed(const QByteArray& encoding, const QByteArray& body)
+{
+    return "HTTP/1.1 200 OK\r\nContent-Encoding: " + encoding +
+           "\r\nContent-Length: " + QByteArray::number(body.size()) + "\r\n\r\n" + body;
+}
 
 /// Keeps a response as "200 body", and ends the transfer when `enough` of that has come.
 class Recorder final : public HttpReceiver {
@@ -91,7 +98,8 @@ private slots:
         QVERIFY2(request.head.contains(
                      "\r\nx-zebra: z\r\nx-api-key: k: \"1\", ü\r\nx-empty:\r\nx-apple: a\r\n"),
                  request.head.constData());
-        for (const char* name : {"accept-encoding", "expect", "user-agent", "transfer-encoding"})
+        QVERIFY(request.head.contains("\r\nAccept-Encoding: identity\r\n"));
+        for (const char* name : {"expect", "user-agent", "transfer-encoding"})
             QVERIFY2(!request.head.toLower().contains(name), name);
     }
 
@@ -111,8 +119,14 @@ private slots:
         row("after interim ones",
             "HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 103 Early Hints\r\nLink: </s>\r\n\r\n" + okReply,
             "200 ok");
-        row("packed unasked",
-            "HTTP/1.1 200 OK\r\nContent-Encoding: gzip\r\nContent-Length: 2\r\n\r\nok", "200 ok");
+        const QByteArray gzip = QByteArray::fromHex("1f8b0800000000000203cbcf060047dddc7902000000");
+        row("packed unasked", packed("gzip", gzip), "200 ok");
+        row("deflated", packed("deflate", qCompress("ok").sliced(4)), "200 ok");
+        row("packed, cut", packed("gzip", gzip).chopped(1), "200 ok" + lost);
+        row("packed, with another sum", packed("gzip", QByteArray(gzip).replace("\x47", "x")),
+            "200 ok" + damaged);
+        row("not packed", packed("gzip", "ok"), "200 " + damaged);
+        row("packed by nobody knows what", packed("mystery", "ok"), "200 " + damaged);
 
         row("nothing", "", lost);
         row("cut in the status line", "HTTP/1.1 20", lost);

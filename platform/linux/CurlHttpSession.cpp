@@ -78,6 +78,8 @@ QString describe(CURLcode code)
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
         return QStringLiteral("The connection to the server was lost.");
+    case CURLE_BAD_CONTENT_ENCODING:
+        return QStringLiteral("The reply is damaged.");
     case CURLE_ABORTED_BY_CALLBACK:
         return QStringLiteral("The request was cancelled.");
     default:
@@ -135,6 +137,7 @@ void setUp(CURL* handle, const HttpRequest& request, const HeaderList& headers, 
     set(CURLOPT_TCP_NODELAY, 1L);
     set(CURLOPT_SUPPRESS_CONNECT_HEADERS, 1L);
     set(CURLOPT_CONNECTTIMEOUT, static_cast<long>(request.timeout.count()));
+    set(CURLOPT_ACCEPT_ENCODING, "identity"); // and a body that is packed all the same is unpacked
     set(CURLOPT_HEADERFUNCTION, onHeader);
     set(CURLOPT_HEADERDATA, &transfer);
     set(CURLOPT_WRITEFUNCTION, onBody);
