@@ -7,6 +7,17 @@
 #include <utility>
 
 namespace varno {
+namespace {
+
+std::optional<QString> textOf(const QByteArray& bytes)
+{
+    QStringDecoder decode(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless |
+                                                    QStringDecoder::Flag::ConvertInitialBom);
+    const QString text = decode(bytes);
+    return decode.hasError() ? std::nullopt : std::optional(text);
+}
+
+} // namespace
 
 const KeychainService& KeychainService::shared()
 {
@@ -22,30 +33,64 @@ KeychainService::KeychainService(KeyStore& store)
 
 void KeychainService::save(const QString& key, const QString& account) const
 {
-    const KeyName name{.service = service, .account = account};
-    m_store.remove(name);
-    m_store.add(name, key.toUtf8());
+    m_store.replace({.service = service, .account = account}, key.toUtf8());
+    changed(account);
 }
 
-std::optional<QString> KeychainService::load(const QString& account, std::stop_token stop) const
+std::optional<QString> KeychainService::load(const QString& account,
+                                             const std::stop_token& stop) const
 {
-    const auto bytes = m_store.find({.service = service, .account = account}, std::move(stop));
-    if (!bytes)
-        return std::nullopt;
-    QStringDecoder decode(QStringDecoder::Utf8, QStringDecoder::Flag::Stateless |
-                                                    QStringDecoder::Flag::ConvertInitialBom);
-    const QString key = decode(*bytes);
-    return decode.hasError() ? std::nullopt : std::optional(key);
+    return load(request(account), stop);
+}
+
+KeychainService::Request KeychainService::request(const QString& account) const
+{
+    const std::scoped_lock lock(m_mutex);
+    std::weak_ptr<KeyRequest>& latest = m_requests[account];
+    Request request = latest.lock();
+    if (!request || request->isAnswered()) {
+        request = std::make_shared<KeyRequest>(
+            [&store = m_store, name = KeyName{.service = service, .account = account}](
+                std::stop_token stop) { return store.find(name, std::move(stop)); });
+        latest = request;
+    }
+    return request;
+}
+
+std::optional<QString> KeychainService::load(Request request, const std::stop_token& stop)
+{
+    const auto bytes = request->wait(stop);
+    return bytes ? textOf(*bytes) : std::nullopt;
 }
 
 void KeychainService::remove(const QString& account) const
 {
     m_store.remove({.service = service, .account = account});
+    changed(account);
 }
 
 KeyPresence KeychainService::presence(const QString& account) const
 {
-    return m_store.presence({.service = service, .account = account});
+    const KeyGlance glance = m_store.look({.service = service, .account = account});
+    switch (glance.state) {
+    case KeyGlance::State::unreachable:
+        return KeyPresence::unreachable;
+    case KeyGlance::State::absent:
+        return KeyPresence::absent;
+    case KeyGlance::State::locked:
+        return KeyPresence::present;
+    case KeyGlance::State::open:
+        break;
+    }
+    return textOf(glance.secret).value_or(QString()).isEmpty() ? KeyPresence::absent
+                                                               : KeyPresence::present;
+}
+
+/// What is asked from now on must not be answered with the key of before.
+void KeychainService::changed(const QString& account) const
+{
+    const std::scoped_lock lock(m_mutex);
+    m_requests.erase(account);
 }
 
 } // namespace varno

@@ -147,15 +147,18 @@ ServiceClient::ServiceClient(HttpSession& http, const KeychainService& keychain,
 std::unique_ptr<EntryStream> ServiceClient::streamEntry(const ModelRequest& request) const
 {
     auto stream = std::make_unique<EntryStream>();
-    m_tasks.start([this, request, sink = stream->sink()](const std::stop_token& stop) {
-        StreamReader reader(m_dialect, sink);
-        if (const auto failure = transfer(request, ReplyForm::streamed, reader, stop)) {
-            sink.finish(*failure);
-            return;
-        }
-        reader.finish();
-        sink.finish(EntryStream::Completed());
-    });
+    m_tasks.start(
+        [this, request, sink = stream->sink(),
+         key = m_keychain.request(m_dialect.keyAccount)](const std::stop_token& stop) mutable {
+            StreamReader reader(m_dialect, sink);
+            if (const auto failure =
+                    transfer(request, ReplyForm::streamed, std::move(key), reader, stop)) {
+                sink.finish(*failure);
+                return;
+            }
+            reader.finish();
+            sink.finish(EntryStream::Completed());
+        });
     return stream;
 }
 
@@ -167,13 +170,15 @@ std::unique_ptr<TOCRequest> ServiceClient::generateTOC(const QString& topic, con
                                .model = model,
                                .webSearch = webSearch};
     auto toc = std::make_unique<TOCRequest>();
-    m_tasks.start([this, request, sink = toc->sink()](const std::stop_token& stop) {
-        const Result<QString> reply = callNonStreaming(request, stop);
-        if (const auto* failure = std::get_if<Failure>(&reply))
-            sink.finish(*failure);
-        else
-            sink.finish(arrayIn(std::get<QString>(reply)).value_or(QStringList()));
-    });
+    m_tasks.start(
+        [this, request, sink = toc->sink(),
+         key = m_keychain.request(m_dialect.keyAccount)](const std::stop_token& stop) mutable {
+            const Result<QString> reply = callNonStreaming(request, std::move(key), stop);
+            if (const auto* failure = std::get_if<Failure>(&reply))
+                sink.finish(*failure);
+            else
+                sink.finish(arrayIn(std::get<QString>(reply)).value_or(QStringList()));
+        });
     return toc;
 }
 
@@ -183,10 +188,11 @@ std::optional<QStringList> ServiceClient::parseJSONArray(const QString& text) co
 }
 
 Result<QString> ServiceClient::callNonStreaming(const ModelRequest& request,
+                                                KeychainService::Request key,
                                                 const std::stop_token& stop) const
 {
     WholeReader reader(m_dialect.readsErrorBody);
-    if (const auto failure = transfer(request, ReplyForm::whole, reader, stop))
+    if (const auto failure = transfer(request, ReplyForm::whole, std::move(key), reader, stop))
         return *failure;
     json::Parser parser;
     if (const auto text = m_dialect.replyText(parser, reader.body))
@@ -195,9 +201,10 @@ Result<QString> ServiceClient::callNonStreaming(const ModelRequest& request,
 }
 
 std::optional<Failure> ServiceClient::transfer(const ModelRequest& request, ReplyForm form,
-                                               Reader& reader, const std::stop_token& stop) const
+                                               KeychainService::Request keyRequest, Reader& reader,
+                                               const std::stop_token& stop) const
 {
-    const std::optional<QString> key = m_keychain.load(m_dialect.keyAccount, stop);
+    const std::optional<QString> key = KeychainService::load(std::move(keyRequest), stop);
     if (!key || key->isEmpty())
         return m_dialect.noAPIKey;
     const Result<HttpRequest> http = m_dialect.makeRequest(request, form, *key);

@@ -44,9 +44,10 @@ private:
     class WholeReader;
 
     [[nodiscard]] std::optional<Failure> transfer(const ModelRequest& request, ReplyForm form,
-                                                  Reader& reader,
+                                                  KeychainService::Request key, Reader& reader,
                                                   const std::stop_token& stop) const;
     [[nodiscard]] Result<QString> callNonStreaming(const ModelRequest& request,
+                                                   KeychainService::Request key,
                                                    const std::stop_token& stop) const;
 
     HttpSession& m_http;

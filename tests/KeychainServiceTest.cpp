@@ -13,6 +13,7 @@
 #include <QTemporaryDir>
 #include <QTest>
 
+#include <array>
 #include <atomic>
 #include <future>
 
@@ -260,7 +261,8 @@ private slots:
                                    u"a"_s + QChar(0) + u"b"_s, QString(100000, u'k')}) {
             m_keychain.save(key, m_account);
             QCOMPARE(m_keychain.load(m_account), Key(key));
-            QCOMPARE(m_keychain.presence(m_account), KeyPresence::present);
+            QCOMPARE(m_keychain.presence(m_account),
+                     key.isEmpty() ? KeyPresence::absent : KeyPresence::present);
             m_keychain.remove(m_account);
             QCOMPARE(m_keychain.load(m_account), Key());
             QCOMPARE(m_keychain.presence(m_account), KeyPresence::absent);
@@ -283,10 +285,10 @@ private slots:
     {
         const KeyName name{.service = m_keychain.service, .account = m_account};
         for (const QByteArray bytes : {"key\xff", "key\xe2\x82", "\xc0\xaf", "\xed\xa0\x80"}) {
-            m_store.add(name, bytes);
+            m_store.replace(name, bytes);
             QCOMPARE(m_store.find(name, {}), std::optional(bytes));
             QCOMPARE(m_keychain.load(m_account), Key());
-            QCOMPARE(m_keychain.presence(m_account), KeyPresence::present);
+            QCOMPARE(m_keychain.presence(m_account), KeyPresence::absent);
         }
     }
 
@@ -332,10 +334,24 @@ private slots:
         m_keychain.save(u"new"_s, m_account);
         m_keychain.save(u"new"_s, m_other);
         m_keychain.remove(m_account);
-        QVERIFY(prompter.askedCount() > 0);
+        QCOMPARE(prompter.askedCount(), 4);
         unlock();
         QCOMPARE(m_keychain.load(m_account), Key(u"old"_s));
         QCOMPARE(m_keychain.load(m_other), Key());
+    }
+
+    void whatIsAskedTogetherIsAskedOnce()
+    {
+        m_keychain.save(u"key"_s, m_account);
+        const Prompter prompter(Prompter::User::refuses);
+        lock();
+        auto first = m_keychain.request(m_account);
+        auto second = m_keychain.request(m_account);
+        QCOMPARE(KeychainService::load(std::move(first), {}), Key());
+        QCOMPARE(KeychainService::load(std::move(second), {}), Key());
+        QCOMPARE(prompter.askedCount(), 1);
+        QCOMPARE(m_keychain.load(m_account), Key()); // later, the user may know better
+        QCOMPARE(prompter.askedCount(), 2);
     }
 
     void waitForTheUserHoldsUpNobodyAndCanBeStopped()
@@ -343,16 +359,21 @@ private slots:
         m_keychain.save(u"key"_s, m_account);
         const Prompter prompter(Prompter::User::silent);
         lock();
-        std::stop_source stop;
-        std::future<Key> key = std::async(
-            std::launch::async, [&] { return m_keychain.load(m_account, stop.get_token()); });
+        std::array<std::stop_source, 2> stops;
+        std::array<std::future<Key>, 2> keys;
+        for (std::size_t i = 0; i < keys.size(); ++i)
+            keys[i] = std::async(std::launch::async, [&, i] {
+                return m_keychain.load(m_account, stops[i].get_token());
+            });
         QTRY_COMPARE(prompter.askedCount(), 1);
         QCOMPARE(m_keychain.presence(m_account), KeyPresence::present);
-        QCOMPARE(key.wait_for(0s), std::future_status::timeout);
-        stop.request_stop();
-        // Without an event loop: at its end, the program waits here.
-        QCOMPARE(key.wait_for(30s), std::future_status::ready);
-        QCOMPARE(key.get(), Key());
+        for (std::size_t i = 0; i < keys.size(); ++i) { // each stop is for one alone
+            QCOMPARE(keys[i].wait_for(0s), std::future_status::timeout);
+            stops[i].request_stop();
+            // Without an event loop: at its end, the program waits here.
+            QCOMPARE(keys[i].wait_for(30s), std::future_status::ready);
+            QCOMPARE(keys[i].get(), Key());
+        }
     }
 
     void nothingIsReached()

@@ -13,6 +13,7 @@
 #include <QSignalSpy>
 #include <QTest>
 
+#include <atomic>
 #include <future>
 
 using namespace varno;
@@ -61,6 +62,24 @@ struct Clients {
     KeychainService keychain{store};
     ClaudeService claude{service->claudeEndpoint(), http, keychain, timeout};
     GeminiService gemini{service->geminiBaseURL(), http, keychain, timeout};
+};
+
+/// Locked; its user says no, after some thought.
+class LockedKeyStore final : public KeyStore {
+public:
+    void replace(const KeyName&, const QByteArray&) override {}
+    void remove(const KeyName&) override {}
+    [[nodiscard]] std::optional<QByteArray> find(const KeyName&, std::stop_token) const override
+    {
+        ++questions;
+        refusal.wait();
+        return std::nullopt;
+    }
+    [[nodiscard]] KeyGlance look(const KeyName&) const override { return {}; }
+
+    mutable std::atomic<int> questions = 0;
+    std::promise<void> user;
+    std::shared_future<void> refusal{user.get_future()};
 };
 
 void addProviders()
@@ -161,6 +180,20 @@ private slots:
 
         keychain.save(u"a key"_s.remove(u' '), account); // takes effect at once
         QVERIFY(clients.ask(isGemini).error.isEmpty());
+    }
+
+    void articleAsksForItsKeyOnce()
+    {
+        LockedKeyStore store;
+        const KeychainService keychain(store);
+        HttpByHand http;
+        const ClaudeService claude("https://example.invalid", http, keychain);
+        const auto toc = claude.generateTOC(u"x"_s, u"x"_s, false);
+        const auto stream = claude.streamEntry({});
+        store.user.set_value();
+        QVERIFY(receive(stream).error.startsWith(u"No API key found."_s));
+        QVERIFY(std::holds_alternative<Failure>(receive(toc)));
+        QCOMPARE(store.questions.load(), 1);
     }
 
     void geminiKeyThatIsNoPartOfAURL_data()

@@ -21,16 +21,13 @@ const QString noStoreText =
 
 class UnreachableKeyStore final : public KeyStore {
 public:
-    void add(const KeyName&, const QByteArray&) override {}
+    void replace(const KeyName&, const QByteArray&) override {}
     void remove(const KeyName&) override {}
     [[nodiscard]] std::optional<QByteArray> find(const KeyName&, std::stop_token) const override
     {
         return std::nullopt;
     }
-    [[nodiscard]] KeyPresence presence(const KeyName&) const override
-    {
-        return KeyPresence::unreachable;
-    }
+    [[nodiscard]] KeyGlance look(const KeyName&) const override { return {}; }
 };
 
 struct SettingsFixture : ControllerFixture {

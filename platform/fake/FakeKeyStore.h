@@ -10,7 +10,7 @@ namespace varno {
 /// Keys in memory.
 class FakeKeyStore final : public KeyStore {
 public:
-    void add(const KeyName& name, const QByteArray& secret) override
+    void replace(const KeyName& name, const QByteArray& secret) override
     {
         const std::scoped_lock lock(m_mutex);
         m_secrets[name.service + u'/' + name.account] = secret;
@@ -30,9 +30,11 @@ public:
         return found == m_secrets.end() ? std::nullopt : std::optional(found->second);
     }
 
-    [[nodiscard]] KeyPresence presence(const KeyName& name) const override
+    [[nodiscard]] KeyGlance look(const KeyName& name) const override
     {
-        return find(name, {}) ? KeyPresence::present : KeyPresence::absent;
+        const auto secret = find(name, {});
+        return secret ? KeyGlance{KeyGlance::State::open, *secret}
+                      : KeyGlance{KeyGlance::State::absent};
     }
 
 private:

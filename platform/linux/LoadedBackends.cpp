@@ -66,10 +66,10 @@ std::optional<Failure> LoadedHttpSession::perform(const HttpRequest& request,
     return session->perform(request, receiver, std::move(stop));
 }
 
-void LoadedKeyStore::add(const KeyName& name, const QByteArray& secret)
+void LoadedKeyStore::replace(const KeyName& name, const QByteArray& secret)
 {
     if (KeyStore* const store = keyStore())
-        store->add(name, secret);
+        store->replace(name, secret);
 }
 
 void LoadedKeyStore::remove(const KeyName& name)
@@ -84,10 +84,10 @@ std::optional<QByteArray> LoadedKeyStore::find(const KeyName& name, std::stop_to
     return store ? store->find(name, std::move(stop)) : std::nullopt;
 }
 
-KeyPresence LoadedKeyStore::presence(const KeyName& name) const
+KeyGlance LoadedKeyStore::look(const KeyName& name) const
 {
     const KeyStore* const store = keyStore();
-    return store ? store->presence(name) : KeyPresence::unreachable;
+    return store ? store->look(name) : KeyGlance();
 }
 
 } // namespace varno

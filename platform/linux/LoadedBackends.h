@@ -18,11 +18,11 @@ public:
 /// The same for varno-key-ring.so. Without the module there is no store.
 class LoadedKeyStore final : public KeyStore {
 public:
-    void add(const KeyName& name, const QByteArray& secret) override;
+    void replace(const KeyName& name, const QByteArray& secret) override;
     void remove(const KeyName& name) override;
     [[nodiscard]] std::optional<QByteArray> find(const KeyName& name,
                                                  std::stop_token stop) const override;
-    [[nodiscard]] KeyPresence presence(const KeyName& name) const override;
+    [[nodiscard]] KeyGlance look(const KeyName& name) const override;
 };
 
 } // namespace varno
