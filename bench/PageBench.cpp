@@ -109,6 +109,7 @@ void addHostile(Table& table, const std::string& name, const QString& text)
 
 void addHostile(Table& table)
 {
+    const QString family = u"\U0001F468\u200D\U0001F469\u200D\U0001F467\u200D\U0001F466"_s;
     addHostile(table, "one line of 1 MB", u"word "_s.repeated(200000));
     addHostile(table, "one word of 1 MB", u"w"_s.repeated(1000000));
     addHostile(table, "one paragraph of 1 MB", u"some words in a line\n"_s.repeated(50000));
@@ -119,6 +120,8 @@ void addHostile(Table& table)
     addHostile(table, "20000 combining marks", u"a"_s + QString(20000, QChar(0x301)));
     addHostile(table, "20000 bidi controls",
                QString(10000, QChar(0x202E)) + u"a"_s + QString(10000, QChar(0x202C)));
+    addHostile(table, "16 KB of family emoji", family.repeated(16384 / family.toUtf8().size()));
+    addHostile(table, "1 MB of headings in a row", u"## h\n"_s.repeated(200000));
 }
 
 } // namespace

@@ -115,7 +115,7 @@ void RowReader::resumeInLine(const RowStart& from)
     if (isList(from.kind))
         m_lines = rest;
     else
-        m_position = offsetOf(line) + line.size();
+        m_piece = rest.trimmed();
     if (from.kind == BlockKind::boldHeader)
         line.chop(2);
     m_line = ListItem{.mark = {}, .text = line};
@@ -160,18 +160,16 @@ bool RowReader::openLine()
 
 bool RowReader::openBlock()
 {
-    QStringView block;
-    while (block.isEmpty()) {
+    while (m_piece.isEmpty()) {
         if (m_position >= m_text.size())
             return false;
         const QStringView piece = pieceAt(m_text, m_position);
-        block = piece.trimmed();
-        m_position += piece.size() + (block.isEmpty() ? 2 : 0);
+        m_piece = piece.trimmed();
+        m_position += piece.size() + 2;
     }
-    if (const qsizetype heading = headingToSplitOff(block)) {
-        block = block.first(heading);
-        m_position = offsetOf(block) + heading;
-    }
+    const qsizetype heading = headingToSplitOff(m_piece);
+    const QStringView block = heading > 0 ? m_piece.first(heading) : m_piece;
+    m_piece = m_piece.sliced(block.size()).trimmed();
     m_start = {.offset = offsetOf(block),
                .block = m_start.block + 1,
                .kind = blockKind(block),

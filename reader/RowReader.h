@@ -57,7 +57,8 @@ private:
     [[nodiscard]] qsizetype offsetOf(QStringView part) const { return part.data() - m_text.data(); }
 
     QStringView m_text;
-    qsizetype m_position;           ///< where to look for the next block
+    qsizetype m_position;           ///< where to look for the next piece between empty lines
+    QStringView m_piece;            ///< what of the open one comes after the open block
     QStringView m_lines;            ///< the lines of the open list that are still to come
     std::optional<ListItem> m_line; ///< what is left of the open line
     RowStart m_start;               ///< of the next row of the open line
