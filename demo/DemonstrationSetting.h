@@ -2,7 +2,7 @@
 
 #include "core/AppViewModel.h"
 #include "demo/StandInService.h"
-#include "platform/linux/SettingsPreferencesStore.h"
+#include "platform/linux/IniPreferencesStore.h"
 #include "providers/ClaudeService.h"
 #include "providers/GeminiService.h"
 
@@ -34,7 +34,7 @@ private:
 
     std::unique_ptr<StandInService> m_service;
     QTemporaryDir m_files;
-    SettingsPreferencesStore m_preferences;
+    IniPreferencesStore m_preferences;
     HistoryStore m_history;
     ClaudeService m_claude;
     GeminiService m_gemini;

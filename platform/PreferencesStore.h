@@ -9,8 +9,10 @@ namespace varno {
 
 /// The user's key/value preferences, kept between runs. Main thread only.
 ///
-/// A value that is missing or of another type reads as absent. Setting writes through at once;
-/// a failure to write is silent.
+/// Keys are words of ASCII letters, digits and underscores. A value that is missing or of another
+/// type reads as absent. Setting writes through at once, that one value alone: what other programs
+/// have set stays. What cannot be written, silently, or is so long that it could not be read again,
+/// is kept in memory, and tried again with the next value that is set.
 class PreferencesStore {
 public:
     virtual ~PreferencesStore() = default;
@@ -25,6 +27,10 @@ public:
     virtual void setString(const QString& key, const QString& value) = 0;
     virtual void setStringArray(const QString& key, const QStringList& value) = 0;
     virtual void remove(const QString& key) = 0;
+
+    /// Takes in what other programs have set, as setting does too. Next to nothing when that is
+    /// nothing.
+    virtual void refresh() = 0;
 };
 
 } // namespace varno

@@ -1,7 +1,7 @@
 #include "platform/CarbonModifiers.h"
 #include "platform/fake/FakeHotKeyEvents.h"
 #include "platform/fake/FakeKeyboard.h"
-#include "platform/linux/SettingsPreferencesStore.h"
+#include "platform/linux/IniPreferencesStore.h"
 #include "platform/linux/XcbKeyCodes.h"
 #include "shortcuts/KeyboardShortcuts.h"
 
@@ -36,21 +36,21 @@ private:
     FakeHotKeyEvents m_events;
 
     /// Preferences in a file, as a process that starts finds them.
-    std::unique_ptr<SettingsPreferencesStore> started(const QString& text = {})
+    std::unique_ptr<IniPreferencesStore> started(const QString& text = {})
     {
         const QString path = m_folder.filePath(u"%1.conf"_s.arg(++m_number));
-        auto store = std::make_unique<SettingsPreferencesStore>(path);
+        auto store = std::make_unique<IniPreferencesStore>(path);
         if (!text.isNull())
             store->setString(storageKey, text);
         return store;
     }
 
-    std::unique_ptr<SettingsPreferencesStore> startedAgain()
+    std::unique_ptr<IniPreferencesStore> startedAgain()
     {
         const QString before = m_folder.filePath(u"%1.conf"_s.arg(m_number));
         const QString path = m_folder.filePath(u"%1.conf"_s.arg(++m_number));
         QFile::copy(before, path);
-        return std::make_unique<SettingsPreferencesStore>(path);
+        return std::make_unique<IniPreferencesStore>(path);
     }
 
 private slots:

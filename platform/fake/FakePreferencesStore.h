@@ -32,6 +32,7 @@ public:
         values[key] = value;
     }
     void remove(const QString& key) override { values.remove(key); }
+    void refresh() override {}
 
 private:
     template <typename Value>

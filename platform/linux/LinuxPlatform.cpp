@@ -1,8 +1,8 @@
 #include "platform/Platform.h"
+#include "platform/linux/IniPreferencesStore.h"
 #include "platform/linux/LoadedBackends.h"
 #include "platform/linux/PortalAnimationSetting.h"
 #include "platform/linux/PortalHotKeyEvents.h"
-#include "platform/linux/SettingsPreferencesStore.h"
 #include "platform/linux/WaylandSocket.h"
 #include "platform/linux/XcbConnection.h"
 #include "platform/linux/XcbHotKeyEvents.h"
@@ -69,7 +69,7 @@ Keyboard& systemKeyboard()
 
 std::unique_ptr<PreferencesStore> makeSystemPreferencesStore()
 {
-    return std::make_unique<SettingsPreferencesStore>(SettingsPreferencesStore::defaultPath());
+    return std::make_unique<IniPreferencesStore>(IniPreferencesStore::defaultPath());
 }
 
 } // namespace varno
