@@ -141,6 +141,9 @@ void AppViewModel::clearHistory()
 void AppViewModel::refreshHistory()
 {
     m_dependencies.history.refresh();
+    if (const QStringList searches = storedSearches(); searches != searchHistory())
+        set(m_preferences.searchHistory, searches, Change::searchHistory);
+    publish();
 }
 
 void AppViewModel::prepareToQuit()
@@ -185,13 +188,21 @@ void AppViewModel::recordSearch(const QString& query)
 {
     if (query.size() > longestSearch)
         return;
-    QStringList searches = m_preferences.searchHistory;
+    QStringList searches = storedSearches();
     searches.removeIf(
         [lowered = query.toLower()](const QString& other) { return other.toLower() == lowered; });
     searches.prepend(query);
     searches = searches.first(std::min(searches.size(), mostSearches));
     m_dependencies.preferences.setStringArray(preferenceKey::searchHistory, searches);
     set(m_preferences.searchHistory, std::move(searches), Change::searchHistory);
+}
+
+/// Those of other programs on the same preferences too.
+QStringList AppViewModel::storedSearches()
+{
+    m_dependencies.preferences.refresh();
+    return m_dependencies.preferences.stringArray(preferenceKey::searchHistory)
+        .value_or(QStringList());
 }
 
 const Session* AppViewModel::savedSession(const QString& query)

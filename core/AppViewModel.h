@@ -151,6 +151,7 @@ private:
     void loadSessionHistory();
     void saveCurrentSessionToHistory();
     void recordSearch(const QString& query);
+    [[nodiscard]] QStringList storedSearches();
     void discardUnfinishedWriting();
     [[nodiscard]] const Session* savedSession(const QString& query);
 

@@ -155,6 +155,13 @@ private slots:
         fixture.model->newSearch();
         QCOMPARE(savedQueries(fixture), QStringList({u"syracuse"_s, u"carthage"_s, u"rome"_s}));
 
+        fixture.preferences.values[u"searchHistory"_s] = QStringList({u"delphi"_s});
+        fixture.model->refreshHistory();
+        QCOMPARE(fixture.model->searchHistory(), QStringList({u"delphi"_s}));
+        fixture.preferences.values[u"searchHistory"_s] = QStringList();
+        fixture.model->search(u"sparta"_s);
+        QCOMPARE(fixture.model->searchHistory(), QStringList({u"sparta"_s}));
+
         other.model->refreshHistory();
         other.history->waitForDone();
         QCoreApplication::sendPostedEvents();

@@ -1,7 +1,4 @@
-// clang-format off: GLib first, it has members called `signals`
 #include "platform/linux/GLibOwned.h"
-// clang-format on
-
 #include "platform/linux/SecretServiceKeyStore.h"
 #include "providers/KeychainService.h"
 

@@ -2,8 +2,12 @@
 
 #include <QtGlobal>
 
+// GLib has members called `signals`, which Qt makes a keyword.
+#pragma push_macro("signals")
+#undef signals
 #include <gio/gio.h>
 #include <libsecret/secret.h>
+#pragma pop_macro("signals")
 
 #include <memory>
 
