@@ -1,6 +1,7 @@
+#include "providers/KeychainService.h"
+
 #include "platform/linux/GLibOwned.h"
 #include "platform/linux/SecretServiceKeyStore.h"
-#include "providers/KeychainService.h"
 
 #include <QDataStream>
 #include <QFile>
