@@ -35,13 +35,26 @@ QString capitalised(const QString& query)
 {
     QString title;
     title.reserve(query.size());
+    qsizetype start = 0; // of what is to be in the same case
     bool firstLetterSeen = false;
-    for (const char32_t codePoint : query.toUcs4()) {
-        const QString character = QString::fromUcs4(&codePoint, 1);
-        title += firstLetterSeen ? character.toLower() : character.toUpper();
-        firstLetterSeen =
+    const auto flush = [&](qsizetype end) {
+        const QString part = query.sliced(start, end - start);
+        title += firstLetterSeen ? part.toLower() : part.toUpper();
+        start = end;
+    };
+    for (qsizetype at = 0; at < query.size();) {
+        const bool isPair =
+            query[at].isHighSurrogate() && at + 1 < query.size() && query[at + 1].isLowSurrogate();
+        const char32_t codePoint =
+            isPair ? QChar::surrogateToUcs4(query[at], query[at + 1]) : query[at].unicode();
+        at += isPair ? 2 : 1;
+        const bool seen =
             !QChar::isSpace(codePoint) && (firstLetterSeen || QChar::isLetter(codePoint));
+        if (seen != firstLetterSeen)
+            flush(at);
+        firstLetterSeen = seen;
     }
+    flush(query.size());
     return title;
 }
 

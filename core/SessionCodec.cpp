@@ -3,6 +3,7 @@
 #include "core/JsonReader.h"
 #include "core/JsonWriter.h"
 
+#include <algorithm>
 #include <array>
 #include <utility>
 
@@ -232,6 +233,11 @@ std::optional<Session> readSession(json::Value value)
     session.pages = reader.checked(pages ? readPages(*pages) : std::nullopt);
     const auto history = json::requiredMember<json::Array>(*object, "navigationHistory");
     session.navigationHistory = reader.checked(history ? readIds(*history) : std::nullopt);
+    // The root page alone has a place of its own.
+    if (QList<QUuid>& trail = session.navigationHistory; !trail.isEmpty())
+        trail.erase(std::remove_if(trail.begin() + 1, trail.end(),
+                                   [&](const QUuid& id) { return !session.pages.contains(id); }),
+                    trail.end());
     return reader.valid() ? std::optional(std::move(session)) : std::nullopt;
 }
 

@@ -23,7 +23,8 @@ struct DecodedSessions {
 
 /// Nothing when `json` is no JSON array. An element is refused when any part of it is not as
 /// `encodeSessions` would have it, or a page stands under another id than its own; unknown members,
-/// "pages" as an object keyed by the ids, and a trail to pages that are not there are fine.
+/// and "pages" as an object keyed by the ids, are fine. Of a trail, the pages that are not there
+/// are left out, but for the first.
 std::optional<DecodedSessions> decodeSessions(const QByteArray& json);
 
 } // namespace varno

@@ -224,6 +224,17 @@ private slots:
         QCOMPARE(sessions->sessions, decoded(handWritten()) + decoded(handWritten()));
     }
 
+    void trailLeadsToPagesThatAreThere()
+    {
+        const QByteArray json = withReplaced(handWritten(), "1F\"]}]",
+                                             "1F\",\"0A1B2C3D-0000-4000-8000-00000000002F\"]}]");
+        QCOMPARE(decoded(json), decoded(handWritten()));
+        const auto section = "\"navigationHistory\":[\"0A1B2C3D-0000-4000-8000-00000000002F\",";
+        QVERIFY(!decoded(withReplaced(handWritten(), "\"navigationHistory\":[", section))
+                     .constFirst()
+                     .rootPage());
+    }
+
     void whatIsTooLongIsLeftOut()
     {
         Session small;
