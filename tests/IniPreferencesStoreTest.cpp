@@ -37,7 +37,7 @@ private:
 
     QString fileOf(const QByteArray& text)
     {
-        const QString path = m_folder.filePath(u"%1.conf"_s.arg(++m_number));
+        QString path = m_folder.filePath(u"%1.conf"_s.arg(++m_number));
         write(path, text);
         return path;
     }

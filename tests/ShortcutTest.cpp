@@ -5,7 +5,6 @@
 #include "platform/linux/XcbKeyCodes.h"
 #include "shortcuts/KeyboardShortcuts.h"
 
-#include <QFile>
 #include <QSignalSpy>
 #include <QTemporaryDir>
 #include <QTest>
@@ -38,8 +37,8 @@ private:
     /// Preferences in a file, as a process that starts finds them.
     std::unique_ptr<IniPreferencesStore> started(const QString& text = {})
     {
-        const QString path = m_folder.filePath(u"%1.conf"_s.arg(++m_number));
-        auto store = std::make_unique<IniPreferencesStore>(path);
+        ++m_number;
+        auto store = startedAgain();
         if (!text.isNull())
             store->setString(storageKey, text);
         return store;
@@ -47,10 +46,7 @@ private:
 
     std::unique_ptr<IniPreferencesStore> startedAgain()
     {
-        const QString before = m_folder.filePath(u"%1.conf"_s.arg(m_number));
-        const QString path = m_folder.filePath(u"%1.conf"_s.arg(++m_number));
-        QFile::copy(before, path);
-        return std::make_unique<IniPreferencesStore>(path);
+        return std::make_unique<IniPreferencesStore>(m_folder.filePath(u"%1.conf"_s.arg(m_number)));
     }
 
 private slots:

@@ -243,7 +243,7 @@ std::optional<QStringList> iniWords(QByteArrayView value)
 QByteArray iniValueOf(const QStringList& words)
 {
     if (words.isEmpty())
-        return QByteArray(noWords.data(), noWords.size());
+        return {noWords.data(), noWords.size()};
     QByteArrayList values;
     for (const QString& word : words)
         values.append(escaped(marked(word)));
