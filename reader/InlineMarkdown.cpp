@@ -21,6 +21,10 @@ constexpr QChar lineSeparator(0x2028);
 /// yet no blank to the rules of blocks.
 constexpr QByteArrayView guard("\xC2\xA0");
 
+/// Stands for a tilde that strikes nothing: to the parser, which would pair it with the next one, a
+/// mark of punctuation like any other. No valid UTF-8 has these two bytes.
+constexpr QByteArrayView loneTilde("\xC1\xBE");
+
 /// A paragraph as the parser gets it.
 struct Source {
     QByteArray text;                      ///< UTF-8
@@ -35,6 +39,33 @@ bool beginsAnew(BlockMark mark, QStringView line, BlockMark previous)
     return (mark == BlockMark::other && line.trimmed().size() > 1) ||
            (mark == BlockMark::orderedItem && (previous == BlockMark::orderedItem ||
                                                line.startsWith(u"1.") || line.startsWith(u"1)")));
+}
+
+/// Appends a line with `loneTilde` for each tilde that has none beside it. One that is escaped is
+/// none to those beside it.
+void appendLine(QByteArray& text, QByteArrayView line)
+{
+    if (!line.contains('~')) {
+        text += line;
+        return;
+    }
+    bool isEscaped = false;
+    while (!line.isEmpty()) {
+        const bool isMark = line.front() == '~' && !isEscaped;
+        qsizetype length = 1;
+        while (isMark && length < line.size() && line[length] == '~')
+            ++length;
+        text += isMark && length == 1 ? loneTilde : line.first(length);
+        isEscaped = line.front() == '\\' && !isEscaped;
+        line = line.sliced(length);
+    }
+}
+
+QString decoded(QByteArrayView text)
+{
+    if (!text.contains(loneTilde.front()))
+        return QString::fromUtf8(text);
+    return QString::fromUtf8(text.toByteArray().replace(loneTilde, "~"));
 }
 
 Source prepared(QStringView markdown)
@@ -53,7 +84,7 @@ Source prepared(QStringView markdown)
             source.guards.append(source.text.size());
             source.text += guard;
         }
-        source.text += line.toUtf8();
+        appendLine(source.text, line.toUtf8());
         previous = mark;
     }
     return source;
@@ -129,8 +160,8 @@ QString decodedAddress(const MD_ATTRIBUTE& attribute)
         const MD_OFFSET begin = attribute.substr_offsets[part];
         const QByteArrayView text(attribute.text + begin,
                                   attribute.substr_offsets[part + 1] - begin);
-        address += attribute.substr_types[part] == MD_TEXT_ENTITY ? decodedEntity(text)
-                                                                  : QString::fromUtf8(text);
+        address +=
+            attribute.substr_types[part] == MD_TEXT_ENTITY ? decodedEntity(text) : decoded(text);
     }
     return address;
 }
@@ -205,7 +236,7 @@ void RunBuilder::addUnguarded(QByteArrayView text)
         if (next != m_source.guards.end() && *next < begin + text.size()) {
             const qsizetype before = *next - begin;
             if (before > 0)
-                append(QString::fromUtf8(text.first(before)));
+                append(decoded(text.first(before)));
             if (m_lineWrapped &&
                 std::binary_search(m_source.breaks.begin(), m_source.breaks.end(), *next))
                 m_runs.last().text.back() = lineSeparator;
@@ -213,7 +244,7 @@ void RunBuilder::addUnguarded(QByteArrayView text)
             return;
         }
     }
-    append(QString::fromUtf8(text));
+    append(decoded(text));
 }
 
 bool RunBuilder::endsWithGuard(QByteArrayView text) const

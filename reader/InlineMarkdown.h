@@ -24,11 +24,11 @@ struct InlineRun {
     bool operator==(const InlineRun&) const = default;
 };
 
-/// The inline Markdown of one paragraph, after CommonMark with strikethrough: what is shown, marks
-/// gone. Marks of blocks (headings, lists, quotes, fences, …) have no meaning here and show as they
-/// are, as does HTML. Of an image its alternative text is shown. Lines that are only wrapped are
-/// joined by a space; a line that begins with the mark of a block keeps its place on a line of its
-/// own.
+/// The inline Markdown of one paragraph, after CommonMark with strikethrough by two tildes: what is
+/// shown, marks gone. Marks of blocks (headings, lists, quotes, fences, …) have no meaning here and
+/// show as they are, as does HTML. Of an image its alternative text is shown. Lines that are only
+/// wrapped are joined by a space; a line that begins with the mark of a block keeps its place on a
+/// line of its own.
 ///
 /// Neighbouring runs differ in style or link. Takes time in proportion to the text, however it is
 /// nested.

@@ -118,6 +118,10 @@ void InlineMarkdownTest::styles_data()
 
     QTest::newRow("nested") << u"a **b *c* d** e"_s << u"a |[s]b |[se]c|[s] d| e"_s;
     QTest::newRow("strikethrough") << u"~~a~~ b"_s << u"[x]a| b"_s;
+    QTest::newRow("single tildes")
+        << u"(~3500 BCE) H~2~O ~~a~b~~ ~~~c~~~ `d~e` \\~~f~ <ftp:/~h&~>"_s
+        << u"(~3500 BCE) H~2~O |[x]a~b| ~~~c~~~ |[c]d~e| ~~f~ "
+           "|[>ftp:/~h&~]ftp:/~h&~"_s;
     QTest::newRow("code keeps marks") << u"`**a**`"_s << u"[c]**a**"_s;
     QTest::newRow("image") << u"a ![b *c*](http://x/y.png) d"_s << u"a b c d"_s;
     QTest::newRow("image that is a link") << u"[![*a*](x)](http://y)"_s << u"[>http://y]a"_s;
