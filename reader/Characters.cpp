@@ -64,6 +64,13 @@ bool beginsWithNumeral(QStringView text)
     return u_getIntPropertyValue(static_cast<UChar32>(first), UCHAR_NUMERIC_TYPE) != U_NT_NONE;
 }
 
+bool isPartOfPicture(QChar unit)
+{
+    constexpr char16_t pictureSelector = 0xFE0F;
+    return unit.isSurrogate() || unit == pictureSelector ||
+           u_hasBinaryProperty(unit.unicode(), UCHAR_EMOJI_PRESENTATION) != 0;
+}
+
 qsizetype characterBoundaryBefore(QStringView text, qsizetype position)
 {
     UBreakIterator* iterator = iteratorUnlessBoundary(text, position);

@@ -15,6 +15,9 @@ namespace varno {
 /// Whether the first character has a numeric value in any script ("3", "٣", "三", "Ⅷ", "½").
 [[nodiscard]] bool beginsWithNumeral(QStringView text);
 
+/// Whether a unit of UTF-16 may belong to an emoji that has an image of its own.
+[[nodiscard]] bool isPartOfPicture(QChar unit);
+
 /// The end of a user-perceived character at or before `position`, and at or after it. Positions
 /// count UTF-16 units.
 [[nodiscard]] qsizetype characterBoundaryBefore(QStringView text, qsizetype position);

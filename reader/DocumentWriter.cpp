@@ -7,7 +7,7 @@
 namespace varno {
 namespace {
 
-/// How many characters are laid out together, between two looks at the clock.
+/// What is laid out together, between two looks at the clock, may cost.
 constexpr qsizetype layoutStep = 2048;
 
 QStringView withoutLeadingSpace(QStringView text)
@@ -130,14 +130,14 @@ void DocumentWriter::write(const QDeadlineTimer& deadline, qsizetype atLeast)
     m_isComplete = true;
     m_cursor.beginEditBlock();
     keepRows(index + 1);
-    // How far the text is in the document's layout, too.
-    qsizetype laidOut = index < m_rows.size() ? m_rows[index].start.offset : 0;
+    qsizetype toBeLaidOut = 0;
     while (const std::optional<Row> row = reader.next()) {
         writeRow(index, *row);
         ++index;
-        if (row->start.offset < laidOut + layoutStep)
+        toBeLaidOut += layoutCost(row->text);
+        if (toBeLaidOut < layoutStep)
             continue;
-        laidOut = row->start.offset;
+        toBeLaidOut = 0;
         m_cursor.endEditBlock();
         m_cursor.beginEditBlock();
         if (index > atLeast && deadline.hasExpired()) {

@@ -2,22 +2,34 @@
 
 #include "reader/Characters.h"
 
+#include <numeric>
+
 namespace varno {
 namespace {
 
 using Within = RowStart::Within;
 
-// Laying out a line takes a time that grows with the square of its longest word. Both limits are
-// far beyond any text that is meant to be read.
+// Laying out a line takes a time that grows with the square of its longest word. Both limits, which
+// are layout costs, are far beyond any text that is meant to be read.
 constexpr qsizetype longestRow = 8192;
 constexpr qsizetype longestWord = 1024;
 
-/// Characters of scripts that are written without blanks and wrap anywhere.
+constexpr qsizetype costOfPicture = 64; // of each half: its image is decoded every time it is asked
+constexpr qsizetype costOfLargeScript = 4;
+
+/// Characters of scripts that are written without blanks and wrap anywhere, and pictures.
 bool isWordByItself(QChar character)
 {
     const char16_t unit = character.unicode();
-    return (unit >= 0x2E80 && unit < 0xD800) || (unit >= 0xF900 && unit < 0xFB00) ||
+    return (unit >= 0x2E80 && unit < 0xE000) || (unit >= 0xF900 && unit < 0xFB00) ||
            (unit >= 0xFF00 && unit < 0xFFF0);
+}
+
+qsizetype layoutCost(QChar character)
+{
+    if (character.unicode() < 0x900)
+        return 1;
+    return isPartOfPicture(character) ? costOfPicture : costOfLargeScript;
 }
 
 qsizetype cutWithinWord(QStringView text, qsizetype wordBegin, qsizetype limit)
@@ -31,17 +43,27 @@ qsizetype cutWithinWord(QStringView text, qsizetype wordBegin, qsizetype limit)
 /// How much of a line goes into its first row.
 qsizetype rowLength(QStringView line)
 {
-    if (line.size() <= longestWord)
+    if (line.size() <= longestRow / costOfPicture)
         return line.size();
     qsizetype wordBegin = 0;
+    qsizetype wordCost = 0;
+    qsizetype rowCost = 0;
     for (qsizetype position = 0; position < line.size() - 1; ++position) {
-        if (line[position].isSpace() || isWordByItself(line[position])) {
-            if (position >= longestRow)
-                return position;
+        const QChar character = line[position];
+        const bool isWord = isWordByItself(character);
+        if (character.isSpace() && rowCost >= longestRow)
+            return position;
+        if (isWord && rowCost >= longestRow)
+            return cutWithinWord(line, 0, position);
+        if (character.isSpace() || isWord) {
             wordBegin = position + 1;
-        } else if (position - wordBegin >= longestWord) {
+            wordCost = 0;
+        } else if (wordCost >= longestWord) {
             return cutWithinWord(line, wordBegin, position);
+        } else {
+            wordCost += layoutCost(character);
         }
+        rowCost += layoutCost(character);
     }
     return line.size();
 }
@@ -81,6 +103,13 @@ QStringView withoutEnd(QStringView text)
 }
 
 } // namespace
+
+qsizetype layoutCost(QStringView text)
+{
+    return std::accumulate(
+        text.begin(), text.end(), qsizetype(0),
+        [](qsizetype sum, QChar character) { return sum + layoutCost(character); });
+}
 
 RowReader::RowReader(QStringView text, const RowStart& from)
     : m_text(text)

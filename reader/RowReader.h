@@ -34,11 +34,15 @@ struct Row {
     RowEnd end = RowEnd::block;
 };
 
+/// How long a text takes to be laid out, as a number of Latin letters that take as long.
+[[nodiscard]] qsizetype layoutCost(QStringView text);
+
 /// Reads the rows of a text, in order. What it reads from a row's start does not depend on what
 /// stands before it, so reading can go on at any row when the text has grown.
 ///
-/// A line of many thousand characters is cut into several rows: laying out a line takes more than
-/// its share of time the longer it is. Where it is cut depends on what precedes the cut alone.
+/// A line of many thousand letters, or a hundred pictures, is cut into several rows: laying out a
+/// line takes more than its share of time the longer it is. Where it is cut depends on what
+/// precedes the cut alone.
 class RowReader {
 public:
     /// `text` outlives the reader and its rows.
