@@ -2,13 +2,22 @@
 
 #include "reader/Characters.h"
 
+#include <algorithm>
+
 namespace varno {
 namespace {
 
 using namespace Qt::StringLiterals;
 
-/// A sentence that happens to begin with a number and is longer than this is no mark of an item.
-constexpr qsizetype longestNumber = 64;
+/// One word that is no longer than this is the number of an item. Anything else is a sentence that
+/// happens to begin with a number.
+constexpr qsizetype longestNumber = 5;
+
+bool isNumber(QStringView text)
+{
+    return text.size() <= longestNumber &&
+           std::none_of(text.begin(), text.end(), [](QChar unit) { return unit.isSpace(); });
+}
 
 QStringView withoutOuterBlanks(QStringView line)
 {
@@ -132,7 +141,7 @@ std::optional<ListItem> listItem(QStringView line, BlockKind list)
     const qsizetype point = line.indexOf(u". ");
     if (point < 0)
         return std::nullopt;
-    if (point > longestNumber)
+    if (!isNumber(line.first(point)))
         return ListItem{.mark = {}, .text = line};
     return ListItem{.mark = line.first(point + 1).toString(), .text = line.sliced(point + 2)};
 }

@@ -43,7 +43,7 @@ constexpr bool isList(BlockKind kind)
 [[nodiscard]] QStringView shownText(QStringView block, BlockKind kind);
 
 /// A row of a list: its mark ("•", or a number with its "."), and the text of the item. The mark is
-/// empty where what should be a number is a long sentence; it then stands in the text.
+/// empty where what should be a number is a sentence; it then stands in the text.
 struct ListItem {
     QString mark;
     QStringView text;

@@ -78,17 +78,12 @@ void DocumentWriter::setFormat(const RowFormat& format)
     m_cursor.endEditBlock();
     m_format = format;
     m_document.setDefaultFont(format.font());
-    m_usesColor = false;
     takeNote(0);
 }
 
 void DocumentWriter::setTextColor(const QColor& color)
 {
-    const RowFormat format(m_format.fontSize(), color);
-    if (m_usesColor)
-        setFormat(format);
-    else
-        m_format = format;
+    m_format = RowFormat(m_format.fontSize(), color);
 }
 
 void DocumentWriter::takeNote(qsizetype unchanged)
@@ -174,12 +169,15 @@ void DocumentWriter::writeRow(qsizetype index, const Row& row)
                              .textOffset = row.text.data() - m_text.constData(),
                              .textLength = row.text.size()};
     const bool isSame = isWritten(index, written);
-    ShownRow shown{.kind = row.start.kind, .end = row.end, .mark = row.mark};
+    ShownRow shown{.kind = row.start.kind,
+                   .end = row.end,
+                   .mark = row.mark,
+                   .isSentence = row.start.isSentence};
     shown.runs = isSame && m_last ? m_last->runs : inlineRuns(row.text);
     shown.rightToLeft = isList(shown.kind) && shownText(shown.runs).isRightToLeft();
 
-    const bool goesOn =
-        index < m_rows.size() && m_last && m_last->kind == shown.kind && m_last->mark == shown.mark;
+    const bool goesOn = index < m_rows.size() && m_last && m_last->kind == shown.kind &&
+                        m_last->mark == shown.mark && m_last->isSentence == shown.isSentence;
     if (!goesOn || m_last->end != shown.end || m_last->rightToLeft != shown.rightToLeft)
         placeBlock(index, row, shown.rightToLeft);
     if (!isSame)
@@ -231,16 +229,11 @@ void DocumentWriter::writeText(qsizetype index, const Row& row, const QList<Inli
                                const QList<InlineRun>& old)
 {
     const QTextBlock block = blockOf(index);
-    const QString mark = m_format.leadingMark(row);
     const qsizetype kept = commonLength(old, runs);
-    m_cursor.setPosition(block.position() + static_cast<int>(kept > 0 ? mark.size() + kept : 0));
+    m_cursor.setPosition(block.position() + static_cast<int>(kept));
     if (m_cursor.position() < block.position() + block.length() - 1) {
         m_cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
         m_cursor.removeSelectedText();
-    }
-    if (kept == 0 && !mark.isEmpty()) {
-        m_cursor.insertText(mark, m_format.mark(row.start.kind));
-        m_usesColor = true;
     }
     insertRuns(row.start.kind, runs, kept);
 }

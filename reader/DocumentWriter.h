@@ -52,6 +52,7 @@ private:
         BlockKind kind = BlockKind::paragraph;
         RowEnd end = RowEnd::block;
         QString mark{};
+        bool isSentence = false;
         bool rightToLeft = false;
         QList<InlineRun> runs{};
     };
@@ -71,7 +72,6 @@ private:
     QTextCursor m_cursor; ///< for the writer's own edits
     RowFormat m_format;
     QString m_text;            ///< without the blanks it begins with, which no block shows
-    bool m_usesColor = false;  ///< whether a colour is written in the document itself
     qsizetype m_unchanged = 0; ///< how much of the text is as it was when it was last written
     bool m_isComplete = true;
     QList<WrittenRow> m_rows;

@@ -1,7 +1,6 @@
 #include "reader/RowFormat.h"
 
 #include "kit/TextStyle.h"
-#include "reader/Characters.h"
 
 #include <QFontDatabase>
 #include <QFontMetricsF>
@@ -28,11 +27,8 @@ constexpr int numberWidth = 24;
 constexpr int markGap = 10;
 constexpr double numberOpacity = 0.55;
 
-/// A number that is a little too wide for its frame reaches into the gap. One of more digits gets a
-/// wider frame. Beyond that it is no number any more: a paragraph that begins with a year reads as
-/// a list whose number is a sentence.
-constexpr int widestInFrame = numberWidth + 6;
-constexpr int widestNumber = 3 * numberWidth;
+/// What is wider than its frame reaches into the gap, this far.
+constexpr int widestNumber = numberWidth + 6;
 
 const KindStyle& styleOf(BlockKind kind)
 {
@@ -46,6 +42,12 @@ const KindStyle& styleOf(BlockKind kind)
         {.lineSpacing = 0.45},                                            // paragraph
     }};
     return styles[static_cast<std::size_t>(kind)];
+}
+
+/// A sentence that begins with a number looks like the paragraph that it is.
+const KindStyle& styleOf(const Row& row)
+{
+    return styleOf(row.start.isSentence ? BlockKind::paragraph : row.start.kind);
 }
 
 } // namespace
@@ -75,27 +77,19 @@ double RowFormat::paddingBelow(const Row& row) const
         return spaceBetweenItems;
     if (row.end != RowEnd::block)
         return 0;
-    const KindStyle& style = styleOf(row.start.kind);
+    const KindStyle& style = styleOf(row);
     const double padding =
         style.paddingBelow > 0 ? style.paddingBelow : paddingBelowText * m_fontSize;
     return padding - style.lineSpacing * m_fontSize; // the last line has its spacing too
 }
 
-double RowFormat::markWidth(const Row& row) const
+QFont RowFormat::markFont(const QString& mark) const
 {
-    if (row.start.kind == BlockKind::bulletList)
-        return bulletWidth;
-    const double width = std::ceil(QFontMetricsF(m_font).horizontalAdvance(row.mark));
-    return width <= widestInFrame ? numberWidth : width;
-}
-
-QString RowFormat::leadingMark(const Row& row) const
-{
-    if (markWidth(row) <= widestNumber)
-        return {};
-    QString mark = row.mark + u' ';
-    std::transform(mark.begin(), mark.end(), mark.begin(), documentCharacter);
-    return mark;
+    QFont font = m_font;
+    const double width = QFontMetricsF(font).horizontalAdvance(mark);
+    if (width > widestNumber)
+        font.setPixelSize(static_cast<int>(m_fontSize * widestNumber / width));
+    return font;
 }
 
 QTextBlockFormat RowFormat::block(const Row& row, bool rightToLeft, double previousMargin) const
@@ -107,17 +101,13 @@ QTextBlockFormat RowFormat::block(const Row& row, bool rightToLeft, double previ
     format.setBottomMargin(paddingBelow(row));
     if (paddingAbove(kind) > 0 && row.start.within == RowStart::Within::piece)
         format.setTopMargin(previousMargin + paddingAbove(kind));
-    if (styleOf(kind).lineSpacing > 0)
-        format.setLineHeight(styleOf(kind).lineSpacing * m_fontSize,
+    if (styleOf(row).lineSpacing > 0)
+        format.setLineHeight(styleOf(row).lineSpacing * m_fontSize,
                              QTextBlockFormat::LineDistanceHeight);
-    if (!isList(kind))
+    if (!isList(kind) || row.start.isSentence)
         return format;
-    const double width = markWidth(row);
+    const double width = kind == BlockKind::bulletList ? bulletWidth : numberWidth;
     format.setProperty(rowMark, row.mark);
-    if (width > widestNumber) {
-        format.setProperty(rowMarkLength, static_cast<int>(row.mark.size()) + 1);
-        return format;
-    }
     format.setProperty(rowMarkWidth, width);
     format.setProperty(rowMarkCentred, kind == BlockKind::bulletList);
     if (rightToLeft)
@@ -164,13 +154,6 @@ QTextCharFormat RowFormat::run(BlockKind kind, const InlineRun& run)
         format.setAnchorHref(run.link);
         format.setFontUnderline(true);
     }
-    return format;
-}
-
-QTextCharFormat RowFormat::mark(BlockKind kind)
-{
-    QTextCharFormat format = plain(kind);
-    format.setForeground(numberColor());
     return format;
 }
 

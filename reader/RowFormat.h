@@ -13,10 +13,9 @@ namespace varno {
 enum RowProperty {
     rowBlock = QTextFormat::UserProperty, ///< index of the block that the row belongs to
     rowEnd,                               ///< a `RowEnd`
-    rowMark,        ///< of a list's item; drawn beside the row, unless `rowMarkLength` is set
-    rowMarkWidth,   ///< of the frame that the mark is drawn in
+    rowMark,                              ///< of a list's item; drawn beside the row
+    rowMarkWidth,                         ///< of the frame that the mark is drawn in
     rowMarkCentred, ///< whether it stands in the middle of its frame, or at the end
-    rowMarkLength,  ///< of a mark that is too wide for a frame: it leads the row's own text
 };
 
 /// The figures of the column: fonts, colours and lengths of its rows. A point is a
@@ -31,6 +30,8 @@ public:
     [[nodiscard]] const QFont& font() const { return m_font; }
     /// The colour of a list's numbers.
     [[nodiscard]] QColor numberColor() const;
+    /// The font of a list's mark: a number too wide for its place is smaller.
+    [[nodiscard]] QFont markFont(const QString& mark) const;
 
     /// The space above a row, beyond that below the row before it.
     [[nodiscard]] static double paddingAbove(BlockKind kind);
@@ -43,13 +44,8 @@ public:
     /// Text of no run: what an empty row is as high as.
     [[nodiscard]] const QTextCharFormat& plain(BlockKind kind);
     [[nodiscard]] QTextCharFormat run(BlockKind kind, const InlineRun& run);
-    [[nodiscard]] QTextCharFormat mark(BlockKind kind);
-
-    /// The mark, with a blank, when it is too wide to stand beside its row; empty otherwise.
-    [[nodiscard]] QString leadingMark(const Row& row) const;
 
 private:
-    [[nodiscard]] double markWidth(const Row& row) const;
     [[nodiscard]] double paddingBelow(const Row& row) const;
     const QTextCharFormat& styled(BlockKind kind, InlineStyles styles);
 

@@ -178,6 +178,7 @@ bool RowReader::openLine()
         m_line = listItem(line, m_start.kind);
         if (!m_line)
             continue;
+        m_start.isSentence = m_line->mark.isEmpty();
         if (!isFirst) {
             m_start.offset = offsetOf(line);
             m_start.within = Within::list;

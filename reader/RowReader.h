@@ -16,6 +16,7 @@ struct RowStart {
     int block = 0; ///< index of the block
     BlockKind kind = BlockKind::paragraph;
     Within within = Within::piece;
+    bool isSentence = false; ///< of a numbered list: no item, but a line that begins with a number
 };
 
 /// What comes after a row.

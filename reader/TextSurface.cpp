@@ -171,9 +171,7 @@ void TextSurface::paintHighlights(QPainter& painter, const QTextBlock& row) cons
     const QString text = row.text();
     static const QColor color =
         standardColor(themePalette(AppTheme::cream), StandardColor::yellow, highlightOpacity);
-    const int markLength = row.blockFormat().intProperty(rowMarkLength);
-    for (TextRange range : highlightRanges(QStringView(text).sliced(markLength), m_highlightText)) {
-        range = {range.begin + markLength, range.end + markLength};
+    for (const TextRange& range : highlightRanges(text, m_highlightText)) {
         int index = layout.lineForTextPosition(int(range.begin)).lineNumber();
         for (; index < layout.lineCount(); ++index) {
             const QTextLine line = layout.lineAt(index);
@@ -197,12 +195,13 @@ void TextSurface::paintMark(QPainter& painter, const QTextBlock& row) const
     const bool isCentred = format.boolProperty(rowMarkCentred);
     const bool isRightToLeft = format.rightMargin() > 0;
     const double frameWidth = format.doubleProperty(rowMarkWidth);
-    const double markWidth = QFontMetricsF(m_format.font()).horizontalAdvance(mark);
+    const QFont font = m_format.markFont(mark);
+    const double markWidth = QFontMetricsF(font).horizontalAdvance(mark);
     const double free = frameWidth - markWidth;
     const double inset = isCentred ? free / 2 : std::max(free, 0.0); // from the column's edge
     const double x = isRightToLeft ? viewport()->width() - inset - markWidth : inset;
     const QTextLine line = row.layout()->lineAt(0);
-    painter.setFont(m_format.font());
+    painter.setFont(font);
     painter.setLayoutDirection(isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
     painter.setPen(isCentred ? m_format.textColor() : m_format.numberColor());
     painter.drawText(QPointF(x, row.layout()->position().y() + line.y() + line.ascent()), mark);

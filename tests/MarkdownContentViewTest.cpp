@@ -127,7 +127,8 @@ void MarkdownContentViewTest::streamsWhatIsBuiltAtOnce_data()
         << u"**a**b\n\n1 a. b\nc\n\n# a\n\n-\n- b\n\n**a\n**\n\n- a\n\n- b"_s;
     QTest::newRow("newlines") << u"\n\na\n\n\n\n\nb\n \n\n \nc\n"_s;
     QTest::newRow("open marks") << u"a **b *c** d* `e\n~~f~~ [g](http://h \"i\") &amp; ![j](k)"_s;
-    QTest::newRow("wide marks") << u"12345678901234\r5678. x\n9.\u2029999999999999999. y"_s;
+    QTest::newRow("wide marks")
+        << u"1234\r5678. x\n9.\u2029999999999999999. y\n1234. z\n123456. z\n1. z"_s;
     QTest::newRow("headings in a row") << u"# A\n## B\n\n### C\n# D\nE\n# F"_s;
     QTest::newRow("scripts") << u"שלום **עולם**\n\n- مرحبا\n\n👩‍👧 é"_s;
     QTest::newRow("long word") << u"3"_s.repeated(4090) + u"**bold** and more. Then\n- b"_s;
@@ -241,7 +242,7 @@ void MarkdownContentViewTest::placesMarks()
 {
     ShownView shown;
     shown.view.setText(u"- a\n- b\n\n1. c\n\n- שלום\n\n"
-                       "2024 was quite a year. It rained."_s);
+                       "2024 was quite a year. It rained.\n1000. d"_s);
     const QTextDocument& document = shown.view.document();
     const auto lineOf = [&](int row) {
         return document.findBlockByNumber(row).layout()->lineAt(0);
@@ -255,6 +256,8 @@ void MarkdownContentViewTest::placesMarks()
     const QTextLine hebrew = lineOf(3);
     QVERIFY(std::abs(hebrew.naturalTextRect().right() - (shown.view.width() - 20)) < 1);
     QCOMPARE(document.findBlockByNumber(4).text(), u"2024 was quite a year. It rained."_s);
+    QCOMPARE(lineOf(4).x(), 0.0); // a sentence
+    QCOMPARE(lineOf(5).x(), 34.0);
 
     // The marks are on screen: there is ink in their frames, and none between them and the text.
     const QImage image = shown.view.grab().toImage();
