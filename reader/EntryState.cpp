@@ -1,5 +1,8 @@
 #include "reader/EntryState.h"
 
+#include "reader/InlineMarkdown.h"
+#include "reader/RowReader.h"
+
 namespace varno {
 
 const Page* shownPage(const AppViewModel& viewModel)
@@ -32,6 +35,18 @@ bool offersFullEntry(const AppViewModel& viewModel)
 {
     const Page* page = viewModel.currentPage();
     return page && !viewModel.isStreaming() && page->entryType != EntryType::full;
+}
+
+bool isWithoutText(const AppViewModel& viewModel)
+{
+    if (!viewModel.currentPage() || viewModel.isStreaming())
+        return false;
+    RowReader reader(displayContent(viewModel));
+    while (const auto row = reader.next()) {
+        if (!shownText(inlineRuns(row->text)).trimmed().isEmpty())
+            return false;
+    }
+    return true;
 }
 
 QStringList relatedTopics(const AppViewModel& viewModel)

@@ -20,6 +20,9 @@ namespace varno {
 /// Whether an article could be made of the page.
 [[nodiscard]] bool offersFullEntry(const AppViewModel& viewModel);
 
+/// Whether the page was written, and there is nothing to read on it.
+[[nodiscard]] bool isWithoutText(const AppViewModel& viewModel);
+
 /// Topics to go on to; none while the page is being written.
 [[nodiscard]] QStringList relatedTopics(const AppViewModel& viewModel);
 

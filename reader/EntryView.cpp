@@ -144,6 +144,7 @@ void EntryView::showPage()
     m_column.setSurroundings({
         .errorMessage = m_viewModel.errorMessage(),
         .isStreaming = m_viewModel.isStreaming(),
+        .isWithoutText = isWithoutText(m_viewModel),
         .offersFullEntry = offersFullEntry(m_viewModel),
         .relatedTopics = relatedTopics(m_viewModel),
     });

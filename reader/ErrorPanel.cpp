@@ -32,6 +32,18 @@ ErrorPanel::ErrorPanel(QWidget* parent)
     connect(&m_newSearch, &PlainButton::clicked, this, &ErrorPanel::newSearch);
 }
 
+void ErrorPanel::showFailure(const QString& message)
+{
+    m_symbol.show();
+    setMessage(message);
+}
+
+void ErrorPanel::showNotice(const QString& message)
+{
+    m_symbol.hide();
+    setMessage(message);
+}
+
 void ErrorPanel::setMessage(const QString& message)
 {
     m_message.setText(message);

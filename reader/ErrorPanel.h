@@ -8,20 +8,24 @@
 
 namespace varno {
 
-/// What went wrong, and the two ways on.
+/// What went wrong or is missing, and the two ways on.
 class ErrorPanel final : public QWidget {
     Q_OBJECT
 
 public:
     explicit ErrorPanel(QWidget* parent = nullptr);
 
-    void setMessage(const QString& message);
+    void showFailure(const QString& message);
+    /// Of what is no failure, and has no warning to it.
+    void showNotice(const QString& message);
 
 signals:
     void tryAgain();
     void newSearch();
 
 private:
+    void setMessage(const QString& message);
+
     SymbolView m_symbol;
     ThemedText m_message;
     PlainButton m_tryAgain;

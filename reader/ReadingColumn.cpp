@@ -80,10 +80,13 @@ void ReadingColumn::setSurroundings(const Surroundings& surroundings)
     const bool isWhole = !surroundings.errorMessage;
     const bool hasFocus = isAncestorOf(QApplication::focusWidget());
     setFocusProxy(isWhole ? &m_text : nullptr);
-    m_error.setMessage(surroundings.errorMessage.value_or(QString()));
+    if (surroundings.errorMessage)
+        m_error.showFailure(*surroundings.errorMessage);
+    else
+        m_error.showNotice(tr("This entry came back without any text."));
     m_relatedTopics.setTopics(surroundings.relatedTopics);
 
-    m_errorPlace.setVisible(!isWhole);
+    m_errorPlace.setVisible(!isWhole || surroundings.isWithoutText);
     m_text.setVisible(isWhole);
     m_streamingRow.setVisible(isWhole && surroundings.isStreaming);
     m_fullEntryPlace.setVisible(isWhole && surroundings.offersFullEntry);

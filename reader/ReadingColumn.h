@@ -32,10 +32,11 @@ public:
     void setFontSize(int points);
     void setHighlightText(const QString& text) { m_text.setHighlightText(text); }
 
-    /// What there is besides the text. A message stands in the place of everything else.
+    /// What there is besides the text. A failure stands in the place of everything else.
     struct Surroundings {
         std::optional<QString> errorMessage{};
         bool isStreaming = false;
+        bool isWithoutText = false; ///< written, and nothing to read
         bool offersFullEntry = false;
         QStringList relatedTopics{};
     };

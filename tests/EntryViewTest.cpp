@@ -153,6 +153,9 @@ private slots:
                                  << false << false;
         QTest::newRow("section") << Setup(&openSection) << true << false << false << false << false
                                  << false;
+        const auto answerNothing = [](Screen& screen) { screen.write(u"rome"_s, QString()); };
+        QTest::newRow("no text") << Setup(answerNothing) << true << false << false << true << false
+                                 << true;
         QTest::newRow("failure") << Setup(&fail) << false << false << false << false << false
                                  << true;
     }
