@@ -425,6 +425,7 @@ private slots:
         QFETCH(uint, version);
         QFETCH(QStringList, listed);
         QFETCH(uint, listing);
+        QFETCH(int, bindings);
         m_backend->m_version = version;
         m_backend->listed = listed;
         m_backend->listing = listing;
@@ -433,7 +434,7 @@ private slots:
         startFrontend();
         QVERIFY(add(keyF));
         tryToHear(idF, 1);
-        QTEST(m_backend->bindings, "bindings");
+        QTRY_COMPARE(m_backend->bindings, bindings); // a known one may be heard before
         QCOMPARE(m_backend->sessions.size(), 1U);
         QVERIFY(m_refused.isEmpty());
     }
