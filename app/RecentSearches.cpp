@@ -11,14 +11,12 @@
 namespace varno {
 namespace {
 
-constexpr qsizetype mostRows = 8;
-
 class RecentSearchRow final : public RowButton {
 public:
     explicit RecentSearchRow(const QString& search)
         : RowButton(search)
         , m_clock(Symbol::clock, {.size = 11, .opacity = 0.35})
-        , m_search(search, {.size = 13}, Overflow::elide)
+        , m_search(search, {.size = 13, .limit = lineLimit}, Overflow::elide)
         , m_arrow(Symbol::arrowUpLeft, {.size = 10, .opacity = 0.25})
     {
         setContent(row({.spacing = 8, .horizontal = 10, .vertical = 7}, {
@@ -54,7 +52,7 @@ RecentSearches::RecentSearches(QWidget* parent)
 
 void RecentSearches::setSearches(const QStringList& searches)
 {
-    if (std::exchange(m_searches, searches.first(std::min(searches.size(), mostRows))) ==
+    if (std::exchange(m_searches, searches.first(std::min(searches.size(), mostRecentSearches))) ==
         m_searches)
         return;
     // Later: one of them may be telling of its being pressed.

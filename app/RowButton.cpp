@@ -1,5 +1,6 @@
 #include "app/RowButton.h"
 
+#include "kit/TextCuts.h"
 #include "kit/Theme.h"
 
 #include <QLayout>
@@ -10,7 +11,7 @@ namespace varno {
 RowButton::RowButton(const QString& name, QWidget* parent)
     : PressableButton(parent)
 {
-    setAccessibleName(name);
+    setAccessibleName(shortened(name, toolTipLimit));
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 

@@ -1,5 +1,7 @@
 #include "kit/PlainButton.h"
 
+#include "kit/TextCuts.h"
+
 #include <QCursor>
 #include <QFocusEvent>
 #include <QPainter>
@@ -72,9 +74,9 @@ PlainButton::~PlainButton()
 
 void PlainButton::setText(const QString& text)
 {
-    PressableButton::setText(text);
+    PressableButton::setText(shortened(text, toolTipLimit));
     setShortcut({}); // that of a letter behind an "&"
-    setAccessibleName(text.isEmpty() ? toolTip() : text);
+    setAccessibleName(text.isEmpty() ? toolTip() : PressableButton::text());
 }
 
 void PlainButton::setSymbol(std::optional<Symbol> symbol)
@@ -87,6 +89,7 @@ void PlainButton::setSymbol(std::optional<Symbol> symbol)
 void PlainButton::setButtonStyle(const ButtonStyle& style)
 {
     m_style = style;
+    m_laidOut.reset();
     setFont(varno::font(style.text));
     const bool elides = style.overflow != Overflow::none && style.frame.isEmpty();
     setSizePolicy(elides ? QSizePolicy::Preferred : QSizePolicy::Fixed, QSizePolicy::Fixed);
@@ -123,13 +126,13 @@ double PlainButton::leadingWidth() const
     return m_style.symbol.size + (text().isEmpty() ? 0 : m_style.spacing);
 }
 
-TextBlock PlainButton::block(double width) const
+const TextBlock& PlainButton::block(double width) const
 {
     const Overflow overflow = m_style.overflow == Overflow::none ? Overflow::none : Overflow::elide;
-    return {text(), m_style.text, font(), overflow, width};
+    return m_laidOut.block(text(), m_style.text, font(), overflow, width);
 }
 
-TextBlock PlainButton::shownBlock() const
+const TextBlock& PlainButton::shownBlock() const
 {
     return block(width() - 2 * m_style.horizontal - leadingWidth());
 }
@@ -194,7 +197,7 @@ void PlainButton::paintBackground(QPainter& painter) const
 
 void PlainButton::paintContent(QPainter& painter) const
 {
-    const TextBlock text = shownBlock();
+    const TextBlock& text = shownBlock();
     const double leading = leadingWidth();
     const QRectF inner = QRectF(rect()).adjusted(m_style.horizontal, 0, -m_style.horizontal, 0);
     const double spare = inner.width() - leading - text.size().width();

@@ -33,8 +33,8 @@ struct ButtonStyle {
 ///
 /// The keyboard gives it the focus and a ring around it, the mouse does not; `setFocusPolicy` says
 /// otherwise. No character of the text is a shortcut. An elided text shows the whole of itself when
-/// there is no other tool tip. A button without text needs an accessible name: its tool tip serves
-/// as one.
+/// there is no other tool tip; no more than that can tell is kept of it. A button without text
+/// needs an accessible name: its tool tip serves as one.
 class PlainButton : public PressableButton {
     Q_OBJECT
 
@@ -61,8 +61,8 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
-    [[nodiscard]] TextBlock block(double width = TextBlock::unlimited) const;
-    [[nodiscard]] TextBlock shownBlock() const;
+    [[nodiscard]] const TextBlock& block(double width = TextBlock::unlimited) const;
+    [[nodiscard]] const TextBlock& shownBlock() const;
     [[nodiscard]] QSize sizeFor(double textWidth) const;
     [[nodiscard]] double leadingWidth() const;
     [[nodiscard]] bool hasRoom() const;
@@ -71,6 +71,7 @@ private:
     void paintContent(QPainter& painter) const;
 
     ButtonStyle m_style;
+    mutable LaidOutText m_laidOut;
     std::optional<Symbol> m_symbol;
     bool m_focusByKeyboard = false;
     QPointer<QFocusFrame> m_focusRing; ///< a sibling, which may go before this button

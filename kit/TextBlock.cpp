@@ -1,5 +1,7 @@
 #include "kit/TextBlock.h"
 
+#include "kit/TextCuts.h"
+
 #include <QFontMetricsF>
 #include <QPainter>
 
@@ -11,12 +13,7 @@ namespace varno {
 namespace {
 
 constexpr QChar ellipsis(0x2026);
-
-bool breaksLine(QChar character)
-{
-    return character == u'\n' || character == u'\r' || character == u'\v' || character == u'\f' ||
-           character == QChar::LineSeparator || character == QChar::ParagraphSeparator;
-}
+constexpr QChar zeroWidthSpace(0x200B);
 
 QString withLineBreaksAs(QChar replacement, QString text)
 {
@@ -62,54 +59,92 @@ QList<QTextLayout::FormatRange> equalDigitFormats(const QString& text, const QFo
     return formats;
 }
 
+QString withCutWords(QStringView text, const RowLimit& limit)
+{
+    QString cut;
+    while (!text.isEmpty()) {
+        const qsizetype length = rowLength(text, limit);
+        cut += text.first(length);
+        text = text.sliced(length);
+        if (!text.isEmpty())
+            cut += zeroWidthSpace;
+    }
+    return cut;
+}
+
 } // namespace
 
 TextBlock::TextBlock(const QString& text, const TextStyle& style, const QFont& font,
                      Overflow overflow, double width)
+    : m_style(style)
+    , m_overflow(overflow)
 {
-    const bool wraps = overflow == Overflow::wrap;
+    const QString shown = shortened(text, style.limit);
+    m_isShortened = shown != text;
+    const QChar lineBreak = overflow == Overflow::wrap ? QChar(QChar::LineSeparator) : QChar(u' ');
+    prepare(m_whole, withLineBreaksAs(lineBreak, shown), font);
+    setWidth(width);
+}
+
+void TextBlock::prepare(QTextLayout& layout, const QString& text, const QFont& font) const
+{
+    layout.setCacheEnabled(true);
+    layout.setFont(font);
+    layout.setText(text);
+    if (m_style.equalDigits)
+        layout.setFormats(equalDigitFormats(text, font, m_style.tracking));
     QTextOption option(Qt::AlignLeft);
     option.setTextDirection(text.isRightToLeft() ? Qt::RightToLeft : Qt::LeftToRight);
-    option.setWrapMode(wraps ? QTextOption::WrapAtWordBoundaryOrAnywhere : QTextOption::ManualWrap);
-    m_layout.setTextOption(option);
-    m_layout.setFont(font);
-    const QString prepared =
-        withLineBreaksAs(wraps ? QChar(QChar::LineSeparator) : QChar(u' '), text);
-    layOut(prepared, style, width);
-    if (overflow == Overflow::elide && m_size.width() > width)
-        elide(prepared, style, width);
+    layout.setTextOption(option);
 }
 
-void TextBlock::layOut(const QString& text, const TextStyle& style, double width)
+void TextBlock::setWidth(double width)
 {
-    m_layout.setText(text);
-    if (style.equalDigits)
-        m_layout.setFormats(equalDigitFormats(text, m_layout.font(), style.tracking));
+    if (width == m_width)
+        return;
+    m_width = width;
+    m_elided.reset();
+    layOut(m_whole, m_overflow == Overflow::wrap ? QTextOption::WrapAtWordBoundaryOrAnywhere
+                                                 : QTextOption::ManualWrap);
+    if (m_overflow == Overflow::elide && m_size.width() > width)
+        elide();
+}
+
+void TextBlock::layOut(QTextLayout& layout, QTextOption::WrapMode wrapMode)
+{
+    QTextOption option = layout.textOption();
+    option.setWrapMode(wrapMode);
+    layout.setTextOption(option);
     m_size = {};
-    m_layout.beginLayout();
-    for (QTextLine line = m_layout.createLine(); line.isValid(); line = m_layout.createLine()) {
-        line.setLineWidth(width + style.tracking);
+    layout.beginLayout();
+    for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+        line.setLineWidth(m_width + m_style.tracking);
         line.setPosition({0, m_size.height()});
-        m_size = {std::max(m_size.width(), line.naturalTextWidth() - style.tracking),
+        m_size = {std::max(m_size.width(), line.naturalTextWidth() - m_style.tracking),
                   m_size.height() + line.height()};
     }
-    m_layout.endLayout();
+    layout.endLayout();
 }
 
-void TextBlock::elide(const QString& text, const TextStyle& style, double width)
+void TextBlock::elide()
 {
-    const double room = width - QFontMetricsF(m_layout.font()).horizontalAdvance(ellipsis);
-    QTextOption option = m_layout.textOption();
-    option.setWrapMode(QTextOption::WrapAnywhere);
-    m_layout.setTextOption(option);
-    layOut(text, style, std::max(room, 0.0));
-    QString kept = room > 0 ? text.first(m_layout.lineAt(0).textLength()) : QString();
+    const double room = m_width - QFontMetricsF(m_whole.font()).horizontalAdvance(ellipsis);
+    QString kept;
+    if (room > 0) {
+        QTextOption option = m_whole.textOption();
+        option.setWrapMode(QTextOption::WrapAnywhere);
+        m_whole.setTextOption(option);
+        m_whole.beginLayout();
+        QTextLine line = m_whole.createLine();
+        line.setLineWidth(room + m_style.tracking);
+        kept = m_whole.text().first(line.textLength());
+        m_whole.endLayout();
+    }
     while (!kept.isEmpty() && kept.back().isSpace())
         kept.chop(1);
-    option.setWrapMode(QTextOption::ManualWrap);
-    m_layout.setTextOption(option);
-    layOut(kept + ellipsis, style, width);
-    m_elided = true;
+    prepare(m_elided.emplace(), kept + ellipsis, m_whole.font());
+    m_elided->setTextOption(m_whole.textOption());
+    layOut(*m_elided, QTextOption::ManualWrap);
 }
 
 void TextBlock::draw(QPainter& painter, const QRectF& place, Qt::Alignment alignment,
@@ -120,8 +155,9 @@ void TextBlock::draw(QPainter& painter, const QRectF& place, Qt::Alignment align
     const double top = place.top() + (alignment.testFlag(Qt::AlignTop)      ? 0
                                       : alignment.testFlag(Qt::AlignBottom) ? spareHeight
                                                                             : spareHeight / 2);
-    for (int index = 0; index < m_layout.lineCount(); ++index) {
-        const QTextLine line = m_layout.lineAt(index);
+    const QTextLayout& layout = m_elided ? *m_elided : m_whole;
+    for (int index = 0; index < layout.lineCount(); ++index) {
+        const QTextLine line = layout.lineAt(index);
         const double spare = place.width() - line.naturalTextWidth();
         const double left = place.left() + (alignment.testFlag(Qt::AlignRight)     ? spare
                                             : alignment.testFlag(Qt::AlignHCenter) ? spare / 2
@@ -130,9 +166,22 @@ void TextBlock::draw(QPainter& painter, const QRectF& place, Qt::Alignment align
     }
 }
 
+const TextBlock& LaidOutText::block(const QString& text, const TextStyle& style, const QFont& font,
+                                    Overflow overflow, double width)
+{
+    if (m_block && m_text == text && m_font == font) {
+        m_block->setWidth(width);
+        return *m_block;
+    }
+    m_text = text;
+    m_font = font;
+    return m_block.emplace(text, style, font, overflow, width);
+}
+
 QString plainToolTip(const QString& text)
 {
-    return QLatin1StringView("<span>") + text.toHtmlEscaped() + QLatin1StringView("</span>");
+    const QString shown = withCutWords(shortened(text, toolTipLimit), toolTipRow);
+    return QLatin1StringView("<span>") + shown.toHtmlEscaped() + QLatin1StringView("</span>");
 }
 
 } // namespace varno

@@ -6,6 +6,8 @@
 #include <QString>
 #include <QTextLayout>
 
+#include <optional>
+
 class QColor;
 class QPainter;
 
@@ -18,8 +20,9 @@ enum class Overflow {
     wrap,  ///< it goes on in the next line, breaking words that are wider than a line
 };
 
-/// A plain text laid out in a width. Its characters keep their order whatever their script, and no
-/// mark in it means anything. Only a text that wraps keeps its line breaks.
+/// A plain text laid out in a width, as far as the limit of its style. Its characters keep their
+/// order whatever their script, and no mark in it means anything. Only a text that wraps keeps its
+/// line breaks.
 class TextBlock {
 public:
     static constexpr double unlimited = 1 << 24;
@@ -28,24 +31,49 @@ public:
     TextBlock(const QString& text, const TextStyle& style, const QFont& font, Overflow overflow,
               double width = unlimited);
 
+    /// Lays it out in another width. That costs little: the letters keep their shapes.
+    void setWidth(double width);
+
     /// What it covers: up to the end of the longest line, without the tracking behind it.
     [[nodiscard]] QSizeF size() const { return m_size; }
-    [[nodiscard]] bool isElided() const { return m_elided; }
+    /// Whether it is not all of the text.
+    [[nodiscard]] bool isElided() const { return m_isShortened || m_elided; }
 
     /// Lines stand in `place` as `alignment` says; left is left, in every script.
     void draw(QPainter& painter, const QRectF& place, Qt::Alignment alignment,
               const QColor& color) const;
 
 private:
-    void layOut(const QString& text, const TextStyle& style, double width);
-    void elide(const QString& text, const TextStyle& style, double width);
+    void prepare(QTextLayout& layout, const QString& text, const QFont& font) const;
+    void layOut(QTextLayout& layout, QTextOption::WrapMode wrapMode);
+    void elide();
 
-    QTextLayout m_layout;
+    TextStyle m_style;
+    Overflow m_overflow;
+    double m_width = -1;
+    QTextLayout m_whole;
+    std::optional<QTextLayout> m_elided; ///< what is drawn instead, where there is no room
     QSizeF m_size;
-    bool m_elided = false;
+    bool m_isShortened = false;
 };
 
-/// A plain text as a tool tip: shown as it is, and in several lines if it is long.
+/// The layout of a text that changes less often than it is asked for.
+class LaidOutText {
+public:
+    /// The reference is good until the next call.
+    [[nodiscard]] const TextBlock& block(const QString& text, const TextStyle& style,
+                                         const QFont& font, Overflow overflow, double width);
+    /// To be called when the style has changed.
+    void reset() { m_block.reset(); }
+
+private:
+    QString m_text;
+    QFont m_font;
+    std::optional<TextBlock> m_block;
+};
+
+/// A plain text as a tool tip: shown as it is, as far as the limit of tool tips, and in several
+/// lines if it is long.
 [[nodiscard]] QString plainToolTip(const QString& text);
 
 } // namespace varno

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "kit/TextLimits.h"
 #include "kit/Theme.h"
 
 #include <QFont>
@@ -17,6 +18,7 @@ struct TextStyle {
     bool equalDigits = false; ///< every digit as wide as the widest, whatever the font
     InkRole role = ColorRole::text;
     double opacity = 1;
+    TextLimit limit = textLimit;
 };
 
 /// The style's font. Its size is rounded to whole points. The system's family is not named in it,

@@ -1,5 +1,7 @@
 #include "kit/ThemedText.h"
 
+#include "kit/TextCuts.h"
+
 #include <QCursor>
 #include <QEvent>
 #include <QPainter>
@@ -31,9 +33,15 @@ ThemedText::ThemedText(const QString& text, const TextStyle& style, Overflow ove
     setText(text);
 }
 
+void ThemedText::setText(const QString& text)
+{
+    QLabel::setText(shortened(text, toolTipLimit));
+}
+
 void ThemedText::setTextStyle(const TextStyle& style)
 {
     m_style = style;
+    m_laidOut.reset();
     setFont(varno::font(style));
     updateGeometry();
     update();
@@ -91,9 +99,9 @@ void ThemedText::paintEvent(QPaintEvent*)
     block(width()).draw(painter, rect(), alignment(), inkColor(palette(), ink));
 }
 
-TextBlock ThemedText::block(double width) const
+const TextBlock& ThemedText::block(double width) const
 {
-    return {text(), m_style, font(), m_overflow, width};
+    return m_laidOut.block(text(), m_style, font(), m_overflow, width);
 }
 
 } // namespace varno

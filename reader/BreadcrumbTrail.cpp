@@ -16,9 +16,9 @@ constexpr int trailHeight = 22;
 constexpr int spacing = 6;
 
 const SymbolStyle chevronStyle{.size = 9, .weight = QFont::DemiBold, .opacity = 0.35};
-const TextStyle currentStyle{.size = 12, .weight = QFont::Medium};
+const TextStyle currentStyle{.size = 12, .weight = QFont::Medium, .limit = lineLimit};
 const ButtonStyle crumbStyle{
-    .text = {.size = 12, .opacity = 0.6},
+    .text = {.size = 12, .opacity = 0.6, .limit = lineLimit},
     .overflow = Overflow::elide,
 };
 

@@ -1,20 +1,23 @@
 #include "reader/EntryHeader.h"
 
 #include "kit/Layout.h"
+#include "kit/TextCuts.h"
 
 namespace varno {
 
 EntryHeader::EntryHeader(QWidget* parent)
     : QWidget(parent)
-    , m_title({}, {.size = 26, .design = FontDesign::serif, .tracking = 1}, Overflow::wrap)
+    , m_title({}, {.size = 26, .design = FontDesign::serif, .tracking = 1, .limit = titleLimit},
+              Overflow::wrap)
 {
     setLayout(column({.spacing = 4}, {m_title, m_rule}));
 }
 
 void EntryHeader::setTitle(const QString& title)
 {
-    m_title.setText(title.toUpper());
-    m_title.setAccessibleName(title); // capitals are for the eye
+    const QString kept = shortened(title, toolTipLimit);
+    m_title.setText(kept.toUpper());
+    m_title.setAccessibleName(kept); // capitals are for the eye
 }
 
 } // namespace varno

@@ -1,6 +1,7 @@
 #include "reader/ErrorPanel.h"
 
 #include "kit/Layout.h"
+#include "kit/TextCuts.h"
 
 namespace varno {
 namespace {
@@ -12,7 +13,7 @@ constexpr int mostWidth = 360;
 ErrorPanel::ErrorPanel(QWidget* parent)
     : QWidget(parent)
     , m_symbol(Symbol::exclamationmarkTriangle, {.size = 28, .role = StandardColor::orange})
-    , m_message({}, {.size = 14, .opacity = 0.7}, Overflow::wrap)
+    , m_message({}, {.size = 14, .opacity = 0.7, .limit = messageLimit}, Overflow::wrap)
     , m_tryAgain(tr("Try again"), {.text = {.size = 13, .role = ColorRole::accent}})
     , m_newSearch(tr("New search"), {.text = {.size = 13, .opacity = 0.45}})
 {
@@ -47,7 +48,7 @@ void ErrorPanel::showNotice(const QString& message)
 void ErrorPanel::setMessage(const QString& message)
 {
     m_message.setText(message);
-    setAccessibleName(message);
+    setAccessibleName(shortened(message, toolTipLimit));
 }
 
 } // namespace varno

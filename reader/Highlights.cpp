@@ -1,6 +1,6 @@
 #include "reader/Highlights.h"
 
-#include "reader/Characters.h"
+#include "kit/TextCuts.h"
 
 namespace varno {
 namespace {

@@ -2,12 +2,15 @@
 
 #include "kit/Layout.h"
 #include "kit/PlainButton.h"
+#include "kit/TextCuts.h"
+
+#include <utility>
 
 namespace varno {
 namespace {
 
 const ButtonStyle linkStyle{
-    .text = {.size = 13, .role = ColorRole::accent},
+    .text = {.size = 13, .role = ColorRole::accent, .limit = lineLimit},
     .horizontal = 12,
     .radius = 15,
     .outline = Ink{.role = ColorRole::border},
@@ -26,16 +29,16 @@ RelatedTopics::RelatedTopics(QWidget* parent)
                                  .opacity = 0.5})
     , m_links([this](const QString& topic) { return makeLink(topic); })
 {
-    setLayout(column({.spacing = 12}, {m_heading, m_links}));
+    setLayout(column({.spacing = 12}, {m_heading, m_links, m_rest}));
     setAccessibleName(tr("See also"));
 }
 
 void RelatedTopics::setTopics(const QStringList& topics)
 {
-    if (topics == m_topics)
-        return;
-    m_topics = topics;
-    m_links.setItems(topics);
+    const qsizetype count = shownCount(topics, topicsLimit, lineLimit);
+    m_rest.setCount(topics.size() - count);
+    if (std::exchange(m_topics, topics.first(count)) != m_topics)
+        m_links.setItems(m_topics);
 }
 
 QWidget* RelatedTopics::makeLink(const QString& topic)

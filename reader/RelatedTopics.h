@@ -1,6 +1,6 @@
 #pragma once
 
-#include "kit/ThemedText.h"
+#include "reader/ListRest.h"
 #include "reader/WrappingHStack.h"
 
 #include <QStringList>
@@ -14,6 +14,7 @@ class RelatedTopics final : public QWidget {
 public:
     explicit RelatedTopics(QWidget* parent = nullptr);
 
+    /// Shows as many of them as there is a limit for.
     void setTopics(const QStringList& topics);
 
 signals:
@@ -22,9 +23,10 @@ signals:
 private:
     QWidget* makeLink(const QString& topic);
 
-    QStringList m_topics;
+    QStringList m_topics; ///< those on show
     ThemedText m_heading;
     WrappingHStack<QString> m_links;
+    ListRest m_rest;
 };
 
 } // namespace varno

@@ -1,72 +1,12 @@
 #include "reader/RowReader.h"
 
+#include "kit/TextCuts.h"
 #include "reader/Characters.h"
-
-#include <numeric>
 
 namespace varno {
 namespace {
 
 using Within = RowStart::Within;
-
-// Laying out a line takes a time that grows with the square of its longest word. Both limits, which
-// are layout costs, are far beyond any text that is meant to be read.
-constexpr qsizetype longestRow = 8192;
-constexpr qsizetype longestWord = 1024;
-
-constexpr qsizetype costOfPicture = 64; // of each half: its image is decoded every time it is asked
-constexpr qsizetype costOfLargeScript = 4;
-
-/// Characters of scripts that are written without blanks and wrap anywhere, and pictures.
-bool isWordByItself(QChar character)
-{
-    const char16_t unit = character.unicode();
-    return (unit >= 0x2E80 && unit < 0xE000) || (unit >= 0xF900 && unit < 0xFB00) ||
-           (unit >= 0xFF00 && unit < 0xFFF0);
-}
-
-qsizetype layoutCost(QChar character)
-{
-    if (character.unicode() < 0x900)
-        return 1;
-    return isPartOfPicture(character) ? costOfPicture : costOfLargeScript;
-}
-
-qsizetype cutWithinWord(QStringView text, qsizetype wordBegin, qsizetype limit)
-{
-    const qsizetype boundary = characterBoundaryBefore(text, limit);
-    if (boundary > wordBegin)
-        return boundary;
-    return text[limit].isLowSurrogate() ? limit + 1 : limit;
-}
-
-/// How much of a line goes into its first row.
-qsizetype rowLength(QStringView line)
-{
-    if (line.size() <= longestRow / costOfPicture)
-        return line.size();
-    qsizetype wordBegin = 0;
-    qsizetype wordCost = 0;
-    qsizetype rowCost = 0;
-    for (qsizetype position = 0; position < line.size() - 1; ++position) {
-        const QChar character = line[position];
-        const bool isWord = isWordByItself(character);
-        if (character.isSpace() && rowCost >= longestRow)
-            return position;
-        if (isWord && rowCost >= longestRow)
-            return cutWithinWord(line, 0, position);
-        if (character.isSpace() || isWord) {
-            wordBegin = position + 1;
-            wordCost = 0;
-        } else if (wordCost >= longestWord) {
-            return cutWithinWord(line, wordBegin, position);
-        } else {
-            wordCost += layoutCost(character);
-        }
-        rowCost += layoutCost(character);
-    }
-    return line.size();
-}
 
 /// What stands from `offset` to the next empty line, or to the end.
 QStringView pieceAt(QStringView text, qsizetype offset)
@@ -103,13 +43,6 @@ QStringView withoutEnd(QStringView text)
 }
 
 } // namespace
-
-qsizetype layoutCost(QStringView text)
-{
-    return std::accumulate(
-        text.begin(), text.end(), qsizetype(0),
-        [](qsizetype sum, QChar character) { return sum + layoutCost(character); });
-}
 
 RowReader::RowReader(QStringView text, const RowStart& from)
     : m_text(text)
@@ -154,7 +87,7 @@ std::optional<Row> RowReader::next()
 {
     if (!m_line && !openLine() && !openBlock())
         return std::nullopt;
-    const qsizetype length = rowLength(m_line->text);
+    const qsizetype length = rowLength(m_line->text, pageRow);
     Row row{.start = m_start, .mark = m_line->mark, .text = m_line->text.first(length)};
     const QStringView rest = m_line->text.sliced(length).trimmed();
     if (rest.isEmpty()) {

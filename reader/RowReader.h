@@ -35,9 +35,6 @@ struct Row {
     RowEnd end = RowEnd::block;
 };
 
-/// How long a text takes to be laid out, as a number of Latin letters that take as long.
-[[nodiscard]] qsizetype layoutCost(QStringView text);
-
 /// Reads the rows of a text, in order. What it reads from a row's start does not depend on what
 /// stands before it, so reading can go on at any row when the text has grown.
 ///

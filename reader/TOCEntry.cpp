@@ -1,6 +1,7 @@
 #include "reader/TOCEntry.h"
 
 #include "kit/Layout.h"
+#include "kit/TextCuts.h"
 
 #include <QFontMetrics>
 #include <QKeyEvent>
@@ -9,19 +10,20 @@
 namespace varno {
 namespace {
 
-constexpr int numberWidth = 22;
 constexpr double markInset = 8; ///< of the mark from both edges of the sidebar
 constexpr double markRadius = 5;
 constexpr double focusRingWidth = 1.5;
 
 const TextStyle numberStyle{.size = 11, .equalDigits = true, .opacity = 0.45};
-const TextStyle nameStyle{.size = 13, .opacity = 0.8};
-const TextStyle activeNameStyle{.size = 13, .weight = QFont::Medium, .role = ColorRole::accent};
+const TextStyle nameStyle{.size = 13, .opacity = 0.8, .limit = contentsEntryLimit};
+const TextStyle activeNameStyle{
+    .size = 13, .weight = QFont::Medium, .role = ColorRole::accent, .limit = contentsEntryLimit};
 
 } // namespace
 
 TOCEntry::TOCEntry(int number, const QString& section, QWidget* parent)
     : PressableButton(parent)
+    , m_section(section)
     , m_number(QString::number(number), numberStyle)
     , m_name(section, nameStyle, Overflow::wrap)
 {
@@ -33,7 +35,7 @@ TOCEntry::TOCEntry(int number, const QString& section, QWidget* parent)
 
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
-    setAccessibleName(section);
+    setAccessibleName(shortened(section, toolTipLimit));
 }
 
 void TOCEntry::setActive(bool active)

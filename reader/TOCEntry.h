@@ -11,9 +11,11 @@ class TOCEntry final : public PressableButton {
     Q_OBJECT
 
 public:
+    static constexpr int numberWidth = 22;
+
     TOCEntry(int number, const QString& section, QWidget* parent = nullptr);
 
-    [[nodiscard]] QString section() const { return m_name.text(); }
+    [[nodiscard]] QString section() const { return m_section; }
 
     /// Marks the section that is on show.
     void setActive(bool active);
@@ -24,6 +26,7 @@ protected:
     void keyPressEvent(QKeyEvent* event) override;
 
 private:
+    QString m_section;
     bool m_active = false;
     ThemedText m_number;
     ThemedText m_name;

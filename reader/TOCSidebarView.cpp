@@ -1,12 +1,14 @@
 #include "reader/TOCSidebarView.h"
 
 #include "kit/Layout.h"
+#include "kit/TextCuts.h"
 #include "reader/TOCEntry.h"
 #include "reader/TabOrder.h"
 
 #include <QKeyEvent>
 
 #include <algorithm>
+#include <utility>
 
 namespace varno {
 
@@ -23,6 +25,7 @@ TOCSidebarView::TOCSidebarView(QWidget* parent)
     m_list.setLayout(&m_column);
     m_column.setContentsMargins({});
     m_column.setSpacing(0);
+    LayoutItem(row({.horizontal = 16}, {gap(TOCEntry::numberWidth), grow(m_rest)})).addTo(m_column);
     m_column.addStretch();
     m_scroll.setContent(m_list);
     m_scroll.setAccessibleName(tr("Contents"));
@@ -32,15 +35,16 @@ TOCSidebarView::TOCSidebarView(QWidget* parent)
 
 void TOCSidebarView::setSections(const QStringList& sections)
 {
-    if (sections == m_sections)
+    const qsizetype count = shownCount(sections, contentsLimit, contentsEntryLimit);
+    m_rest.setCount(sections.size() - count);
+    if (std::exchange(m_sections, sections.first(count)) == m_sections)
         return;
-    m_sections = sections;
     for (TOCEntry* old : std::as_const(m_entries)) {
         old->hide();
         old->deleteLater(); // it may be calling us
     }
     m_entries.clear();
-    for (const QString& section : sections)
+    for (const QString& section : std::as_const(m_sections))
         m_entries.append(addEntry(int(m_entries.size()) + 1, section));
     setTabOrderAfter(m_list, {m_entries.begin(), m_entries.end()});
     setTabStop(0);

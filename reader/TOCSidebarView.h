@@ -2,6 +2,7 @@
 
 #include "kit/ThemedText.h"
 #include "kit/VerticalScrollArea.h"
+#include "reader/ListRest.h"
 #include "reader/LoadingPlaceholders.h"
 #include "reader/Surface.h"
 
@@ -22,6 +23,7 @@ class TOCSidebarView final : public Surface {
 public:
     explicit TOCSidebarView(QWidget* parent = nullptr);
 
+    /// Shows as many of them as there is a limit for.
     void setSections(const QStringList& sections);
     /// Shows placeholders instead of the sections.
     void setLoading(bool loading);
@@ -39,7 +41,7 @@ private:
     void setTabStop(qsizetype index);
     void focusEntry(qsizetype index);
 
-    QStringList m_sections;
+    QStringList m_sections; ///< those on show
     QList<TOCEntry*> m_entries;
 
     ThemedText m_heading;
@@ -47,6 +49,7 @@ private:
     VerticalScrollArea m_scroll;
     QWidget m_list;
     QVBoxLayout m_column;
+    ListRest m_rest;
 };
 
 } // namespace varno

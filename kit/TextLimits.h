@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QtGlobal>
+
+#include <limits>
+
+namespace varno {
+
+// How much is shown of what was not written by us. The time to lay out a text grows with its length
+// and with the square of its longest word, and some characters take a hundred times as long as
+// others; each entry of a list takes its own. All figures are beyond any text that is meant to be
+// read where it stands. Letters are UTF-16 units.
+
+/// Where a line is cut, to go on in another row.
+struct RowLimit {
+    qsizetype cost;     ///< layout cost of the row, which ends at the next blank then
+    qsizetype wordCost; ///< of a word
+    qsizetype wordLetters;
+};
+inline constexpr qsizetype unlimited = std::numeric_limits<qsizetype>::max();
+inline constexpr RowLimit pageRow{.cost = 8192, .wordCost = 1024, .wordLetters = unlimited};
+/// Tool tips wrap between words only.
+inline constexpr RowLimit toolTipRow{.cost = unlimited, .wordCost = unlimited, .wordLetters = 48};
+
+/// How much of a text is shown before "…".
+struct TextLimit {
+    qsizetype letters;
+    qsizetype lines = letters; ///< that its own breaks make, where it keeps them
+};
+/// Where nothing else is said.
+inline constexpr TextLimit textLimit{.letters = 1024, .lines = 16};
+inline constexpr TextLimit titleLimit{.letters = 320, .lines = 4};
+inline constexpr TextLimit contentsEntryLimit{.letters = 192, .lines = 4};
+/// A crumb, a topic, a recent search.
+inline constexpr TextLimit lineLimit{.letters = 256};
+inline constexpr TextLimit messageLimit{.letters = 1024, .lines = 16};
+/// What tells the whole of a text that is shortened elsewhere: tool tips and screen readers.
+inline constexpr TextLimit toolTipLimit{.letters = 2048, .lines = 32};
+
+/// How much of a list is shown.
+struct ListLimit {
+    qsizetype entries;
+    qsizetype letters; ///< of all entries together, each as it is shown
+};
+inline constexpr ListLimit contentsLimit{.entries = 100, .letters = 4096};
+inline constexpr ListLimit topicsLimit{.entries = 40, .letters = 2048};
+inline constexpr qsizetype mostRecentSearches = 8;
+
+/// What a field takes.
+inline constexpr int longestInput = 4096;
+
+} // namespace varno

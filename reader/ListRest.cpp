@@ -1,0 +1,17 @@
+#include "reader/ListRest.h"
+
+namespace varno {
+
+ListRest::ListRest(QWidget* parent)
+    : ThemedText({}, {.size = 11, .opacity = 0.45}, Overflow::elide, parent)
+{
+    hide();
+}
+
+void ListRest::setCount(qsizetype count)
+{
+    setText(tr("… and %1 more").arg(count));
+    setVisible(count > 0);
+}
+
+} // namespace varno
