@@ -99,12 +99,12 @@ void PlainButton::setButtonStyle(const ButtonStyle& style)
 
 QSize PlainButton::sizeHint() const
 {
-    return sizeFor(block().size().width());
+    return sizeFor(laidOut().measure().size.width());
 }
 
 QSize PlainButton::minimumSizeHint() const
 {
-    const double natural = block().size().width();
+    const double natural = laidOut().measure().size.width();
     return sizeFor(m_style.overflow == Overflow::none ? natural
                                                       : std::min(natural, m_style.text.size));
 }
@@ -114,7 +114,7 @@ QSize PlainButton::sizeFor(double textWidth) const
     if (!m_style.frame.isEmpty())
         return m_style.frame;
     const double symbolHeight = m_symbol ? m_style.symbol.size : 0;
-    const double textHeight = text().isEmpty() ? 0 : block().size().height();
+    const double textHeight = text().isEmpty() ? 0 : laidOut().measure().size.height();
     return {roundedUp(leadingWidth() + textWidth) + 2 * m_style.horizontal,
             roundedUp(std::max(symbolHeight, textHeight)) + 2 * m_style.vertical};
 }
@@ -126,22 +126,24 @@ double PlainButton::leadingWidth() const
     return m_style.symbol.size + (text().isEmpty() ? 0 : m_style.spacing);
 }
 
-const TextBlock& PlainButton::block(double width) const
+LaidOutText& PlainButton::laidOut() const
 {
     const Overflow overflow = m_style.overflow == Overflow::none ? Overflow::none : Overflow::elide;
-    return m_laidOut.block(text(), m_style.text, font(), overflow, width);
+    return m_laidOut.of(text(), m_style.text, font(), overflow);
 }
 
-const TextBlock& PlainButton::shownBlock() const
+/// How much there is for the text.
+double PlainButton::textWidth() const
 {
-    return block(width() - 2 * m_style.horizontal - leadingWidth());
+    return width() - 2 * m_style.horizontal - leadingWidth();
 }
 
 bool PlainButton::event(QEvent* event)
 {
     if (event->type() == QEvent::ToolTipChange && text().isEmpty())
         setAccessibleName(toolTip());
-    if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() || !shownBlock().isElided())
+    if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() ||
+        !laidOut().measure(textWidth()).isElided)
         return PressableButton::event(event);
     QToolTip::showText(QCursor::pos(), plainToolTip(text()), this);
     return true;
@@ -197,7 +199,7 @@ void PlainButton::paintBackground(QPainter& painter) const
 
 void PlainButton::paintContent(QPainter& painter) const
 {
-    const TextBlock& text = shownBlock();
+    const TextBlock& text = laidOut().block(textWidth());
     const double leading = leadingWidth();
     const QRectF inner = QRectF(rect()).adjusted(m_style.horizontal, 0, -m_style.horizontal, 0);
     const double spare = inner.width() - leading - text.size().width();

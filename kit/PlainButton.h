@@ -61,8 +61,8 @@ protected:
     void focusOutEvent(QFocusEvent* event) override;
 
 private:
-    [[nodiscard]] const TextBlock& block(double width = TextBlock::unlimited) const;
-    [[nodiscard]] const TextBlock& shownBlock() const;
+    [[nodiscard]] LaidOutText& laidOut() const;
+    [[nodiscard]] double textWidth() const;
     [[nodiscard]] QSize sizeFor(double textWidth) const;
     [[nodiscard]] double leadingWidth() const;
     [[nodiscard]] bool hasRoom() const;

@@ -14,6 +14,7 @@ namespace {
 
 constexpr QChar ellipsis(0x2026);
 constexpr QChar zeroWidthSpace(0x200B);
+constexpr qsizetype keptMeasures = 8;
 
 QString withLineBreaksAs(QChar replacement, QString text)
 {
@@ -166,16 +167,34 @@ void TextBlock::draw(QPainter& painter, const QRectF& place, Qt::Alignment align
     }
 }
 
-const TextBlock& LaidOutText::block(const QString& text, const TextStyle& style, const QFont& font,
-                                    Overflow overflow, double width)
+LaidOutText& LaidOutText::of(const QString& text, const TextStyle& style, const QFont& font,
+                             Overflow overflow)
 {
-    if (m_block && m_text == text && m_font == font) {
-        m_block->setWidth(width);
-        return *m_block;
-    }
+    if (m_block && m_text == text && m_font == font)
+        return *this;
     m_text = text;
     m_font = font;
-    return m_block.emplace(text, style, font, overflow, width);
+    m_block.emplace(text, style, font, overflow);
+    m_measures = {{.size = m_block->size(), .isElided = m_block->isElided()}};
+    return *this;
+}
+
+TextMeasure LaidOutText::measure(double width)
+{
+    const auto known = std::ranges::find(m_measures, width, &TextMeasure::width);
+    if (known != m_measures.end())
+        return *known;
+    m_block->setWidth(width);
+    if (m_measures.size() == keptMeasures)
+        m_measures.removeFirst();
+    m_measures.append({width, m_block->size(), m_block->isElided()});
+    return m_measures.constLast();
+}
+
+const TextBlock& LaidOutText::block(double width)
+{
+    m_block->setWidth(width);
+    return *m_block;
 }
 
 QString plainToolTip(const QString& text)

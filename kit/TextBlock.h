@@ -2,6 +2,7 @@
 
 #include "kit/TextStyle.h"
 
+#include <QList>
 #include <QRectF>
 #include <QString>
 #include <QTextLayout>
@@ -57,12 +58,23 @@ private:
     bool m_isShortened = false;
 };
 
-/// The layout of a text that changes less often than it is asked for.
+/// What a text takes up in a width.
+struct TextMeasure {
+    double width = TextBlock::unlimited;
+    QSizeF size;
+    bool isElided = false;
+};
+
+/// The layout of a text that is asked for more often than it changes.
 class LaidOutText {
 public:
-    /// The reference is good until the next call.
-    [[nodiscard]] const TextBlock& block(const QString& text, const TextStyle& style,
-                                         const QFont& font, Overflow overflow, double width);
+    /// Makes it that of another text, if it is another one.
+    LaidOutText& of(const QString& text, const TextStyle& style, const QFont& font,
+                    Overflow overflow);
+
+    [[nodiscard]] TextMeasure measure(double width = TextBlock::unlimited);
+    /// Good until the next call of any of these.
+    [[nodiscard]] const TextBlock& block(double width);
     /// To be called when the style has changed.
     void reset() { m_block.reset(); }
 
@@ -70,6 +82,7 @@ private:
     QString m_text;
     QFont m_font;
     std::optional<TextBlock> m_block;
+    QList<TextMeasure> m_measures; ///< in the widths that were asked for last
 };
 
 /// A plain text as a tool tip: shown as it is, as far as the limit of tool tips, and in several

@@ -47,6 +47,6 @@ inline constexpr ListLimit topicsLimit{.entries = 40, .letters = 2048};
 inline constexpr qsizetype mostRecentSearches = 8;
 
 /// What a field takes.
-inline constexpr int longestInput = 4096;
+inline constexpr int longestInput = 2048;
 
 } // namespace varno

@@ -55,12 +55,12 @@ void ThemedText::setOpacity(double opacity)
 
 bool ThemedText::isElided() const
 {
-    return block(width()).isElided();
+    return laidOut().measure(width()).isElided;
 }
 
 QSize ThemedText::sizeHint() const
 {
-    const int natural = roundedUp(block().size()).width();
+    const int natural = roundedUp(laidOut().measure().size).width();
     const int width = std::min(natural, maximumWidth());
     return {width, heightForWidth(width)};
 }
@@ -71,7 +71,7 @@ QSize ThemedText::minimumSizeHint() const
     if (m_overflow == Overflow::none)
         return natural;
     const int leastWidth = static_cast<int>(m_style.size * (m_overflow == Overflow::wrap ? 4 : 1));
-    return {std::min(natural.width(), leastWidth), roundedUp(block().size()).height()};
+    return {std::min(natural.width(), leastWidth), roundedUp(laidOut().measure().size).height()};
 }
 
 bool ThemedText::hasHeightForWidth() const
@@ -81,7 +81,7 @@ bool ThemedText::hasHeightForWidth() const
 
 int ThemedText::heightForWidth(int width) const
 {
-    return roundedUp(block(std::min(width, maximumWidth())).size()).height();
+    return roundedUp(laidOut().measure(std::min(width, maximumWidth())).size).height();
 }
 
 bool ThemedText::event(QEvent* event)
@@ -96,12 +96,12 @@ void ThemedText::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     const Ink ink = {.role = m_style.role, .opacity = m_style.opacity};
-    block(width()).draw(painter, rect(), alignment(), inkColor(palette(), ink));
+    laidOut().block(width()).draw(painter, rect(), alignment(), inkColor(palette(), ink));
 }
 
-const TextBlock& ThemedText::block(double width) const
+LaidOutText& ThemedText::laidOut() const
 {
-    return m_laidOut.block(text(), m_style, font(), m_overflow, width);
+    return m_laidOut.of(text(), m_style, font(), m_overflow);
 }
 
 } // namespace varno

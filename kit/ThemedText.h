@@ -37,7 +37,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    [[nodiscard]] const TextBlock& block(double width = TextBlock::unlimited) const;
+    [[nodiscard]] LaidOutText& laidOut() const;
 
     TextStyle m_style;
     Overflow m_overflow;
