@@ -17,7 +17,7 @@ KeyField::KeyField(QWidget* parent)
                this)
 {
     setFont(varno::font({.size = 13}));
-    setMaxLength(longestInput);
+    setMaxLength(longestKey);
     setFrame(false); // it is drawn here, in the colours of the theme
     QPalette ground;
     ground.setBrush(QPalette::Base, Qt::NoBrush);

@@ -41,7 +41,7 @@ SearchBox::SearchBox(QWidget* parent)
     setFocusProxy(&m_field);
 
     m_field.setFrame(false);
-    m_field.setMaxLength(longestInput);
+    m_field.setMaxLength(longestSearch);
     m_field.setPlaceholderText(tr("Search anything…"));
     m_field.setAccessibleName(tr("Search"));
     m_field.installEventFilter(this);

@@ -80,7 +80,7 @@ void SearchView::submit()
 void SearchView::searchAgain(const QString& search)
 {
     m_box.setQuery(search);
-    submit();
+    m_viewModel.search(search); // all of it, however much the field takes
 }
 
 void SearchView::takeNote(AppViewModel::Changes what)

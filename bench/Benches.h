@@ -13,6 +13,7 @@ void addFinding(Table& table);
 void addHistory(Table& table);
 void addPage(Table& table);
 void addReading(Table& table);
+void addScreen(Table& table);
 void addStart(Table& table);
 void addStreaming(Table& table);
 

@@ -70,6 +70,7 @@ int main(int argc, char** argv)
     addReading(table);
     addFinding(table);
     addPage(table);
+    addScreen(table);
     benchmark::RunSpecifiedBenchmarks(&table);
     printMachine(std::cout);
     std::cout << "event lines: " << samples.origin.toStdString() << "\n\n";

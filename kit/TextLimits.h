@@ -42,11 +42,12 @@ struct ListLimit {
     qsizetype entries;
     qsizetype letters; ///< of all entries together, each as it is shown
 };
-inline constexpr ListLimit contentsLimit{.entries = 100, .letters = 4096};
+inline constexpr ListLimit contentsLimit{.entries = 100, .letters = 2048};
 inline constexpr ListLimit topicsLimit{.entries = 40, .letters = 2048};
 inline constexpr qsizetype mostRecentSearches = 8;
 
-/// What a field takes.
-inline constexpr int longestInput = 2048;
+// What fields take, in letters
+inline constexpr int longestSearch = 1024;
+inline constexpr int longestKey = 4096;
 
 } // namespace varno

@@ -23,7 +23,7 @@ void makePlain(QLineEdit& field)
     field.setPalette(palette);
     field.setFont(font({.size = 13}));
     field.setFrame(false);
-    field.setMaxLength(longestInput);
+    field.setMaxLength(longestSearch);
     field.setFixedHeight(buttonStyle.frame.height()); // the bar is as high as its buttons
 }
 

@@ -351,6 +351,29 @@ private slots:
         QVERIFY(screen.button(u"Settings"_s)->geometry().right() < 700);
     }
 
+    void onlySoMuchIsShown()
+    {
+        Screen screen;
+        QStringList sections(2000, u"S"_s);
+        sections[0] = QString(5000, u's');
+        screen.writeArticle(article, sections);
+        const QList<TOCEntry*> entries = screen.view.findChildren<TOCEntry*>();
+        QCOMPARE(entries.size(), contentsLimit.entries);
+        QVERIFY(screen.showsText(u"… and 1900 more"_s));
+        QTest::mouseClick(entries.at(0), Qt::LeftButton);
+        QCOMPARE(screen.model->currentPage()->title, sections.at(0));
+
+        const QString topic(5000, u't');
+        screen.answer(u"Text.\nSEE_ALSO_JSON: [\"%1\"%2]"_s.arg(topic, u", \"T\""_s.repeated(99)));
+        const auto links = screen.part<RelatedTopics>().findChildren<PlainButton*>();
+        QCOMPARE(links.size(), topicsLimit.entries);
+        QVERIFY(screen.showsText(u"… and 60 more"_s));
+        links.at(0)->click();
+        QCOMPARE(screen.model->session()->rootQuery, topic);
+        screen.answer({}, Failure{u"It broke.\n"_s.repeated(1000)});
+        QVERIFY(screen.part<ErrorPanel>().findChild<ThemedText*>()->isElided());
+    }
+
     void waysOnAfterAFailure()
     {
         Screen screen;

@@ -2,6 +2,7 @@
 #include "kit/PlainButton.h"
 #include "kit/Rule.h"
 #include "kit/SymbolView.h"
+#include "kit/TextCuts.h"
 #include "kit/ThemedText.h"
 
 #include <QApplication>
@@ -146,6 +147,8 @@ private slots:
         QTest::newRow("wraps") << u"one\r\ntwo\u2028three"_s << Overflow::wrap << 500 << 3 << false;
         QTest::newRow("wraps a word") << word << Overflow::wrap << 250 << 2 << false;
         QTest::newRow("empty") << QString() << Overflow::elide << 0 << 1 << false;
+        QTest::newRow("beyond the limit")
+            << QString(textLimit.letters + 1, u'x') << Overflow::none << 100 << 1 << true;
     }
     void overflow()
     {
@@ -163,6 +166,23 @@ private slots:
 
         const TextBlock block(text, style, label.font(), overflow, width);
         QVERIFY(overflow == Overflow::none || width < 10 || block.size().width() <= width);
+    }
+
+    void shortening_data()
+    {
+        QTest::addColumn<QString>("text");
+        QTest::addColumn<QString>("shown");
+        QTest::newRow("fits") << u"a\r\nb 34567"_s << u"a\r\nb 34567"_s;
+        QTest::newRow("letters") << u"123456789 01"_s << u"123456789…"_s;
+        QTest::newRow("lines") << u"a\r\nb\rc"_s << u"a\r\nb…"_s;
+        QTest::newRow("within a character") << u"123👨‍👩‍👧‍👦"_s << u"123…"_s;
+        QTest::newRow("marks") << u"a"_s + QString(20, QChar(0x301))
+                               << u"a"_s + QString(9, QChar(0x301)) + u"…"_s;
+    }
+    void shortening()
+    {
+        QFETCH(QString, text);
+        QTEST(shortened(text, {.letters = 10, .lines = 2}), "shown");
     }
 
     void elidedTextUsesItsRoom()

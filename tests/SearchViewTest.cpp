@@ -174,6 +174,11 @@ void SearchViewTest::aRecentSearchIsMadeAgain()
     f.model->newSearch();
     QCOMPARE(f.field().text(), QString());
     QCOMPARE(f.rows(), QStringList({u"query 1"_s, u"query 3"_s, u"query 2"_s}));
+
+    const QString topic(longestSearch + 1, u'x');
+    f.searched({topic});
+    shownButton(f.view, topic)->click();
+    QCOMPARE(f.model->session()->rootQuery, topic);
 }
 
 void SearchViewTest::typingTakesThePlaceOfRecentSearches()

@@ -1,0 +1,89 @@
+#include "bench/Benches.h"
+#include "bench/PageWindow.h"
+#include "kit/Layout.h"
+#include "kit/Theme.h"
+#include "reader/BreadcrumbBar.h"
+#include "reader/EntryHeader.h"
+#include "reader/ErrorPanel.h"
+#include "reader/RelatedTopics.h"
+#include "reader/TOCSidebarView.h"
+
+#include <QUuid>
+
+namespace varno::bench {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int repetitions = 7;
+constexpr double frame = 16.7e-3;
+constexpr qsizetype longText = 64000;
+constexpr int listLength = 2000;
+
+QStringList entries()
+{
+    QStringList all;
+    for (int number = 1; number <= listLength; ++number)
+        all.append(u"The name of number %1"_s.arg(number));
+    return all;
+}
+
+/// From a part of the screen without a text to its being painted with one, in a width of the panel
+/// and then in another.
+template <typename Part>
+void show(benchmark::State& state, const std::function<void(Part&)>& setText)
+{
+    for ([[maybe_unused]] auto iteration : state) {
+        Part part;
+        QWidget page;
+        page.setLayout(column({}, {part, stretch()}));
+        PageWindow window(page);
+        Blocks blocks;
+        blocks.run([&] {
+            setText(part);
+            page.setMinimumHeight(page.heightForWidth(page.width()));
+            window.paint();
+        });
+        blocks.run([&] {
+            page.resize(page.width() - 40, page.height());
+            window.paint();
+        });
+        state.SetIterationTime(blocks.total());
+        state.counters["longest"] = blocks.longest();
+        if (part.height() < 10)
+            state.SkipWithError("the text is not there");
+    }
+}
+
+template <typename Part>
+void add(Table& table, const std::string& name, std::function<void(Part&)> setText)
+{
+    const std::string benchmark = "screen/" + name;
+    benchmark::RegisterBenchmark(
+        benchmark.c_str(), [setText = std::move(setText)](auto& state) { show(state, setText); })
+        ->UseManualTime()
+        ->Iterations(2)
+        ->Repetitions(repetitions);
+    table.add({.name = "main thread: longest block, " + name,
+               .ours = benchmark + ":longest",
+               .longest = frame});
+}
+
+} // namespace
+
+void addScreen(Table& table)
+{
+    const QString word(longText, u'x');
+    add<EntryHeader>(table, "a title of 64 KB", [=](EntryHeader& part) { part.setTitle(word); });
+    add<BreadcrumbBar>(table, "a crumb of 64 KB", [=](BreadcrumbBar& part) {
+        part.setCrumbs({{QUuid(), word}, {QUuid(), word}});
+    });
+    add<TOCSidebarView>(table, "2000 contents",
+                        [all = entries()](TOCSidebarView& part) { part.setSections(all); });
+    add<RelatedTopics>(table, "2000 topics",
+                       [all = entries()](RelatedTopics& part) { part.setTopics(all); });
+    add<ErrorPanel>(table, "an error text of 64 KB",
+                    [=](ErrorPanel& part) { part.setMessage(word); });
+}
+
+} // namespace varno::bench
