@@ -1,5 +1,7 @@
 #include "reader/DocumentWriter.h"
 
+#include "kit/TextCuts.h"
+
 #include <QTextFrame>
 
 #include <algorithm>
