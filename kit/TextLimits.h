@@ -29,8 +29,8 @@ struct TextLimit {
 };
 /// Where nothing else is said.
 inline constexpr TextLimit textLimit{.letters = 1024, .lines = 16};
-inline constexpr TextLimit titleLimit{.letters = 320, .lines = 4};
-inline constexpr TextLimit contentsEntryLimit{.letters = 192, .lines = 4};
+inline constexpr TextLimit titleLimit{.letters = 240, .lines = 4};
+inline constexpr TextLimit contentsEntryLimit{.letters = 128, .lines = 4};
 /// A crumb, a topic, a recent search.
 inline constexpr TextLimit lineLimit{.letters = 256};
 inline constexpr TextLimit messageLimit{.letters = 1024, .lines = 16};
