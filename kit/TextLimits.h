@@ -24,7 +24,7 @@ inline constexpr RowLimit toolTipRow{.cost = unlimited, .wordCost = unlimited, .
 
 /// How much of a text is shown before "…".
 struct TextLimit {
-    qsizetype letters;
+    qsizetype letters = std::numeric_limits<qsizetype>::max();
     qsizetype lines = letters; ///< that its own breaks make, where it keeps them
 };
 /// Where nothing else is said.

@@ -2,6 +2,9 @@
 #include "reader/TOCEntry.h"
 #include "tests/EntryScreen.h"
 
+#include <QHelpEvent>
+#include <QToolTip>
+
 using namespace varno;
 using namespace Qt::StringLiterals;
 
@@ -360,6 +363,9 @@ private slots:
         const QList<TOCEntry*> entries = screen.view.findChildren<TOCEntry*>();
         QCOMPARE(entries.size(), contentsLimit.entries);
         QVERIFY(screen.showsText(u"… and 1900 more"_s));
+        QHelpEvent toolTip(QEvent::ToolTip, {}, {});
+        QApplication::sendEvent(entries.at(0), &toolTip);
+        QCOMPARE(QToolTip::text(), plainToolTip(sections.at(0)));
         QTest::mouseClick(entries.at(0), Qt::LeftButton);
         QCOMPARE(screen.model->currentPage()->title, sections.at(0));
 
