@@ -2,6 +2,10 @@
 
 #include "kit/FieldFrame.h"
 
+#include <QClipboard>
+#include <QGuiApplication>
+#include <QMouseEvent>
+
 namespace varno {
 namespace {
 
@@ -58,6 +62,24 @@ void KeyField::focusOutEvent(QFocusEvent* event)
 {
     QLineEdit::focusOutEvent(event);
     update();
+}
+
+/// The toolkit hands what keys have selected to every program that asks. It is taken back before
+/// the event loop could have answered one.
+void KeyField::keyPressEvent(QKeyEvent* event)
+{
+    QLineEdit::keyPressEvent(event);
+    QClipboard& clipboard = *QGuiApplication::clipboard();
+    if (hasSelectedText() && clipboard.ownsSelection() &&
+        clipboard.text(QClipboard::Selection) == selectedText())
+        clipboard.clear(QClipboard::Selection);
+}
+
+/// Without what the toolkit does here: the same with what the mouse has selected.
+void KeyField::mouseReleaseEvent(QMouseEvent* event)
+{
+    if (event->button() != Qt::LeftButton)
+        QLineEdit::mouseReleaseEvent(event);
 }
 
 void KeyField::paintEvent(QPaintEvent* event)

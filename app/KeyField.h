@@ -7,7 +7,8 @@
 namespace varno {
 
 /// A field for a secret, masked until it is revealed, with the button that does so over its end.
-/// Nothing that was in it can be brought back by undoing once it is `forget`ed.
+/// Nothing that was in it can be brought back by undoing once it is `forget`ed, and what is
+/// selected goes to the clipboard only when it is copied.
 class KeyField final : public QLineEdit {
     Q_OBJECT
 
@@ -26,6 +27,8 @@ signals:
 protected:
     void focusInEvent(QFocusEvent* event) override;
     void focusOutEvent(QFocusEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 

@@ -2,8 +2,8 @@
 
 #include "app/ApplicationService.h"
 #include "app/AtExit.h"
-#include "platform/CoreDumps.h"
 #include "platform/Platform.h"
+#include "platform/ProcessSecrets.h"
 #include "platform/TerminationSignals.h"
 #include "platform/WindowPlacement.h"
 #include "providers/ClaudeService.h"
@@ -80,9 +80,7 @@ int VarnoApp::run(int argc, char** argv)
 
 int VarnoApp::run(int argc, char** argv, const Launch& launch)
 {
-#ifdef NDEBUG
-    disableCoreDumps(); // they would hold the keys that were in use
-#endif
+    keepSecrets();
     if (!chooseDisplay())
         return fail(u"Varno needs a display, and there is none that it can reach."_s);
     QApplication application(argc, argv);

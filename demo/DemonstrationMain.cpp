@@ -1,6 +1,7 @@
 #include "demo/Demonstration.h"
 #include "demo/DemonstrationSetting.h"
 #include "demo/Invocation.h"
+#include "platform/ProcessSecrets.h"
 #include "platform/TerminationSignals.h"
 
 #include <QCoreApplication>
@@ -44,6 +45,7 @@ int run(const QCoreApplication& application)
 
 int main(int argc, char** argv)
 {
+    varno::keepSecrets();
     const QCoreApplication application(argc, argv);
     return varno::run(application);
 }

@@ -5,6 +5,7 @@
 #include "demo/EntryTour.h"
 #include "demo/Invocation.h"
 #include "demo/ScreenTour.h"
+#include "platform/ProcessSecrets.h"
 #include "platform/TerminationSignals.h"
 
 #include <QApplication>
@@ -49,6 +50,7 @@ int run()
 
 int main(int argc, char** argv)
 {
+    varno::keepSecrets();
     const QApplication application(argc, argv);
     varno::VarnoApp::prepare();
     return varno::run();

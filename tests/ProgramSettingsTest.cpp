@@ -137,6 +137,8 @@ void ProgramSettingsTest::keepsKeysToItself()
     });
     m_program->set("https_proxy", u"http://127.0.0.1:%1"_s.arg(proxy.serverPort()));
     m_program->setPreferences("[General]\naiModel=" + model + "\n");
+    const QString sessionKeys = m_program->home() + u"/session-keys"_s;
+    m_program->set("SSLKEYLOGFILE", sessionKeys);
     QVERIFY(m_program->start());
     openSettings();
     QVERIFY(!m_program->restingPicture().isEmpty());
@@ -150,6 +152,7 @@ void ProgramSettingsTest::keepsKeysToItself()
     QVERIFY2(!m_program->console().contains(key.toUtf8()), m_program->console());
     QCOMPARE(m_program->filesWith(key.toUtf8()), QStringList());
     QCOMPARE(m_program->filesWith("searchHistory=opal").size(), 1);
+    QVERIFY(!QFile::exists(sessionKeys));
 }
 
 QTEST_GUILESS_MAIN(ProgramSettingsTest)

@@ -1,5 +1,7 @@
 #include "platform/linux/PortalAnimationSetting.h"
 
+#include "platform/linux/ProcessVisibility.h"
+
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
@@ -8,6 +10,7 @@
 #include <QMap>
 #include <QStringList>
 
+#include <memory>
 #include <utility>
 
 namespace varno {
@@ -53,7 +56,8 @@ void PortalAnimationSetting::ask()
         PortalConnection::service, PortalConnection::path, interface, QStringLiteral("ReadAll"));
     question << QStringList{gnomeSpace, plasmaSpace};
     auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+    const auto seen = std::make_shared<ProcessVisibility>();
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, seen] {
         takeAll(answer->reply());
         answer->deleteLater();
     });

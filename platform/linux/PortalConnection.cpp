@@ -1,5 +1,7 @@
 #include "platform/linux/PortalConnection.h"
 
+#include "platform/linux/ProcessVisibility.h"
+
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -77,7 +79,8 @@ void PortalConnection::introduce()
         QStringLiteral("Register"));
     call << applicationId << QVariantMap();
     auto* answer = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
+    const auto seen = std::make_shared<ProcessVisibility>();
+    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer, seen] {
         // Whatever it says: older portals know no such call.
         answer->deleteLater();
         askForOwner();

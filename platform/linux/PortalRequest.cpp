@@ -1,10 +1,13 @@
 #include "platform/linux/PortalRequest.h"
 
 #include "platform/linux/PortalConnection.h"
+#include "platform/linux/ProcessVisibility.h"
 
 #include <QDBusMessage>
 #include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
+
+#include <memory>
 
 namespace varno {
 namespace {
@@ -52,8 +55,11 @@ void PortalRequest::send(const QString& interface, const QString& method,
         QDBusMessage::createMethodCall(m_owner, PortalConnection::path, interface, method);
     call.setArguments(QVariantList(arguments) << options);
     auto* reply = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
-    connect(reply, &QDBusPendingCallWatcher::finished, this,
-            [this, reply] { takeReply(reply->reply()); });
+    const auto seen = std::make_shared<ProcessVisibility>();
+    connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply, seen] {
+        reply->deleteLater();
+        takeReply(reply->reply());
+    });
 }
 
 void PortalRequest::listenTo(const QString& objectPath)
