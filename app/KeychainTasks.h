@@ -16,7 +16,8 @@ namespace varno {
 /// The user's keys, for screens: asks the key store in the background, where it may take as long as
 /// the user takes to unlock it, and brings the answer to the main thread. Main thread only.
 ///
-/// An answer whose `context` is gone by then, or that comes after this object, is dropped.
+/// An answer whose `context` is gone by then, or that comes after this object, is dropped. Where
+/// there is no thread to be had the answer is that the store cannot be reached.
 class KeychainTasks final : public QObject {
     Q_OBJECT
 
@@ -52,9 +53,10 @@ private:
         std::function<void()> tell;
     };
     struct Changes;
+    class Change;
 
-    template <typename Work, typename Tell>
-    void start(QObject* context, Work work, Tell tell);
+    template <typename Work, typename Tell, typename Result>
+    void start(QObject* context, Work work, Tell tell, const Result& otherwise);
     template <typename Work>
     void change(QObject* context, Work work, OnPresence onPresence);
 

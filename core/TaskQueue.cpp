@@ -2,6 +2,7 @@
 
 #include "platform/Threads.h"
 
+#include <system_error>
 #include <utility>
 
 namespace varno {
@@ -19,13 +20,12 @@ TaskQueue::~TaskQueue()
 
 void TaskQueue::add(std::function<void()> task)
 {
-    {
-        const std::scoped_lock lock(m_mutex);
-        m_tasks.push_back(std::move(task));
-        if (!m_thread.joinable())
-            m_thread = std::thread([this] { run(); });
-    }
-    m_changed.notify_all();
+    std::unique_lock lock(m_mutex);
+    m_tasks.push_back(std::move(task));
+    if (hasThread())
+        m_changed.notify_all();
+    else if (m_tasks.size() == 1) // otherwise somebody is running them already
+        runTasks(lock);
 }
 
 void TaskQueue::waitForDone()
@@ -34,14 +34,30 @@ void TaskQueue::waitForDone()
     m_changed.wait(lock, [this] { return m_tasks.empty(); });
 }
 
+bool TaskQueue::hasThread()
+{
+    try {
+        if (!m_thread.joinable())
+            m_thread = std::thread([this] { run(); });
+    } catch (const std::system_error&) {
+        return false;
+    }
+    return true;
+}
+
 void TaskQueue::run()
 {
     lowerThreadPriority();
     std::unique_lock lock(m_mutex);
-    for (;;) {
+    while (!m_closed || !m_tasks.empty()) {
         m_changed.wait(lock, [this] { return m_closed || !m_tasks.empty(); });
-        if (m_tasks.empty())
-            return;
+        runTasks(lock);
+    }
+}
+
+void TaskQueue::runTasks(std::unique_lock<std::mutex>& lock)
+{
+    while (!m_tasks.empty()) {
         const std::function<void()>& task = m_tasks.front(); // stays put while others are added
         lock.unlock();
         task();

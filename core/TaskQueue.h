@@ -9,7 +9,8 @@
 namespace varno {
 
 /// Runs tasks in the background, one after the other, in the order in which they came. Destroying
-/// the queue finishes them first. Any thread.
+/// the queue finishes them first. Where there is no thread to be had they run on the spot. Any
+/// thread.
 class TaskQueue {
 public:
     TaskQueue() = default;
@@ -23,7 +24,9 @@ public:
     void waitForDone();
 
 private:
+    [[nodiscard]] bool hasThread();
     void run();
+    void runTasks(std::unique_lock<std::mutex>& lock);
 
     std::mutex m_mutex;
     std::condition_variable m_changed;

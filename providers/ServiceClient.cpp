@@ -2,6 +2,7 @@
 
 #include "core/EntryText.h"
 #include "core/Prompts.h"
+#include "platform/Resources.h"
 #include "providers/EntryTagFilter.h"
 #include "providers/JsonArray.h"
 #include "providers/LineSplitter.h"
@@ -22,6 +23,12 @@ constexpr std::size_t longestBody = 16UL * 1024 * 1024;
 Failure networkFailure(const QString& description)
 {
     return {errorDescription(NetworkError{description})};
+}
+
+Failure noResources()
+{
+    return networkFailure(
+        u"There is no room for another request. Please close some programs, then try again."_s);
 }
 
 /// A service's own message may quote what it was sent.
@@ -147,7 +154,7 @@ ServiceClient::ServiceClient(HttpSession& http, const KeychainService& keychain,
 std::unique_ptr<EntryStream> ServiceClient::streamEntry(const ModelRequest& request) const
 {
     auto stream = std::make_unique<EntryStream>();
-    m_tasks.start(
+    const bool started = m_tasks.start(
         [this, request, sink = stream->sink(),
          key = m_keychain.request(m_dialect.keyAccount)](const std::stop_token& stop) mutable {
             StreamReader reader(m_dialect, sink);
@@ -159,6 +166,8 @@ std::unique_ptr<EntryStream> ServiceClient::streamEntry(const ModelRequest& requ
             reader.finish();
             sink.finish(EntryStream::Completed());
         });
+    if (!started)
+        stream->sink().finish(noResources());
     return stream;
 }
 
@@ -170,7 +179,7 @@ std::unique_ptr<TOCRequest> ServiceClient::generateTOC(const QString& topic, con
                                .model = model,
                                .webSearch = webSearch};
     auto toc = std::make_unique<TOCRequest>();
-    m_tasks.start(
+    const bool started = m_tasks.start(
         [this, request, sink = toc->sink(),
          key = m_keychain.request(m_dialect.keyAccount)](const std::stop_token& stop) mutable {
             const Result<QString> reply = callNonStreaming(request, std::move(key), stop);
@@ -179,6 +188,8 @@ std::unique_ptr<TOCRequest> ServiceClient::generateTOC(const QString& topic, con
             else
                 sink.finish(arrayIn(std::get<QString>(reply)).value_or(QStringList()));
         });
+    if (!started)
+        toc->sink().finish(noResources());
     return toc;
 }
 
@@ -204,6 +215,8 @@ std::optional<Failure> ServiceClient::transfer(const ModelRequest& request, Repl
                                                KeychainService::Request keyRequest, Reader& reader,
                                                const std::stop_token& stop) const
 {
+    if (!hasResources())
+        return noResources();
     const std::optional<QString> key = KeychainService::load(std::move(keyRequest), stop);
     if (!key || key->isEmpty())
         return m_dialect.noAPIKey;

@@ -20,8 +20,8 @@ public:
     TaskGroup(const TaskGroup&) = delete;
     TaskGroup& operator=(const TaskGroup&) = delete;
 
-    /// Starts `task` at once. Any thread.
-    void start(Task task);
+    /// Starts `task` at once; false if there is no thread to be had. Any thread.
+    [[nodiscard]] bool start(Task task);
 
 private:
     struct Running {

@@ -1,6 +1,7 @@
 #include "core/EntryText.h"
 #include "core/SessionCodec.h"
 #include "tests/ControllerFixture.h"
+#include "tests/Scarcity.h"
 
 #include <QDir>
 #include <QFile>
@@ -186,6 +187,13 @@ private slots:
         QCOMPARE(fixture.model->currentPage()->content.size(), longestEntryText);
         fixture.model->search(QString(100'000, u'y')); // not kept among the searches
         QCOMPARE(fixture.model->searchHistory(), QStringList({u"rome"_s}));
+    void isSavedAlsoWithoutAThread()
+    {
+        ControllerFixture fixture;
+        const NoThreads none;
+        fixture.write(u"rome"_s);
+        fixture.model->newSearch();
+        QCOMPARE(savedQueries(fixture), QStringList({u"rome"_s}));
     }
 
     void fileIsForTheUserAlone()

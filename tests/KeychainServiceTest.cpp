@@ -1,4 +1,5 @@
 #include "providers/KeychainService.h"
+#include "tests/Scarcity.h"
 
 #include "platform/linux/GLibOwned.h"
 #include "platform/linux/SecretServiceKeyStore.h"
@@ -386,6 +387,19 @@ private slots:
             QCOMPARE(m_keychain.load(m_account), Key());
             m_keychain.remove(m_account);
         }
+    }
+
+    void nothingEndsForWantOfDescriptors()
+    {
+        m_keychain.save(u"key"_s, m_account);
+        for (std::size_t spare = 2; spare < 24; ++spare) {
+            const AllDescriptors taken(spare);
+            const KeyPresence presence = m_keychain.presence(m_account);
+            const Key key = m_keychain.load(m_account);
+            QVERIFY(presence == KeyPresence::present || presence == KeyPresence::unreachable);
+            QVERIFY(!key || *key == u"key"_s);
+        }
+        QCOMPARE(m_keychain.load(m_account), Key(u"key"_s));
     }
 
     void endOfTheKeyRingIsSurvived_data()

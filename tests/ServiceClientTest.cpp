@@ -6,6 +6,7 @@
 #include "providers/GeminiService.h"
 #include "tests/HttpByHand.h"
 #include "tests/Received.h"
+#include "tests/Scarcity.h"
 
 #include <QJsonArray>
 #include <QJsonDocument>
@@ -190,10 +191,32 @@ private slots:
         const ClaudeService claude("https://example.invalid", http, keychain);
         const auto toc = claude.generateTOC(u"x"_s, u"x"_s, false);
         const auto stream = claude.streamEntry({});
+        QSignalSpy tocEnd(toc.get(), &TOCRequest::finished);
         store.user.set_value();
         QVERIFY(receive(stream).error.startsWith(u"No API key found."_s));
-        QVERIFY(std::holds_alternative<Failure>(receive(toc)));
+        QTRY_COMPARE(tocEnd.size(), 1);
         QCOMPARE(store.questions.load(), 1);
+    }
+
+    void requestThatCannotStart_data()
+    {
+        QTest::addColumn<bool>("lacksThreads");
+        QTest::newRow("no thread") << true;
+        QTest::newRow("no descriptor") << false;
+    }
+    void requestThatCannotStart()
+    {
+        QFETCH(bool, lacksThreads);
+        FakeKeyStore store;
+        const KeychainService keychain(store);
+        HttpByHand http;
+        const ClaudeService claude("https://example.invalid", http, keychain);
+        const auto descriptors = lacksThreads ? nullptr : std::make_unique<AllDescriptors>(4);
+        const auto threads = lacksThreads ? std::make_unique<NoThreads>() : nullptr;
+        const QString error = receive(claude.streamEntry({})).error;
+        QVERIFY2(error.startsWith(u"Network error: There is no room"_s), qPrintable(error));
+        QCOMPARE(receive(claude.generateTOC(u"x"_s, u"x"_s, false)),
+                 Result<QStringList>(Failure{error}));
     }
 
     void geminiKeyThatIsNoPartOfAURL_data()

@@ -1,5 +1,6 @@
 #include "app/InAppSettingsView.h"
 #include "tests/ControllerFixture.h"
+#include "tests/Scarcity.h"
 #include "tests/ScreenReading.h"
 #include "tests/TestKeychain.h"
 
@@ -192,6 +193,19 @@ void SettingsViewTest::revealsAndHides()
     QTRY_COMPARE(f.field.text(), u"stored"_s);
     QVERIFY(f.field.isRevealed());
     QVERIFY(!f.shows(storedText));
+    // What is selected stays here, and what others selected comes in by the middle button.
+    QClipboard& clipboard = *QApplication::clipboard();
+    QTest::mouseDClick(&f.field, Qt::LeftButton, {}, QPoint(12, f.field.height() / 2));
+    QCOMPARE(f.field.selectedText(), u"stored"_s);
+    QTest::keyClick(&f.field, Qt::Key_Home, Qt::ShiftModifier);
+    QTest::keyClick(&f.field, Qt::Key_A, Qt::ControlModifier);
+    QCOMPARE(f.field.selectedText(), u"stored"_s);
+    QVERIFY(!clipboard.text(QClipboard::Selection).contains(u"stored"_s));
+    if (clipboard.supportsSelection()) {
+        clipboard.setText(u"from elsewhere"_s, QClipboard::Selection);
+        QTest::mouseClick(&f.field, Qt::MiddleButton);
+        QVERIFY(f.field.text().contains(u"from elsewhere"_s));
+    }
     f.press(u"Hide"_s);
     QCOMPARE(f.field.text(), QString());
     QVERIFY(!f.field.isRevealed());
@@ -266,6 +280,10 @@ void SettingsViewTest::saysWhenThereIsNoKeyStore()
     SettingsFixture with;
     with.show();
     QVERIFY(!shownText(with.view, noStoreText));
+    with.view.hide();
+    const NoThreads none; // to ask it
+    with.view.show();
+    QTRY_VERIFY(shownText(with.view, noStoreText));
 }
 
 void SettingsViewTest::helpNamesTheProvidersPage()

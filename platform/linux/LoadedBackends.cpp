@@ -6,6 +6,7 @@
 
 #include <cstdio>
 #include <filesystem>
+#include <mutex>
 #include <utility>
 
 namespace varno {
@@ -38,21 +39,46 @@ Backend* makeBackend(const char* module, const char* function)
     return nullptr;
 }
 
-// Neither is ever destroyed: while the process exits there may be threads that use them.
-// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): they have no state of their own
+/// A backend from its first use on, as long as the process: while it exits there may be threads
+/// that use it. What could not be loaded is tried again, since it may have been for want of
+/// descriptors.
+template <typename Backend>
+class Loaded {
+public:
+    Loaded(const char* module, const char* function)
+        : m_module(module)
+        , m_function(function)
+    {
+    }
+
+    Backend* get()
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (!m_backend)
+            m_backend = makeBackend<Backend>(m_module, m_function);
+        return m_backend;
+    }
+
+private:
+    const char* m_module;
+    const char* m_function;
+    std::mutex m_mutex;
+    Backend* m_backend = nullptr;
+};
 
 HttpSession* httpSession()
 {
-    static auto* const session = makeBackend<HttpSession>("varno-http.so", "varnoMakeHttpSession");
-    return session;
+    // Never destroyed. NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
+    static auto* const session = new Loaded<HttpSession>("varno-http.so", "varnoMakeHttpSession");
+    return session->get();
 }
 
 KeyStore* keyStore()
 {
-    static auto* const store = makeBackend<KeyStore>("varno-key-ring.so", "varnoMakeKeyStore");
-    return store;
+    // Never destroyed. NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
+    static auto* const store = new Loaded<KeyStore>("varno-key-ring.so", "varnoMakeKeyStore");
+    return store->get();
 }
-// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 } // namespace
 

@@ -1,5 +1,6 @@
 #include "platform/linux/SecretConversation.h"
 
+#include "platform/Resources.h"
 #include "platform/linux/SecretQuestion.h"
 
 #include <utility>
@@ -7,8 +8,11 @@
 namespace varno {
 
 SecretConversation::SecretConversation(std::stop_token stop)
-    : m_cancelOnStop(std::move(stop), [this] { cancel(); })
+    : m_context(hasResources() ? g_main_context_new() : nullptr) // GLib would end the process
+    , m_cancelOnStop(std::move(stop), [this] { cancel(); })
 {
+    if (!m_context)
+        return;
     // The whole process shares one connection, whose end must not be told in a context that has
     // gone by then: GLib would keep the dead connection for ever.
     m_bus.reset(g_bus_get_sync(G_BUS_TYPE_SESSION, m_opening.get(), IgnoredError()));
@@ -23,6 +27,8 @@ SecretConversation::SecretConversation(std::stop_token stop)
 
 SecretConversation::~SecretConversation()
 {
+    if (!m_context)
+        return;
     m_service.reset();
     m_bus.reset();
     while (g_main_context_iteration(m_context.get(), FALSE)) {
@@ -33,6 +39,8 @@ SecretConversation::~SecretConversation()
 /// Any thread. A running call is told in our own, the only one that drives it to its end.
 void SecretConversation::cancel()
 {
+    if (!m_context)
+        return;
     g_cancellable_cancel(m_opening.get());
     g_main_context_invoke_full(
         m_context.get(), G_PRIORITY_DEFAULT,

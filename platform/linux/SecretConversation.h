@@ -15,7 +15,7 @@ public:
     ~SecretConversation();
     Q_DISABLE_COPY_MOVE(SecretConversation)
 
-    /// Nothing if the bus cannot be reached.
+    /// Nothing if the bus cannot be reached, or there are no resources to do so.
     [[nodiscard]] SecretService* service() const { return m_service.get(); }
 
     /// The result of an asynchronous call, which `start` makes with what it is given.
@@ -35,7 +35,7 @@ public:
 private:
     void cancel();
 
-    Owned<GMainContext> m_context{g_main_context_new()};
+    Owned<GMainContext> m_context;
     Owned<GCancellable> m_opening{g_cancellable_new()};
     Owned<GCancellable> m_calling{g_cancellable_new()};
     Owned<GDBusConnection> m_bus;
