@@ -37,6 +37,7 @@ public:
         , m_root(xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root)
     {
         setRepeating(false);
+        fake(XCB_MOTION_NOTIFY, 0, place(m_root).bottomRight()); // where it hovers over nothing
     }
     ~XDesktop() { xcb_disconnect(m_connection); }
     Q_DISABLE_COPY_MOVE(XDesktop)
