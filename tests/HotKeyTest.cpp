@@ -143,7 +143,8 @@ private slots:
                               << true;
         QTest::newRow("14.0") << QOperatingSystemVersion(QOperatingSystemVersion::MacOS, 14, 0)
                               << false;
-        QTest::newRow("this one") << QOperatingSystemVersion::current() << false;
+        QTest::newRow("this one") << QOperatingSystemVersion(QOperatingSystemVersion::current())
+                                  << false;
     }
 
     void keyboardEventsOfOldSystems()

@@ -264,7 +264,8 @@ private slots:
         QTest::newRow("with Shift") << mac(15, 0) << (option | Modifier::shift) << true;
         QTest::newRow("with Command") << mac(15, 0) << (option | Modifier::command) << false;
         QTest::newRow("Shift") << mac(15, 0) << Modifiers(Modifier::shift) << false;
-        QTest::newRow("this one") << QOperatingSystemVersion::current() << option << false;
+        QTest::newRow("this one") << QOperatingSystemVersion(QOperatingSystemVersion::current())
+                                  << option << false;
     }
 
     void optionAlone()
