@@ -52,20 +52,20 @@ UBreakIterator* iteratorUnlessBoundary(QStringView text, qsizetype position)
 constexpr qsizetype costOfPicture = 64; // of each half: its image is decoded every time it is asked
 constexpr qsizetype costOfLargeScript = 4;
 
-/// Characters of scripts that are written without blanks and wrap anywhere, and pictures.
-bool isWordByItself(QChar character)
-{
-    const char16_t unit = character.unicode();
-    return (unit >= 0x2E80 && unit < 0xE000) || (unit >= 0xF900 && unit < 0xFB00) ||
-           (unit >= 0xFF00 && unit < 0xFFF0);
-}
-
 /// Whether a unit of UTF-16 may belong to an emoji that has an image of its own.
 bool isPartOfPicture(QChar unit)
 {
     constexpr char16_t pictureSelector = 0xFE0F;
     return unit.isSurrogate() || unit == pictureSelector ||
            u_hasBinaryProperty(unit.unicode(), UCHAR_EMOJI_PRESENTATION) != 0;
+}
+
+/// Characters of scripts that are written without blanks and wrap anywhere, and pictures.
+bool isWordByItself(QChar character)
+{
+    const char16_t unit = character.unicode();
+    return (unit >= 0x2E80 && unit < 0xE000) || (unit >= 0xF900 && unit < 0xFB00) ||
+           (unit >= 0xFF00 && unit < 0xFFF0) || (unit >= 0x900 && isPartOfPicture(character));
 }
 
 qsizetype layoutCost(QChar character)
@@ -121,27 +121,22 @@ qsizetype layoutCost(QStringView text)
 
 qsizetype rowLength(QStringView line, const RowLimit& limit)
 {
-    if (line.size() <= std::min(limit.cost / costOfPicture, limit.wordLetters))
+    if (line.size() <= std::min(limit.cost / costOfPicture, limit.word))
         return line.size();
     qsizetype wordBegin = 0;
-    qsizetype wordCost = 0;
-    qsizetype rowCost = 0;
+    qsizetype cost = 0;
     for (qsizetype position = 0; position < line.size() - 1; ++position) {
         const QChar character = line[position];
         const bool isWord = isWordByItself(character);
-        if (character.isSpace() && rowCost >= limit.cost)
+        if (cost >= limit.cost && character.isSpace())
             return position;
-        if (isWord && rowCost >= limit.cost)
+        if (cost >= limit.cost && isWord)
             return cutWithinWord(line, 0, position);
-        if (character.isSpace() || isWord) {
+        if (character.isSpace() || isWord)
             wordBegin = position + 1;
-            wordCost = 0;
-        } else if (wordCost >= limit.wordCost || position - wordBegin >= limit.wordLetters) {
+        else if (position - wordBegin >= limit.word)
             return cutWithinWord(line, wordBegin, position);
-        } else {
-            wordCost += layoutCost(character);
-        }
-        rowCost += layoutCost(character);
+        cost += layoutCost(character);
     }
     return line.size();
 }

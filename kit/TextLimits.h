@@ -13,14 +13,12 @@ namespace varno {
 
 /// Where a line is cut, to go on in another row.
 struct RowLimit {
-    qsizetype cost;     ///< layout cost of the row, which ends at the next blank then
-    qsizetype wordCost; ///< of a word
-    qsizetype wordLetters;
+    qsizetype cost; ///< layout cost of the row, which ends at the next blank then
+    qsizetype word; ///< letters of a word
 };
-inline constexpr qsizetype unlimited = std::numeric_limits<qsizetype>::max();
-inline constexpr RowLimit pageRow{.cost = 8192, .wordCost = 1024, .wordLetters = unlimited};
+inline constexpr RowLimit pageRow{.cost = 8192, .word = 1024};
 /// Tool tips wrap between words only.
-inline constexpr RowLimit toolTipRow{.cost = unlimited, .wordCost = unlimited, .wordLetters = 48};
+inline constexpr RowLimit toolTipRow{.cost = std::numeric_limits<qsizetype>::max(), .word = 48};
 
 /// How much of a text is shown before "…".
 struct TextLimit {
