@@ -131,6 +131,7 @@ void MarkdownContentViewTest::streamsWhatIsBuiltAtOnce_data()
         << u"1234\r5678. x\n9.\u2029999999999999999. y\n1234. z\n123456. z\n1. z"_s;
     QTest::newRow("headings in a row") << u"# A\n## B\n\n### C\n# D\nE\n# F"_s;
     QTest::newRow("scripts") << u"שלום **עולם**\n\n- مرحبا\n\n👩‍👧 é"_s;
+    QTest::newRow("pictures") << u"\u2764\uFE0F"_s.repeated(70) + u"\U0001F600"_s.repeated(40);
     QTest::newRow("long word") << u"3"_s.repeated(4090) + u"**bold** and more. Then\n- b"_s;
 }
 
