@@ -1,5 +1,6 @@
 #include "app/SearchBox.h"
 
+#include "kit/InputLimit.h"
 #include "kit/Layout.h"
 
 #include <QEvent>
@@ -42,6 +43,7 @@ SearchBox::SearchBox(QWidget* parent)
 
     m_field.setFrame(false);
     m_field.setMaxLength(longestSearch);
+    m_field.setValidator(new InputLimit(costliestSearch, &m_field));
     m_field.setPlaceholderText(tr("Search anything…"));
     m_field.setAccessibleName(tr("Search"));
     m_field.installEventFilter(this);

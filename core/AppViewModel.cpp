@@ -11,9 +11,9 @@ namespace {
 
 constexpr qsizetype mostSearches = 15;
 
-/// What the search field takes. Only a model's topic is longer; all searches together are far
-/// smaller than a preferences file may be.
-constexpr qsizetype longestSearch = 32767;
+/// Far more than the search field takes; only a model's topic may be longer. All searches together
+/// are smaller than a preferences file may be.
+constexpr qsizetype longestRecordedSearch = 32767;
 constexpr int daysKept = 30;
 
 ReferenceSeconds toReferenceSeconds(const QDateTime& date)
@@ -186,7 +186,7 @@ void AppViewModel::discardUnfinishedWriting()
 
 void AppViewModel::recordSearch(const QString& query)
 {
-    if (query.size() > longestSearch)
+    if (query.size() > longestRecordedSearch)
         return;
     QStringList searches = storedSearches();
     searches.removeIf(

@@ -119,6 +119,16 @@ qsizetype layoutCost(QStringView text)
         [](qsizetype sum, QChar character) { return sum + layoutCost(character); });
 }
 
+qsizetype lengthWithin(QStringView text, qsizetype cost)
+{
+    for (qsizetype position = 0; position < text.size(); ++position) {
+        cost -= layoutCost(text[position]);
+        if (cost < 0)
+            return cutWithinWord(text, 0, position);
+    }
+    return text.size();
+}
+
 qsizetype rowLength(QStringView line, const RowLimit& limit)
 {
     if (line.size() <= std::min(limit.cost / costOfPicture, limit.word))

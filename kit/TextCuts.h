@@ -17,6 +17,9 @@ namespace varno {
 /// How long a text takes to be laid out, as a number of Latin letters that take as long.
 [[nodiscard]] qsizetype layoutCost(QStringView text);
 
+/// How much of a text may be laid out at that cost, in whole characters.
+[[nodiscard]] qsizetype lengthWithin(QStringView text, qsizetype cost);
+
 /// How much of a line goes into its first row. That depends on what precedes the cut alone.
 [[nodiscard]] qsizetype rowLength(QStringView line, const RowLimit& limit);
 

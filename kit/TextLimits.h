@@ -44,8 +44,10 @@ inline constexpr ListLimit contentsLimit{.entries = 100, .letters = 2048};
 inline constexpr ListLimit topicsLimit{.entries = 40, .letters = 2048};
 inline constexpr qsizetype mostRecentSearches = 8;
 
-// What fields take, in letters
-inline constexpr int longestSearch = 1024;
+// What fields take, in letters, and what its layout may cost: they lay it out as one row, at every
+// letter that is typed.
+inline constexpr int longestSearch = 8192;
+inline constexpr qsizetype costliestSearch = 64LL * 1024;
 inline constexpr int longestKey = 4096;
 
 } // namespace varno

@@ -1,5 +1,6 @@
 #include "reader/FindBar.h"
 
+#include "kit/InputLimit.h"
 #include "kit/Layout.h"
 
 namespace varno {
@@ -24,6 +25,7 @@ void makePlain(QLineEdit& field)
     field.setFont(font({.size = 13}));
     field.setFrame(false);
     field.setMaxLength(longestSearch);
+    field.setValidator(new InputLimit(costliestSearch, &field));
     field.setFixedHeight(buttonStyle.frame.height()); // the bar is as high as its buttons
 }
 

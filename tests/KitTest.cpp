@@ -1,3 +1,4 @@
+#include "kit/InputLimit.h"
 #include "kit/Layout.h"
 #include "kit/PlainButton.h"
 #include "kit/Rule.h"
@@ -8,6 +9,7 @@
 #include <QApplication>
 #include <QHelpEvent>
 #include <QImage>
+#include <QLineEdit>
 #include <QPainter>
 #include <QSignalSpy>
 #include <QTest>
@@ -183,6 +185,16 @@ private slots:
     {
         QFETCH(QString, text);
         QTEST(shortened(text, {.letters = 10, .lines = 2}), "shown");
+    }
+
+    void fieldTakesWhatItCanLayOut()
+    {
+        QLineEdit field;
+        field.setValidator(new InputLimit(1024, &field));
+        field.setText(QString(2000, u'x'));
+        QCOMPARE(field.text().size(), 1024);
+        field.setText(u"👨‍👩‍👧‍👦"_s.repeated(3));
+        QCOMPARE(field.text(), u"👨‍👩‍👧‍👦"_s);
     }
 
     void elidedTextUsesItsRoom()
