@@ -133,6 +133,7 @@ void AppViewModel::clearHistory()
 {
     set(m_preferences.searchHistory, QStringList(), Change::searchHistory);
     m_dependencies.preferences.setStringArray(preferenceKey::searchHistory, {});
+    m_dependencies.preferences.removeLeftovers();
     m_dependencies.history.clear();
     m_sessionAtClearing = m_session ? m_session->id : QUuid();
     publish();

@@ -31,6 +31,9 @@ public:
     /// Takes in what other programs have set, as setting does too. Next to nothing when that is
     /// nothing.
     virtual void refresh() = 0;
+
+    /// Removes earlier states of the store that were set aside or left unfinished.
+    virtual void removeLeftovers() = 0;
 };
 
 } // namespace varno

@@ -187,6 +187,8 @@ private slots:
         QCOMPARE(fixture.model->currentPage()->content.size(), longestEntryText);
         fixture.model->search(QString(100'000, u'y')); // not kept among the searches
         QCOMPARE(fixture.model->searchHistory(), QStringList({u"rome"_s}));
+    }
+
     void isSavedAlsoWithoutAThread()
     {
         ControllerFixture fixture;

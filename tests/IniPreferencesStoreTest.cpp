@@ -180,6 +180,8 @@ private slots:
         QCOMPARE(contents(target), "a=target");
         struct stat status = {};
         QCOMPARE(::lstat((name + ".damaged-1").constData(), &status), 0);
+        store.removeLeftovers(); // but for folders
+        QCOMPARE(::lstat((name + ".damaged-1").constData(), &status), kind == 2 ? 0 : -1);
     }
 
     void programsOnOneFileKeepWhatEachSets()

@@ -33,6 +33,7 @@ public:
     }
     void remove(const QString& key) override { values.remove(key); }
     void refresh() override {}
+    void removeLeftovers() override {}
 
 private:
     template <typename Value>

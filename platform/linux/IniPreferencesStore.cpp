@@ -12,6 +12,13 @@ namespace varno {
 using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
+namespace {
+
+/// For another program that writes the file; the main thread waits.
+constexpr auto lockPatience = 100ms;
+
+} // namespace
+
 IniPreferencesStore::IniPreferencesStore(const QString& path)
     : m_path(path)
     , m_folder(QFileInfo(path).absolutePath())
@@ -82,6 +89,13 @@ void IniPreferencesStore::refresh()
         read();
 }
 
+void IniPreferencesStore::removeLeftovers()
+{
+    const FolderLock lock(m_folder, lockPatience);
+    removeFilesSetAside(m_path);
+    removeUnfinishedFiles(m_path);
+}
+
 IniPreferencesStore::Value IniPreferencesStore::value(const QString& key) const
 {
     const auto unwritten = m_unwritten.constFind(key.toLatin1());
@@ -92,7 +106,7 @@ void IniPreferencesStore::change(const QString& key, const Value& value)
 {
     m_unwritten.insert(key.toLatin1(), value);
     createPrivateDirectory(m_folder);
-    const FolderLock lock(m_folder, 100ms);
+    const FolderLock lock(m_folder, lockPatience);
     refresh();
     write();
 }

@@ -29,6 +29,7 @@ public:
     void setStringArray(const QString& key, const QStringList& value) override;
     void remove(const QString& key) override;
     void refresh() override;
+    void removeLeftovers() override;
 
 private:
     using Value = std::optional<QByteArray>; ///< as the file has it
