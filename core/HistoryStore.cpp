@@ -142,14 +142,12 @@ bool HistoryStore::takeIn()
     m_stamp = stamp;
     const auto file = readFile(m_path, largestHistory);
     const auto* bytes = std::get_if<QByteArray>(&file);
-    const bool absent = !bytes && std::get<FileError>(file) == FileError::absent;
-    auto decoded = bytes ? decodeSessions(*bytes) : std::nullopt;
-    m_damaged = !absent && (!decoded || decoded->refused > 0);
-    if (absent)
-        decoded.emplace();
-    if (!decoded)
+    const bool isAbsent = !bytes && std::get<FileError>(file) == FileError::absent;
+    const auto decoded = bytes ? decodeSessions(*bytes) : std::nullopt;
+    m_damaged = !isAbsent && (!decoded || decoded->refused > 0);
+    if (!isAbsent && !decoded)
         return false; // what is in memory is all that there is
-    m_saved = SessionHistory(std::move(decoded->sessions));
+    m_saved = SessionHistory(decoded ? decoded->sessions : QList<Session>());
     m_saved.removeOlderThan(m_oldestKept);
     m_saved.put(m_unwritten);
     return true;
