@@ -168,6 +168,7 @@ private slots:
         QCoreApplication::sendPostedEvents();
         other.model->search(u"syracuse"_s);
         QVERIFY(!other.model->isStreaming()); // taken in when the panel was shown
+        other.history->waitForDone();
         fixture.model->clearHistory();
         fixture.history->waitForDone();
         other.write(u"athens"_s);
