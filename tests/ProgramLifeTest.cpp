@@ -19,8 +19,8 @@ Session writtenSession(const QString& query)
     session.id = QUuid::createUuid();
     session.rootQuery = query;
     session.push(root);
-    session.createdAt = static_cast<double>(
-        QDateTime(QDate(2001, 1, 1), QTime(0, 0), Qt::UTC).secsTo(QDateTime::currentDateTime()));
+    constexpr qint64 referenceEpoch = 978307200; // 2001-01-01 in seconds since 1970
+    session.createdAt = static_cast<double>(QDateTime::currentSecsSinceEpoch() - referenceEpoch);
     return session;
 }
 
