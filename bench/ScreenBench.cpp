@@ -86,7 +86,7 @@ void addScreen(Table& table)
     add<RelatedTopics>(table, "2000 topics",
                        [all = entries()](RelatedTopics& part) { part.setTopics(all); });
     add<ErrorPanel>(table, "an error text of 64 KB",
-                    [=](ErrorPanel& part) { part.setMessage(word); });
+                    [=](ErrorPanel& part) { part.showFailure(word); });
 }
 
 } // namespace varno::bench
