@@ -10,6 +10,7 @@
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
 #include <QDBusVirtualObject>
+#include <QDir>
 #include <QFile>
 #include <QProcess>
 #include <QStandardPaths>
@@ -78,17 +79,18 @@ class Frontend {
 public:
     Frontend(const Bus& bus, bool hasShortcuts)
     {
-        QFile desktop(m_folder.filePath(u"standin.portal"_s));
-        if (!desktop.open(QIODevice::WriteOnly))
-            return;
         const QString interface = hasShortcuts ? u"GlobalShortcuts"_s : u"Wallpaper"_s;
-        desktop.write(u"[portal]\nDBusName=%1\nUseIn=standin\nInterfaces=org.freedesktop.impl."
-                      "portal.%2\n"_s.arg(backendName, interface)
-                          .toUtf8());
+        write(u"standin.portal"_s,
+              u"[portal]\nDBusName=%1\nUseIn=standin\nInterfaces=org.freedesktop.impl.portal.%2\n"_s
+                  .arg(backendName, interface));
+        // Later portals know no program but those that are installed.
+        write(u"applications/com.kelbrin.varno.desktop"_s,
+              u"[Desktop Entry]\nType=Application\nName=Varno\nExec=true\n"_s);
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, bus.address);
         environment.insert(u"XDG_DESKTOP_PORTAL_DIR"_s, m_folder.path());
         environment.insert(u"XDG_RUNTIME_DIR"_s, m_folder.path());
+        environment.insert(u"XDG_DATA_HOME"_s, m_folder.path());
         environment.insert(u"XDG_CURRENT_DESKTOP"_s, u"standin"_s);
         m_process.setProcessEnvironment(environment);
         m_process.setStandardErrorFile(QProcess::nullDevice());
@@ -111,6 +113,13 @@ public:
     }
 
 private:
+    void write(const QString& name, const QString& text) const
+    {
+        QFile file(m_folder.filePath(name));
+        QVERIFY(QDir().mkpath(QFileInfo(file).path()) && file.open(QIODevice::WriteOnly));
+        file.write(text.toUtf8());
+    }
+
     QTemporaryDir m_folder;
     QProcess m_process;
 };
