@@ -6,9 +6,9 @@
 
 namespace varno {
 
-/// The most UTF-16 units that a page keeps of an answer: fifty times what the largest request asks
-/// for. What comes beyond them is a fault, and would make the history too large to be read.
-inline constexpr qsizetype longestEntryText = 1024LL * 1024;
+/// The most UTF-16 units that a page keeps of an answer: a hundred times what the largest request
+/// asks for. What comes beyond them is a fault, and would make the history too large to be read.
+inline constexpr qsizetype longestEntryText = 2LL * 1024 * 1024;
 
 // How a model's answer, without its opening "<entry>", is read.
 
