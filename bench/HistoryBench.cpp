@@ -9,7 +9,11 @@ namespace {
 
 const QByteArray& sampleBytes()
 {
-    static const QByteArray bytes = encodeSessions(historySample());
+    static const QByteArray bytes = [] {
+        QByteArray encoded = encodeSessions(historySample());
+        encoded.reserve(encoded.size() + 64); // as it comes out of readFile
+        return encoded;
+    }();
     return bytes;
 }
 

@@ -44,9 +44,7 @@ std::string withReadableNumbers(std::string_view text)
     return readable;
 }
 
-} // namespace
-
-std::optional<Value> parse(Parser& parser, QByteArrayView bytes)
+std::optional<Value> parse(Parser& parser, QByteArrayView bytes, bool isRoomy)
 {
     std::string_view text(bytes.data(), static_cast<std::size_t>(bytes.size()));
     if (text.starts_with(byteOrderMark))
@@ -54,13 +52,28 @@ std::optional<Value> parse(Parser& parser, QByteArrayView bytes)
     if (text.empty())
         return std::nullopt;
     Value value;
-    auto error = parser.parse(text.data(), text.size()).get(value);
+    auto error = parser.parse(text.data(), text.size(), !isRoomy).get(value);
     if (error != simdjson::SUCCESS) {
         const std::string readable = withReadableNumbers(text);
         if (readable != text)
             error = parser.parse(readable).get(value);
     }
     return error == simdjson::SUCCESS ? std::optional(value) : std::nullopt;
+}
+
+} // namespace
+
+std::optional<Value> parse(Parser& parser, QByteArrayView bytes)
+{
+    return parse(parser, bytes, false);
+}
+
+std::optional<Value> parse(Parser& parser, const QByteArray& bytes)
+{
+    QByteArray shared = bytes;
+    // Not what its capacity tells: that counts room in front, which a removal leaves.
+    const qsizetype room = shared.data_ptr().freeSpaceAtEnd();
+    return parse(parser, bytes, room >= qsizetype{simdjson::SIMDJSON_PADDING});
 }
 
 } // namespace varno::json

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
 #include <QStringList>
@@ -33,6 +34,9 @@ inline QString toQString(std::string_view utf8)
 /// Nothing unless `bytes` are one whole valid JSON value, with or without a byte-order mark; good
 /// until `parser` reads the next one. A number is not refused for its size.
 std::optional<Value> parse(Parser& parser, QByteArrayView bytes);
+
+/// The same without a copy of `bytes`, if they have room to spare behind their end.
+std::optional<Value> parse(Parser& parser, const QByteArray& bytes);
 
 /// `value` as an Object, Array, std::string_view or number.
 template <typename Type>

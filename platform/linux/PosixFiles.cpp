@@ -136,7 +136,7 @@ std::variant<QByteArray, FileError> readFile(const QString& path, qint64 limit)
         return FileError::unreadable;
 
     // The length is but a hint: some files of the system have none, and others may grow meanwhile.
-    constexpr qsizetype spare = 64; // shows the end
+    constexpr qsizetype spare = 64; // shows the end, and lets parsers look ahead without a copy
     QByteArray bytes(status.st_size + spare, Qt::Uninitialized);
     qsizetype done = 0;
     for (;;) {
