@@ -55,7 +55,7 @@ protected:
 
 private:
     struct Report {
-        int changes; ///< that were asked for before it
+        int changes = 0; ///< that were asked for before it
         SessionHistory saved;
     };
 
