@@ -11,7 +11,7 @@
 namespace varno {
 namespace {
 
-using std::chrono_literals::operator""ms;
+using namespace std::chrono_literals;
 
 /// Until a program that starts has its icon in place.
 constexpr auto startingTime = 300ms;

@@ -1,6 +1,7 @@
 #include "core/SessionHistory.h"
 
 #include <algorithm>
+#include <ranges>
 #include <utility>
 
 namespace varno {
@@ -38,8 +39,8 @@ void SessionHistory::put(const Session& session)
 
 void SessionHistory::put(const SessionHistory& newer)
 {
-    for (auto session = newer.m_sessions.crbegin(); session != newer.m_sessions.crend(); ++session)
-        put(*session);
+    for (const Session& session : std::ranges::reverse_view(newer.m_sessions))
+        put(session);
 }
 
 void SessionHistory::removeOlderThan(ReferenceSeconds date)
