@@ -1,8 +1,8 @@
 #include "bench/Benches.h"
 #include "bench/PageSamples.h"
 #include "bench/PageWindow.h"
-#include "reader/FindMatches.h"
-#include "reader/MarkdownContentView.h"
+#include "reader/text/FindMatches.h"
+#include "reader/text/MarkdownContentView.h"
 
 #include <QTextCursor>
 

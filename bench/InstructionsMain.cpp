@@ -1,7 +1,7 @@
 #include "bench/PageSamples.h"
 #include "bench/PageWindow.h"
 #include "bench/PlainView.h"
-#include "reader/MarkdownContentView.h"
+#include "reader/text/MarkdownContentView.h"
 
 #include <QApplication>
 

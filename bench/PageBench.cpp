@@ -2,7 +2,7 @@
 #include "bench/PageSamples.h"
 #include "bench/PageWindow.h"
 #include "kit/Theme.h"
-#include "reader/MarkdownContentView.h"
+#include "reader/text/MarkdownContentView.h"
 
 namespace varno::bench {
 namespace {

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/TextSurface.h"
+#include "reader/text/TextSurface.h"
 
 #include <QTextCursor>
 

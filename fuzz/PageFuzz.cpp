@@ -1,7 +1,7 @@
 #include "fuzz/Check.h"
-#include "reader/DocumentWriter.h"
-#include "reader/FindMatches.h"
-#include "reader/Highlights.h"
+#include "reader/text/DocumentWriter.h"
+#include "reader/text/FindMatches.h"
+#include "reader/text/Highlights.h"
 
 #include <QGuiApplication>
 #include <QStringList>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/FindMatches.h"
+#include "reader/text/FindMatches.h"
 
 #include <QObject>
 

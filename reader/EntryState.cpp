@@ -1,7 +1,7 @@
 #include "reader/EntryState.h"
 
-#include "reader/InlineMarkdown.h"
-#include "reader/RowReader.h"
+#include "reader/text/InlineMarkdown.h"
+#include "reader/text/RowReader.h"
 
 namespace varno {
 

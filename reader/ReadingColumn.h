@@ -6,10 +6,10 @@
 #include "reader/EntryHeader.h"
 #include "reader/ErrorPanel.h"
 #include "reader/FullEntryButton.h"
-#include "reader/MarkdownContentView.h"
 #include "reader/PulsingStatusText.h"
 #include "reader/RelatedTopics.h"
 #include "reader/SelectionScroller.h"
+#include "reader/text/MarkdownContentView.h"
 
 #include <optional>
 

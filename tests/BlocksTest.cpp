@@ -1,7 +1,7 @@
-#include "reader/Blocks.h"
+#include "reader/text/Blocks.h"
 
-#include "reader/Highlights.h"
-#include "reader/RowReader.h"
+#include "reader/text/Highlights.h"
+#include "reader/text/RowReader.h"
 
 #include <QTest>
 

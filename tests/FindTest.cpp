@@ -1,4 +1,4 @@
-#include "reader/FindMatches.h"
+#include "reader/text/FindMatches.h"
 #include "tests/EntryScreen.h"
 
 #include <QRandomGenerator>

@@ -1,4 +1,4 @@
-#include "reader/InlineMarkdown.h"
+#include "reader/text/InlineMarkdown.h"
 
 #include <QFile>
 #include <QJsonArray>

@@ -1,4 +1,4 @@
-#include "reader/MarkdownContentView.h"
+#include "reader/text/MarkdownContentView.h"
 
 #include "kit/Theme.h"
 

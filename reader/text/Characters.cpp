@@ -1,4 +1,4 @@
-#include "reader/Characters.h"
+#include "reader/text/Characters.h"
 
 #include <unicode/uchar.h>
 

@@ -1,4 +1,4 @@
-#include "reader/RowFormat.h"
+#include "reader/text/RowFormat.h"
 
 #include "kit/TextStyle.h"
 

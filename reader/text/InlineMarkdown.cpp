@@ -1,7 +1,7 @@
-#include "reader/InlineMarkdown.h"
+#include "reader/text/InlineMarkdown.h"
 
-#include "reader/BlockMark.h"
-#include "reader/Characters.h"
+#include "reader/text/BlockMark.h"
+#include "reader/text/Characters.h"
 
 #include <QVarLengthArray>
 

@@ -1,4 +1,4 @@
-#include "reader/DocumentWriter.h"
+#include "reader/text/DocumentWriter.h"
 
 #include "kit/TextCuts.h"
 

@@ -1,6 +1,6 @@
-#include "reader/Blocks.h"
+#include "reader/text/Blocks.h"
 
-#include "reader/Characters.h"
+#include "reader/text/Characters.h"
 
 #include <algorithm>
 

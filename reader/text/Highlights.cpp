@@ -1,4 +1,4 @@
-#include "reader/Highlights.h"
+#include "reader/text/Highlights.h"
 
 #include "kit/TextCuts.h"
 

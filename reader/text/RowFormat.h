@@ -1,7 +1,7 @@
 #pragma once
 
-#include "reader/InlineMarkdown.h"
-#include "reader/RowReader.h"
+#include "reader/text/InlineMarkdown.h"
+#include "reader/text/RowReader.h"
 
 #include <QColor>
 #include <QHash>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/Blocks.h"
+#include "reader/text/Blocks.h"
 
 namespace varno {
 

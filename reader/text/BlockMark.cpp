@@ -1,6 +1,6 @@
-#include "reader/BlockMark.h"
+#include "reader/text/BlockMark.h"
 
-#include "reader/Characters.h"
+#include "reader/text/Characters.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
-#include "reader/SelectedText.h"
+#include "reader/text/SelectedText.h"
 
-#include "reader/RowFormat.h"
+#include "reader/text/RowFormat.h"
 
 #include <QTextBlock>
 #include <QTextCursor>

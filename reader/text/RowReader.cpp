@@ -1,7 +1,7 @@
-#include "reader/RowReader.h"
+#include "reader/text/RowReader.h"
 
 #include "kit/TextCuts.h"
-#include "reader/Characters.h"
+#include "reader/text/Characters.h"
 
 namespace varno {
 namespace {

@@ -1,8 +1,8 @@
-#include "reader/TextSurface.h"
+#include "reader/text/TextSurface.h"
 
 #include "kit/Theme.h"
-#include "reader/Highlights.h"
-#include "reader/SelectedText.h"
+#include "reader/text/Highlights.h"
+#include "reader/text/SelectedText.h"
 
 #include <QAbstractTextDocumentLayout>
 #include <QDesktopServices>

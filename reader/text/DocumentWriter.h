@@ -1,6 +1,6 @@
 #pragma once
 
-#include "reader/RowFormat.h"
+#include "reader/text/RowFormat.h"
 
 #include <QDeadlineTimer>
 #include <QTextBlock>

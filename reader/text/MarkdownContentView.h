@@ -1,7 +1,7 @@
 #pragma once
 
-#include "reader/DocumentWriter.h"
-#include "reader/TextSurface.h"
+#include "reader/text/DocumentWriter.h"
+#include "reader/text/TextSurface.h"
 
 #include <QTimer>
 

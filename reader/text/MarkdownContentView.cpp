@@ -1,7 +1,7 @@
-#include "reader/MarkdownContentView.h"
+#include "reader/text/MarkdownContentView.h"
 
 #include "core/Appearance.h"
-#include "reader/SelectedText.h"
+#include "reader/text/SelectedText.h"
 
 #include <QAbstractTextDocumentLayout>
 
