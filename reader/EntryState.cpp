@@ -1,7 +1,6 @@
 #include "reader/EntryState.h"
 
-#include "reader/text/InlineMarkdown.h"
-#include "reader/text/RowReader.h"
+#include "reader/text/MarkdownContentView.h"
 
 namespace varno {
 
@@ -39,14 +38,8 @@ bool offersFullEntry(const AppViewModel& viewModel)
 
 bool isWithoutText(const AppViewModel& viewModel)
 {
-    if (!viewModel.currentPage() || viewModel.isStreaming())
-        return false;
-    RowReader reader(displayContent(viewModel));
-    while (const auto row = reader.next()) {
-        if (!shownText(inlineRuns(row->text)).trimmed().isEmpty())
-            return false;
-    }
-    return true;
+    return viewModel.currentPage() && !viewModel.isStreaming() &&
+           MarkdownContentView::showsNothing(displayContent(viewModel));
 }
 
 QStringList relatedTopics(const AppViewModel& viewModel)

@@ -34,6 +34,16 @@ MarkdownContentView::MarkdownContentView(QWidget* parent)
             &MarkdownContentView::selectionDragged);
 }
 
+bool MarkdownContentView::showsNothing(QStringView text)
+{
+    RowReader reader(text);
+    while (const auto row = reader.next()) {
+        if (!shownText(inlineRuns(row->text)).trimmed().isEmpty())
+            return false;
+    }
+    return true;
+}
+
 void MarkdownContentView::setText(QStringView text)
 {
     m_textLength = text.size();

@@ -20,6 +20,9 @@ class MarkdownContentView final : public QWidget {
 public:
     explicit MarkdownContentView(QWidget* parent = nullptr);
 
+    /// Whether there is nothing to read on a page of that text, whatever marks it is made of.
+    [[nodiscard]] static bool showsNothing(QStringView text);
+
     /// Shows another text. What both texts begin with stays as it is, selection included.
     void setText(QStringView text);
     /// The same text, with `piece` at its end.
