@@ -174,7 +174,7 @@ void APIKeyRow::setPresence(KeyPresence presence)
 {
     m_presence = presence;
     showState();
-    emit presenceChanged(presence);
+    Q_EMIT presenceChanged(presence);
 }
 
 void APIKeyRow::setChanging(bool changing)

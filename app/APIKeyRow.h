@@ -36,7 +36,7 @@ public:
     /// Drops what was typed or revealed, and what is about to be.
     void forget();
 
-signals:
+Q_SIGNALS:
     void presenceChanged(varno::KeyPresence presence);
 
 protected:

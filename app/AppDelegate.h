@@ -23,7 +23,7 @@ public:
     /// Saves what there is to save; the shortcut is dead from then on.
     void prepareToQuit();
 
-public slots:
+public Q_SLOTS:
     // `time` is the window system's time of what the user did, 0 if that is not known.
     void showWindow(quint32 time = 0);
     void toggleWindow(quint32 time = 0);

@@ -50,7 +50,7 @@ ApplicationAdaptor::ApplicationAdaptor(ApplicationService& service)
 
 void ApplicationAdaptor::Activate(const QVariantMap& /*platformData*/)
 {
-    emit m_service.showRequested();
+    Q_EMIT m_service.showRequested();
 }
 
 void ApplicationAdaptor::Open(const QStringList& /*uris*/, const QVariantMap& platformData)
@@ -62,7 +62,7 @@ void ApplicationAdaptor::ActivateAction(const QString& name, const QVariantList&
                                         const QVariantMap& /*platformData*/)
 {
     if (name == toggleAction)
-        emit m_service.toggleRequested();
+        Q_EMIT m_service.toggleRequested();
 }
 
 } // namespace varno

@@ -24,7 +24,7 @@ public:
     /// Waits for the bus, and for the other program five seconds at most.
     [[nodiscard]] Claim claim();
 
-signals:
+Q_SIGNALS:
     void showRequested();
     void toggleRequested();
 
@@ -43,7 +43,7 @@ class ApplicationAdaptor final : public QDBusAbstractAdaptor {
 public:
     explicit ApplicationAdaptor(ApplicationService& service);
 
-public slots:
+public Q_SLOTS:
     void Activate(const QVariantMap& platformData);
     void Open(const QStringList& uris, const QVariantMap& platformData);
     void ActivateAction(const QString& name, const QVariantList& parameter,

@@ -48,7 +48,7 @@ void ContentView::escape()
     else if (m_viewModel.isShowingEntry())
         m_viewModel.newSearch();
     else
-        emit hideRequested();
+        Q_EMIT hideRequested();
 }
 
 void ContentView::takeNote(AppViewModel::Changes what)

@@ -23,7 +23,7 @@ public:
     ContentView(AppViewModel& viewModel, KeychainTasks& keys, const PanelShortcut& shortcut,
                 QWidget* parent = nullptr);
 
-signals:
+Q_SIGNALS:
     /// Escape, where there is nothing left to go back from.
     void hideRequested();
 

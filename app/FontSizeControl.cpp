@@ -42,7 +42,7 @@ FontSizeControl::FontSizeControl(QWidget* parent)
         m_segments[i].setCheckable(true);
         m_segments[i].setAutoExclusive(true);
         connect(&m_segments[i], &PlainButton::clicked, this,
-                [this, i] { emit fontSizePressed(static_cast<FontSize>(i)); });
+                [this, i] { Q_EMIT fontSizePressed(static_cast<FontSize>(i)); });
     }
 }
 

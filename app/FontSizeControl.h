@@ -17,7 +17,7 @@ public:
 
     void setFontSize(FontSize size);
 
-signals:
+Q_SIGNALS:
     void fontSizePressed(varno::FontSize size);
 
 protected:

@@ -21,7 +21,7 @@ public:
     /// Whether the secret can be typed and the button be pressed.
     void setUsable(bool usable);
 
-signals:
+Q_SIGNALS:
     void revealPressed();
 
 protected:

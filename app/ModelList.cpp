@@ -63,7 +63,7 @@ ModelList::ModelList(QWidget* parent)
         rows->addWidget(row);
         m_rows.append(row);
         connect(row, &RowButton::clicked, this,
-                [this, pressed = model] { emit modelPressed(pressed); });
+                [this, pressed = model] { Q_EMIT modelPressed(pressed); });
     }
     setLayout(rows);
     setAccessibleName(tr("Model"));

@@ -16,7 +16,7 @@ public:
 
     void setModel(AIModel model);
 
-signals:
+Q_SIGNALS:
     void modelPressed(varno::AIModel model);
 
 private:

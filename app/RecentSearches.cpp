@@ -66,7 +66,8 @@ void RecentSearches::setSearches(const QStringList& searches)
         m_rows.layout()->addWidget(button);
         m_rows.layout()->addWidget(
             new Rule(Qt::Horizontal, 0.5, {.role = ColorRole::border, .opacity = 0.4}));
-        connect(button, &RowButton::clicked, this, [this, search] { emit searchPressed(search); });
+        connect(button, &RowButton::clicked, this,
+                [this, search] { Q_EMIT searchPressed(search); });
     }
 }
 

@@ -18,7 +18,7 @@ public:
     /// As wide as the frame of the search box.
     [[nodiscard]] QSize sizeHint() const override;
 
-signals:
+Q_SIGNALS:
     void searchPressed(const QString& search);
     void clear();
 

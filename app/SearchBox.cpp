@@ -53,7 +53,7 @@ SearchBox::SearchBox(QWidget* parent)
 
     connect(&m_field, &QLineEdit::textChanged, this, [this](const QString& query) {
         m_clear.setVisible(!query.isEmpty());
-        emit queryChanged(query);
+        Q_EMIT queryChanged(query);
     });
     connect(&m_field, &QLineEdit::returnPressed, this, &SearchBox::submitted);
     connect(&m_clear, &PlainButton::clicked, this, [this] {

@@ -28,7 +28,7 @@ public:
 
     [[nodiscard]] QSize sizeHint() const override;
 
-signals:
+Q_SIGNALS:
     void queryChanged(const QString& query);
     void submitted();
 

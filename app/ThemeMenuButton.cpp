@@ -65,7 +65,7 @@ void ThemeMenuButton::openMenu()
         QAction* item = menu->addAction(name(theme));
         item->setIcon(theme == m_theme ? checkmark(palette(), devicePixelRatioF()) : QIcon());
         connect(item, &QAction::triggered, this,
-                [this, chosen = theme] { emit themeChosen(chosen); });
+                [this, chosen = theme] { Q_EMIT themeChosen(chosen); });
     }
     connect(menu, &QMenu::aboutToHide, this, [this] { setDown(false); });
     menu->popup(mapToGlobal(QPoint(0, height())));

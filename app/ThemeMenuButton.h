@@ -16,7 +16,7 @@ public:
 
     void setTheme(AppTheme theme);
 
-signals:
+Q_SIGNALS:
     void themeChosen(varno::AppTheme theme);
 
 private:

@@ -216,7 +216,7 @@ const Session* AppViewModel::savedSession(const QString& query)
 void AppViewModel::publish()
 {
     if (const Changes changes = std::exchange(m_pendingChanges, {}))
-        emit changed(changes);
+        Q_EMIT changed(changes);
 }
 
 const ModelService& AppViewModel::service() const

@@ -123,7 +123,7 @@ public:
     /// history was cleared is not saved.
     void prepareToQuit();
 
-signals:
+Q_SIGNALS:
     void changed(varno::AppViewModel::Changes what);
 
 private:

@@ -38,10 +38,10 @@ void EntryStream::customEvent(QEvent*)
 void EntryStream::deliver(const std::variant<QString, Outcome>& message)
 {
     if (const auto* text = std::get_if<QString>(&message)) {
-        emit piece(*text);
+        Q_EMIT piece(*text);
     } else {
         m_finished = true;
-        emit finished(std::get<Outcome>(message));
+        Q_EMIT finished(std::get<Outcome>(message));
     }
 }
 

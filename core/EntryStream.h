@@ -45,7 +45,7 @@ public:
 
     [[nodiscard]] Sink sink() const { return m_sink; }
 
-signals:
+Q_SIGNALS:
     void piece(const QString& text);
     void finished(const varno::EntryStream::Outcome& outcome);
 

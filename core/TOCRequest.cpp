@@ -18,7 +18,7 @@ void TOCRequest::customEvent(QEvent*)
 {
     const auto outcomes = m_sink.m_mailbox->take();
     if (!std::exchange(m_finished, true))
-        emit finished(outcomes.front());
+        Q_EMIT finished(outcomes.front());
 }
 
 } // namespace varno

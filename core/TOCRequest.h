@@ -35,7 +35,7 @@ public:
 
     [[nodiscard]] Sink sink() const { return m_sink; }
 
-signals:
+Q_SIGNALS:
     void finished(const varno::TOCRequest::Outcome& outcome);
 
 protected:

@@ -70,7 +70,7 @@ void Demonstration::finishPage()
     m_terminal << "\n\n";
     if (m_model.errorMessage()) {
         m_step = Step::done;
-        emit finished(m_model.errorMessage());
+        Q_EMIT finished(m_model.errorMessage());
         return;
     }
     showLists();
@@ -84,7 +84,7 @@ void Demonstration::finishPage()
     if (onSection)
         goBack();
     searchAgain();
-    emit finished(std::nullopt);
+    Q_EMIT finished(std::nullopt);
 }
 
 void Demonstration::showLists()

@@ -18,7 +18,7 @@ public:
 
     void start(const QString& query);
 
-signals:
+Q_SIGNALS:
     /// After the last step; with the message when the entry could not be written.
     void finished(const std::optional<QString>& error);
 

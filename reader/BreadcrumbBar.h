@@ -17,7 +17,7 @@ public:
     /// The last one is the page on show.
     void setCrumbs(const QList<Breadcrumb>& crumbs) { m_trail.setCrumbs(crumbs); }
 
-signals:
+Q_SIGNALS:
     void crumbPressed(const QUuid& pageId);
     void newSearch();
     void find();

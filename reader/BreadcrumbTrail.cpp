@@ -82,7 +82,7 @@ void BreadcrumbTrail::addCrumb(const Breadcrumb& crumb, bool isCurrent)
     } else {
         auto* button = new PlainButton(crumb.title, crumbStyle, this);
         connect(button, &PlainButton::clicked, this,
-                [this, id = crumb.pageId] { emit crumbPressed(id); });
+                [this, id = crumb.pageId] { Q_EMIT crumbPressed(id); });
         m_titles.append(button);
     }
     m_chevrons.constLast()->show();

@@ -26,7 +26,7 @@ public:
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
-signals:
+Q_SIGNALS:
     void crumbPressed(const QUuid& pageId);
 
 protected:

@@ -19,7 +19,7 @@ public:
     /// Of what is no failure, and has no warning to it.
     void showNotice(const QString& message);
 
-signals:
+Q_SIGNALS:
     void tryAgain();
     void newSearch();
 

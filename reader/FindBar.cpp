@@ -58,7 +58,7 @@ FindBar::FindBar(QWidget* parent)
 
     connect(&m_field, &QLineEdit::textChanged, this, [this](const QString& text) {
         showCounter();
-        emit findTextChanged(text);
+        Q_EMIT findTextChanged(text);
     });
     connect(&m_field, &QLineEdit::returnPressed, this, [this] { step(1); });
     connect(&m_previous, &PlainButton::clicked, this, [this] { step(-1); });
@@ -88,7 +88,7 @@ void FindBar::takeFocus()
 void FindBar::step(int matches)
 {
     if (m_total > 0)
-        emit currentMatchIndexChanged((m_current + matches + m_total) % m_total);
+        Q_EMIT currentMatchIndexChanged((m_current + matches + m_total) % m_total);
 }
 
 void FindBar::showCounter()

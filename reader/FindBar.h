@@ -22,7 +22,7 @@ public:
     /// Gives the field the keyboard, its text selected.
     void takeFocus();
 
-signals:
+Q_SIGNALS:
     void findTextChanged(const QString& text);
     void currentMatchIndexChanged(int index);
     void closed();

@@ -48,7 +48,7 @@ public:
     /// Scrolls if it is a key that does.
     void keyPressEvent(QKeyEvent* event) override;
 
-signals:
+Q_SIGNALS:
     void tryAgain();
     void newSearch();
     void fullEntry();

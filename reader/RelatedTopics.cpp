@@ -45,7 +45,7 @@ QWidget* RelatedTopics::makeLink(const QString& topic)
 {
     auto* link = new PlainButton(topic, linkStyle);
     link->setFixedHeight(WrappingLengths().rowHeight);
-    connect(link, &PlainButton::clicked, this, [this, topic] { emit topicPressed(topic); });
+    connect(link, &PlainButton::clicked, this, [this, topic] { Q_EMIT topicPressed(topic); });
     return link;
 }
 

@@ -17,7 +17,7 @@ public:
     /// Shows as many of them as there is a limit for.
     void setTopics(const QStringList& topics);
 
-signals:
+Q_SIGNALS:
     void topicPressed(const QString& topic);
 
 private:

@@ -35,13 +35,13 @@ void ResizeDivider::mousePressEvent(QMouseEvent* event)
 void ResizeDivider::mouseMoveEvent(QMouseEvent* event)
 {
     if (event->buttons() & Qt::LeftButton)
-        emit dragged(qRound(event->globalPosition().x() - m_pressedAt));
+        Q_EMIT dragged(qRound(event->globalPosition().x() - m_pressedAt));
 }
 
 void ResizeDivider::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton)
-        emit dragEnded();
+        Q_EMIT dragEnded();
 }
 
 } // namespace varno

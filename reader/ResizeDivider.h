@@ -12,7 +12,7 @@ class ResizeDivider final : public QWidget {
 public:
     explicit ResizeDivider(QWidget* parent = nullptr);
 
-signals:
+Q_SIGNALS:
     /// To the right, in points.
     void dragged(int translation);
     void dragEnded();

@@ -55,7 +55,7 @@ TOCEntry* TOCSidebarView::addEntry(int number, const QString& section)
     auto* entry = new TOCEntry(number, section);
     m_column.insertWidget(number - 1, entry);
     entry->installEventFilter(this);
-    connect(entry, &TOCEntry::clicked, this, [this, section] { emit sectionPressed(section); });
+    connect(entry, &TOCEntry::clicked, this, [this, section] { Q_EMIT sectionPressed(section); });
     return entry;
 }
 

@@ -30,7 +30,7 @@ public:
     /// Marks the section that is on show, if one is.
     void setActiveSection(const std::optional<QString>& section);
 
-signals:
+Q_SIGNALS:
     void sectionPressed(const QString& section);
 
 protected:

@@ -45,7 +45,7 @@ public:
     /// The document as it is shown: a text block for each row. Not to be changed.
     [[nodiscard]] const QTextDocument& document() const { return *m_surface.document(); }
 
-signals:
+Q_SIGNALS:
     /// The selection is being dragged, and its free end is there, in this widget's coordinates.
     void selectionDragged(const QPoint& position);
 

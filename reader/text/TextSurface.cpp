@@ -120,7 +120,7 @@ void TextSurface::mouseMoveEvent(QMouseEvent* event)
 {
     QTextBrowser::mouseMoveEvent(event);
     if (event->buttons().testFlag(Qt::LeftButton) && textCursor().hasSelection())
-        emit selectionDragged(event->position().toPoint());
+        Q_EMIT selectionDragged(event->position().toPoint());
 }
 
 void TextSurface::scrollContentsBy(int, int) {}

@@ -28,7 +28,7 @@ public:
     /// Never anything: no page loads anything, from wherever.
     QVariant loadResource(int type, const QUrl& name) override;
 
-signals:
+Q_SIGNALS:
     void selectionDragged(const QPoint& position);
 
 protected:
