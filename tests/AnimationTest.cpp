@@ -28,13 +28,13 @@ class SettingsPortal : public QObject {
 public:
     Settings settings;
 
-public slots:
+public Q_SLOTS:
     [[nodiscard]] Q_SCRIPTABLE Settings ReadAll(const QStringList& /*namespaces*/) const
     {
         return settings;
     }
 
-signals:
+Q_SIGNALS:
     Q_SCRIPTABLE void SettingChanged(const QString&, const QString&, const QDBusVariant&);
 };
 
@@ -45,7 +45,7 @@ const auto portalService = u"org.freedesktop.portal.Desktop"_s;
 class AnimationTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void animationReachesItsEnd()
     {
         QWidget widget;
@@ -208,7 +208,7 @@ private slots:
         QVERIFY(setting.isEnabled()); // until there is an answer
         QTRY_COMPARE(spy.size(), 1);
         QVERIFY(!setting.isEnabled());
-        emit portal.SettingChanged(space, key, QDBusVariant(on));
+        Q_EMIT portal.SettingChanged(space, key, QDBusVariant(on));
         QTRY_COMPARE(spy.size(), 2);
         QVERIFY(setting.isEnabled());
         QVERIFY(bus.unregisterService(portalService));

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 class AppearanceTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void colorFromText_data()
     {
         QTest::addColumn<QString>("text");

@@ -12,7 +12,7 @@ namespace varno {
 class BlocksTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void splitsIntoBlocks_data();
     void splitsIntoBlocks();
     void tellsKinds_data();

@@ -78,7 +78,7 @@ private:
         return ::post(m_session, request, recorder);
     }
 
-private slots:
+private Q_SLOTS:
     void requestIsSentAsGiven()
     {
         const ScriptedServer server({.pieces = {okReply}});

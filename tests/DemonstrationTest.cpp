@@ -35,7 +35,7 @@ Run run(const QStringList& arguments,
 class DemonstrationTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void cleanup()
     {
         const KeychainService& keychain = KeychainService::shared();

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 class EntryStreamTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void deliversInOrderFromTheEventLoop()
     {
         EntryStream stream;

@@ -8,7 +8,7 @@ using namespace Qt::StringLiterals;
 class EntryTextTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void answers_data()
     {
         QTest::addColumn<QString>("answer");

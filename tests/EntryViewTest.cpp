@@ -45,7 +45,7 @@ Q_DECLARE_METATYPE(Setup)
 class EntryViewTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void frameOfTheScreen()
     {
         Screen screen;

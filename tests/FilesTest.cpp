@@ -84,7 +84,7 @@ private:
             .entryList(QDir::AllEntries | QDir::Hidden | QDir::System | QDir::NoDotAndDotDot);
     }
 
-private slots:
+private Q_SLOTS:
     void init()
     {
         ::umask(0);

@@ -11,7 +11,7 @@ using namespace Qt::StringLiterals;
 class FindTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void matches_data()
     {
         QTest::addColumn<QString>("text");

@@ -43,7 +43,7 @@ QStringList savedQueries(const ControllerFixture& fixture)
 class HistoryTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void sessionsReopenAfterARestart_data()
     {
         QTest::addColumn<int>("days");

@@ -72,7 +72,7 @@ private:
         return std::nullopt;
     }
 
-private slots:
+private Q_SLOTS:
     void init()
     {
         m_preferences.values.clear();

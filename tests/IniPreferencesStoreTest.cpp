@@ -42,7 +42,7 @@ private:
         return path;
     }
 
-private slots:
+private Q_SLOTS:
     void lists_data()
     {
         QTest::addColumn<QStringList>("value");

@@ -102,7 +102,7 @@ private:
 class InlineMarkdownTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void styles_data();
     void styles();
     void standardsExamples_data();

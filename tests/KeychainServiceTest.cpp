@@ -1,8 +1,8 @@
 #include "providers/KeychainService.h"
-#include "tests/Scarcity.h"
 
 #include "platform/linux/GLibOwned.h"
 #include "platform/linux/SecretServiceKeyStore.h"
+#include "tests/Scarcity.h"
 
 #include <QDataStream>
 #include <QFile>
@@ -241,7 +241,7 @@ private:
     const QString m_other = m_keychain.geminiAccount;
     const QByteArray m_bus = qgetenv(busVariable);
 
-private slots:
+private Q_SLOTS:
     void init()
     {
         qputenv(busVariable, m_bus);

@@ -82,7 +82,7 @@ void showOf(QWidget& window, QBoxLayout* layout)
 class KitTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void layoutKeepsItsFigures()
     {
         QWidget window;

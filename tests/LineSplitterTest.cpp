@@ -30,7 +30,7 @@ QByteArrayList split(const QByteArray& bytes, const std::function<qsizetype()>& 
 class LineSplitterTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void linesDoNotDependOnTheCut_data()
     {
         QTest::addColumn<QByteArray>("bytes");

@@ -102,7 +102,7 @@ const QString everyKind =
 class MarkdownContentViewTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void streamsWhatIsBuiltAtOnce_data();
     void streamsWhatIsBuiltAtOnce();
     void changesOnlyWhatDiffers();
@@ -334,7 +334,7 @@ void MarkdownContentViewTest::keepsSelectionOverSizes()
 class UrlRecorder : public QObject {
     Q_OBJECT
 
-public slots:
+public Q_SLOTS:
     void open(const QUrl& url) { urls.append(url.toString()); }
 
 public:

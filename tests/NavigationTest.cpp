@@ -22,7 +22,7 @@ void openWritten(ControllerFixture& fixture, const QString& section)
 class NavigationTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void sectionIsWrittenOnDemand()
     {
         ControllerFixture fixture;

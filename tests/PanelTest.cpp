@@ -40,7 +40,7 @@ struct PanelFixture : ControllerFixture {
 class PanelTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void escapeGoesOneStepAtATime();
     void escapeFromSettingsReturnsToTheSearch();
     void commandsWorkWithEitherModifier_data();

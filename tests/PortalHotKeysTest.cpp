@@ -136,10 +136,10 @@ public:
     bool isOpen = true;
     bool isListed = false;
 
-public slots:
+public Q_SLOTS:
     void Close() { isOpen = false; }
 
-signals:
+Q_SIGNALS:
     void Closed();
 };
 
@@ -188,15 +188,15 @@ public:
     void activate(const QString& id, qulonglong time = 4711)
     {
         for (const QString& session : openSessions())
-            emit Activated(QDBusObjectPath(session), id, time, {});
+            Q_EMIT Activated(QDBusObjectPath(session), id, time, {});
     }
     void deactivate(const QString& id, qulonglong time = 4712)
     {
         for (const QString& session : openSessions())
-            emit Deactivated(QDBusObjectPath(session), id, time, {});
+            Q_EMIT Deactivated(QDBusObjectPath(session), id, time, {});
     }
 
-public slots:
+public Q_SLOTS:
     uint CreateSession(const QDBusObjectPath& /*handle*/, const QDBusObjectPath& session,
                        const QString& /*application*/, const QVariantMap& /*options*/,
                        QVariantMap& /*results*/)
@@ -238,7 +238,7 @@ public slots:
         return binding;
     }
 
-signals:
+Q_SIGNALS:
     void Activated(const QDBusObjectPath&, const QString&, qulonglong, const QVariantMap&);
     void Deactivated(const QDBusObjectPath&, const QString&, qulonglong, const QVariantMap&);
 
@@ -317,7 +317,7 @@ private:
         QCOMPARE(takeHeard(), wanted);
     }
 
-private slots:
+private Q_SLOTS:
     void initTestCase()
     {
         if (Frontend::program().isEmpty() ||
@@ -573,7 +573,7 @@ private slots:
         startFrontend();
         const auto reference = add(keyF);
         tryToHear(idF, 1);
-        emit m_backend->sessions.begin()->second->Closed();
+        Q_EMIT m_backend->sessions.begin()->second->Closed();
         QTRY_COMPARE(m_refused, QList<Reference>{reference.value()});
     }
 

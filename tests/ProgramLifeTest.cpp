@@ -98,7 +98,7 @@ private:
         QTRY_VERIFY(m_program->hasSearched(query));
     }
 
-private slots:
+private Q_SLOTS:
     void initTestCase();
     void init();
     void cleanup();

@@ -36,7 +36,7 @@ private:
         return m_program->end() == 0 ? picture : QByteArray();
     }
 
-private slots:
+private Q_SLOTS:
     void initTestCase();
     void init();
     void cleanup();

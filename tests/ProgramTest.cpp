@@ -51,7 +51,7 @@ private:
                      QList<quint32>{number});
     }
 
-private slots:
+private Q_SLOTS:
     void initTestCase();
     void init();
     void cleanup();

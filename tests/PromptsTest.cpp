@@ -9,7 +9,7 @@ using namespace Qt::StringLiterals;
 class PromptsTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void kindFollowsTheNumberOfWords_data()
     {
         QTest::addColumn<QString>("query");

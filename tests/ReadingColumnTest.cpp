@@ -12,7 +12,7 @@ Q_DECLARE_METATYPE(Change)
 class ReadingColumnTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void piecesOfAFrameAreShownTogether()
     {
         Screen screen;

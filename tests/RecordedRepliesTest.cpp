@@ -127,7 +127,7 @@ QJsonArray events(const QByteArray& bytes, const Cut& cut)
 class RecordedRepliesTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void initTestCase()
     {
         if (corpora().isEmpty() || !QDir(corpora()).exists())

@@ -76,7 +76,7 @@ QString visible(QString text)
 class RecordedTextTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void initTestCase()
     {
         if (!QDir(qEnvironmentVariable("VARNO_CORPORA", u"/nowhere"_s)).exists())

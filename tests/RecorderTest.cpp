@@ -108,7 +108,7 @@ private:
 
     PlainButton& clearButton() { return *recorder().findChild<PlainButton*>(); }
 
-private slots:
+private Q_SLOTS:
     void init()
     {
         m_preferences.values.clear();

@@ -12,7 +12,7 @@ using Change = AppViewModel::Change;
 class SearchTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void blankQueryChangesNothing()
     {
         ControllerFixture fixture;

@@ -71,7 +71,7 @@ QStringList numbered(int count)
 class SearchViewTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void looksAsDesigned();
     void returnSearches_data();
     void returnSearches();

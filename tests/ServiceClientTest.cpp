@@ -95,7 +95,7 @@ void addProviders()
 class ServiceClientTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void claudeRequest_data()
     {
         QTest::addColumn<bool>("webSearch");

@@ -44,7 +44,7 @@ QByteArray withReplaced(QByteArray text, const char* before, const char* after)
 class SessionCodecTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void readsTheDocumentedForm()
     {
         const auto sessions = decodeSessions(handWritten());

@@ -29,7 +29,7 @@ Page makeSection(const Page& parent, const QString& name, const QString& content
 class SessionTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void emptySessionHasNoPage()
     {
         Session session;

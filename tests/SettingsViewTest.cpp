@@ -84,7 +84,7 @@ QString accessibleText(KeyField& field)
 class SettingsViewTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void hasItsTextsInOrder();
     void savesTrimmed_data() { rows(); }
     void savesTrimmed();

@@ -49,7 +49,7 @@ private:
         return std::make_unique<IniPreferencesStore>(m_folder.filePath(u"%1.conf"_s.arg(m_number)));
     }
 
-private slots:
+private Q_SLOTS:
     void init() { m_keyboard.setCharacters({}); }
 
     void carbonMasksKeepFiveModifiers()

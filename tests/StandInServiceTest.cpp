@@ -33,7 +33,7 @@ QList<QJsonValue> records(const QByteArray& body)
 class StandInServiceTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void listensOnLoopbackOnly_data()
     {
         QTest::addColumn<bool>("allowed");

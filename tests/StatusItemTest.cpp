@@ -124,7 +124,7 @@ private:
         QTRY_VERIFY(!m_program->isShown());
     }
 
-private slots:
+private Q_SLOTS:
     void initTestCase();
     void init();
     void cleanup();

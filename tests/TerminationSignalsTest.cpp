@@ -31,7 +31,7 @@ int statusOfChild(int number, Prepare prepare)
 class TerminationSignalsTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void isAnnounced_data()
     {
         QTest::addColumn<int>("number");

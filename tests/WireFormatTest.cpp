@@ -31,7 +31,7 @@ QByteArray quoted(QByteArray text)
 class WireFormatTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void payloads()
     {
         QCOMPARE(eventPayload("data: {}"), "{}");

@@ -33,7 +33,7 @@ private:
 class WrappingHStackTest : public QObject {
     Q_OBJECT
 
-private slots:
+private Q_SLOTS:
     void positions_data()
     {
         QTest::addColumn<QList<int>>("items"); // widths; equal widths are equal items

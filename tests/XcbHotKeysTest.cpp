@@ -100,7 +100,7 @@ private:
         m_events->addEventTypes(HotKeyEvents::hotKeyEvents);
     }
 
-private slots:
+private Q_SLOTS:
     void initTestCase()
     {
         if (qEnvironmentVariableIsEmpty("DISPLAY"))

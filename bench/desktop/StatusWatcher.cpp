@@ -44,7 +44,7 @@ void StatusWatcher::RegisterStatusNotifierItem(const QString& service)
         owner, u"/StatusNotifierItem"_s, u"org.freedesktop.DBus.Properties"_s, u"GetAll"_s);
     question << u"org.kde.StatusNotifierItem"_s;
     connection().asyncCall(question);
-    emit StatusNotifierItemRegistered(service);
+    Q_EMIT StatusNotifierItemRegistered(service);
 }
 
 } // namespace varno::bench

@@ -35,12 +35,12 @@ public:
     /// `patience`.
     [[nodiscard]] std::optional<Clock::time_point> waitForItem(std::chrono::milliseconds patience);
 
-public slots:
+public Q_SLOTS:
     // Named by the interface.
     void RegisterStatusNotifierItem(const QString& service);
     void RegisterStatusNotifierHost(const QString& /*service*/) {}
 
-signals:
+Q_SIGNALS:
     void StatusNotifierItemRegistered(const QString& service);
 
 private:
