@@ -9,8 +9,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString interface = QStringLiteral("org.freedesktop.Application");
-const QString toggleAction = QStringLiteral("toggle");
+const QString interface = u"org.freedesktop.Application"_s;
+const QString toggleAction = u"toggle"_s;
 constexpr int patience = 5000; // milliseconds
 
 } // namespace

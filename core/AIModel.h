@@ -4,6 +4,8 @@
 
 namespace varno {
 
+using namespace Qt::StringLiterals;
+
 /// The language models on offer, in the order in which they are shown. The raw value is the
 /// identifier that the provider knows the model by.
 enum class AIModel { opus, sonnet, haiku, geminiFlash };
@@ -11,10 +13,10 @@ enum class AIModel { opus, sonnet, haiku, geminiFlash };
 template <>
 struct RawValues<AIModel> {
     static constexpr std::array<RawCase<AIModel>, 4> cases = {{
-        {AIModel::opus, QLatin1StringView("claude-opus-4-8")},
-        {AIModel::sonnet, QLatin1StringView("claude-sonnet-5")},
-        {AIModel::haiku, QLatin1StringView("claude-haiku-4-5")},
-        {AIModel::geminiFlash, QLatin1StringView("gemini-3.6-flash")},
+        {AIModel::opus, "claude-opus-4-8"_L1},
+        {AIModel::sonnet, "claude-sonnet-5"_L1},
+        {AIModel::haiku, "claude-haiku-4-5"_L1},
+        {AIModel::geminiFlash, "gemini-3.6-flash"_L1},
     }};
 };
 

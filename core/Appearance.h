@@ -6,14 +6,16 @@
 
 namespace varno {
 
+using namespace Qt::StringLiterals;
+
 enum class AppTheme { cream, amber, dark };
 
 template <>
 struct RawValues<AppTheme> {
     static constexpr std::array<RawCase<AppTheme>, 3> cases = {{
-        {AppTheme::cream, QLatin1StringView("cream")},
-        {AppTheme::amber, QLatin1StringView("amber")},
-        {AppTheme::dark, QLatin1StringView("dark")},
+        {AppTheme::cream, "cream"_L1},
+        {AppTheme::amber, "amber"_L1},
+        {AppTheme::dark, "dark"_L1},
     }};
 };
 
@@ -27,9 +29,9 @@ enum class FontSize { small, medium, large };
 template <>
 struct RawValues<FontSize> {
     static constexpr std::array<RawCase<FontSize>, 3> cases = {{
-        {FontSize::small, QLatin1StringView("small")},
-        {FontSize::medium, QLatin1StringView("medium")},
-        {FontSize::large, QLatin1StringView("large")},
+        {FontSize::small, "small"_L1},
+        {FontSize::medium, "medium"_L1},
+        {FontSize::large, "large"_L1},
     }};
 };
 

@@ -4,6 +4,8 @@
 
 namespace varno {
 
+using namespace Qt::StringLiterals;
+
 /// The kind of entry that a query receives.
 enum class EntryType {
     definition,  ///< a short definition
@@ -14,9 +16,9 @@ enum class EntryType {
 template <>
 struct RawValues<EntryType> {
     static constexpr std::array<RawCase<EntryType>, 3> cases = {{
-        {EntryType::definition, QLatin1StringView("definition")},
-        {EntryType::shortAnswer, QLatin1StringView("shortAnswer")},
-        {EntryType::full, QLatin1StringView("full")},
+        {EntryType::definition, "definition"_L1},
+        {EntryType::shortAnswer, "shortAnswer"_L1},
+        {EntryType::full, "full"_L1},
     }};
 };
 

@@ -11,6 +11,8 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using namespace std::chrono_literals;
 
 /// Until a program that starts has its icon in place.
@@ -32,9 +34,9 @@ HistoryStore::HistoryStore(QString path)
 QString HistoryStore::defaultPath()
 {
     static const QString path = [] {
-        const QString folder = applicationSupportDirectory() + QStringLiteral("/Varno");
+        const QString folder = applicationSupportDirectory() + u"/Varno"_s;
         createPrivateDirectory(folder);
-        return folder + QStringLiteral("/session_history.json");
+        return folder + u"/session_history.json"_s;
     }();
     return path;
 }

@@ -6,13 +6,15 @@
 
 namespace varno {
 
+using namespace Qt::StringLiterals;
+
 namespace preferenceKey {
-inline const QString aiModel = QStringLiteral("aiModel");
-inline const QString theme = QStringLiteral("theme");
-inline const QString fontSize = QStringLiteral("fontSize");
-inline const QString webSearchEnabled = QStringLiteral("webSearchEnabled");
-inline const QString imagesEnabled = QStringLiteral("imagesEnabled");
-inline const QString searchHistory = QStringLiteral("searchHistory");
+inline const QString aiModel = u"aiModel"_s;
+inline const QString theme = u"theme"_s;
+inline const QString fontSize = u"fontSize"_s;
+inline const QString webSearchEnabled = u"webSearchEnabled"_s;
+inline const QString imagesEnabled = u"imagesEnabled"_s;
+inline const QString searchHistory = u"searchHistory"_s;
 } // namespace preferenceKey
 
 struct Preferences {

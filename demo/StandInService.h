@@ -11,6 +11,8 @@
 
 namespace varno {
 
+using namespace Qt::StringLiterals;
+
 /// One request as the stand-in service received it.
 struct ReceivedRequest {
     QByteArray path;                                  ///< with its query
@@ -56,7 +58,7 @@ struct Script {
 class StandInService {
 public:
     struct Settings {
-        QString address = QStringLiteral("127.0.0.1");
+        QString address = u"127.0.0.1"_s;
         int port = 0; ///< 0 lets the system choose
         bool tls = false;
     };

@@ -21,27 +21,29 @@ static void initialiseResources()
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 QLatin1StringView fileName(Symbol symbol)
 {
     constexpr std::array names = {
-        QLatin1StringView("arrowClockwise"),
-        QLatin1StringView("arrowUpLeft"),
-        QLatin1StringView("bookClosedFill"),
-        QLatin1StringView("checkmark"),
-        QLatin1StringView("checkmarkCircleFill"),
-        QLatin1StringView("chevronDown"),
-        QLatin1StringView("chevronLeft"),
-        QLatin1StringView("chevronRight"),
-        QLatin1StringView("chevronUp"),
-        QLatin1StringView("chevronUpChevronDown"),
-        QLatin1StringView("clock"),
-        QLatin1StringView("docTextMagnifyingGlass"),
-        QLatin1StringView("exclamationmarkTriangle"),
-        QLatin1StringView("gearshape"),
-        QLatin1StringView("house"),
-        QLatin1StringView("magnifyingGlass"),
-        QLatin1StringView("xmark"),
-        QLatin1StringView("xmarkCircleFill"),
+        "arrowClockwise"_L1,
+        "arrowUpLeft"_L1,
+        "bookClosedFill"_L1,
+        "checkmark"_L1,
+        "checkmarkCircleFill"_L1,
+        "chevronDown"_L1,
+        "chevronLeft"_L1,
+        "chevronRight"_L1,
+        "chevronUp"_L1,
+        "chevronUpChevronDown"_L1,
+        "clock"_L1,
+        "docTextMagnifyingGlass"_L1,
+        "exclamationmarkTriangle"_L1,
+        "gearshape"_L1,
+        "house"_L1,
+        "magnifyingGlass"_L1,
+        "xmark"_L1,
+        "xmarkCircleFill"_L1,
     };
     static_assert(names.size() == static_cast<std::size_t>(Symbol::xmarkCircleFill) + 1);
     return names[static_cast<std::size_t>(symbol)];
@@ -63,7 +65,7 @@ QByteArray lineWidth(QFont::Weight weight)
 QByteArray drawing(Symbol symbol, QFont::Weight weight)
 {
     initialiseResources();
-    QFile file(QStringLiteral(":/symbols/%1.svg").arg(fileName(symbol)));
+    QFile file(u":/symbols/%1.svg"_s.arg(fileName(symbol)));
     if (!file.open(QFile::ReadOnly))
         return {};
     return file.readAll().replace("stroke-width=\"1.75\"",

@@ -12,13 +12,15 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 constexpr QChar ellipsis(0x2026);
 constexpr QChar zeroWidthSpace(0x200B);
 constexpr qsizetype keptMeasures = 8;
 
 QString withLineBreaksAs(QChar replacement, QString text)
 {
-    text.replace(QLatin1StringView("\r\n"), QLatin1StringView("\n"));
+    text.replace("\r\n"_L1, "\n"_L1);
     std::ranges::replace_if(text, breaksLine, replacement);
     return text;
 }
@@ -200,7 +202,7 @@ const TextBlock& LaidOutText::block(double width)
 QString plainToolTip(const QString& text)
 {
     const QString shown = withCutWords(shortened(text, toolTipLimit), toolTipRow);
-    return QLatin1StringView("<span>") + shown.toHtmlEscaped() + QLatin1StringView("</span>");
+    return "<span>"_L1 + shown.toHtmlEscaped() + "</span>"_L1;
 }
 
 } // namespace varno

@@ -5,11 +5,13 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 /// The system's font of emoji. The system would name it for some of them by itself, and draw others
 /// from a font of plain symbols.
 const QString& emojiFamily()
 {
-    static const QString family = QFontInfo(QFont(QStringLiteral("emoji"))).family();
+    static const QString family = QFontInfo(QFont(u"emoji"_s)).family();
     return family;
 }
 
@@ -19,7 +21,7 @@ QFont font(const TextStyle& style)
 {
     QFont font;
     if (style.design == FontDesign::serif) {
-        font.setFamily(QStringLiteral("serif"));
+        font.setFamily(u"serif"_s);
         font.setStyleHint(QFont::Serif);
     }
     font.setPixelSize(std::max(1, qRound(style.size)));

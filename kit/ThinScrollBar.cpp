@@ -12,6 +12,8 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 constexpr int extent = 10;
 constexpr int leastThumb = 28;
 constexpr int thumbInset = 2;
@@ -70,7 +72,7 @@ private:
 ThinScrollBar::ThinScrollBar(QWidget* parent)
     : QScrollBar(Qt::Vertical, parent)
 {
-    auto* thin = new ThinStyle(QStyleFactory::create(QStringLiteral("fusion")));
+    auto* thin = new ThinStyle(QStyleFactory::create(u"fusion"_s));
     thin->setParent(this);
     setStyle(thin);
     setAttribute(Qt::WA_Hover);

@@ -9,6 +9,8 @@
 
 namespace varno {
 
+using namespace Qt::StringLiterals;
+
 enum class KeyPresence { present, absent, unreachable };
 
 /// The user's two API keys, in the system's key store. Any thread. Every call but `request` blocks
@@ -20,9 +22,9 @@ public:
 
     explicit KeychainService(KeyStore& store);
 
-    const QString service = QStringLiteral("com.kelbrin.varno");
-    const QString anthropicAccount = QStringLiteral("anthropic-api-key");
-    const QString geminiAccount = QStringLiteral("gemini-api-key");
+    const QString service = u"com.kelbrin.varno"_s;
+    const QString anthropicAccount = u"anthropic-api-key"_s;
+    const QString geminiAccount = u"gemini-api-key"_s;
 
     /// Replaces the account's key. Between the old one and the new a `load` may find none.
     void save(const QString& key, const QString& account) const;

@@ -8,12 +8,14 @@
 namespace varno {
 namespace {
 
-const QString keyCodeMember = QStringLiteral("carbonKeyCode");
-const QString modifiersMember = QStringLiteral("carbonModifiers");
+using namespace Qt::StringLiterals;
+
+const QString keyCodeMember = u"carbonKeyCode"_s;
+const QString modifiersMember = u"carbonModifiers"_s;
 
 QString preferenceKey(const QString& name)
 {
-    return QStringLiteral("KeyboardShortcuts_") + name;
+    return u"KeyboardShortcuts_"_s + name;
 }
 
 std::optional<int> integer(const QJsonValue& value)

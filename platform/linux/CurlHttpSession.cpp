@@ -10,6 +10,8 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using namespace std::chrono_literals;
 
 /// Ends what libcurl made. Named by its function, since a handle's type may be that of another.
@@ -60,28 +62,28 @@ QString describe(CURLcode code)
 {
     switch (code) {
     case CURLE_COULDNT_RESOLVE_HOST:
-        return QStringLiteral("The server could not be found. Are you connected to the internet?");
+        return u"The server could not be found. Are you connected to the internet?"_s;
     case CURLE_COULDNT_RESOLVE_PROXY:
-        return QStringLiteral("The proxy server could not be found.");
+        return u"The proxy server could not be found."_s;
     case CURLE_COULDNT_CONNECT:
-        return QStringLiteral("Could not connect to the server.");
+        return u"Could not connect to the server."_s;
     case CURLE_OPERATION_TIMEDOUT:
-        return QStringLiteral("The request timed out.");
+        return u"The request timed out."_s;
     case CURLE_PEER_FAILED_VERIFICATION:
     case CURLE_SSL_CACERT_BADFILE:
     case CURLE_SSL_ISSUER_ERROR:
-        return QStringLiteral("The identity of the server could not be verified.");
+        return u"The identity of the server could not be verified."_s;
     case CURLE_SSL_CONNECT_ERROR:
-        return QStringLiteral("A secure connection to the server could not be made.");
+        return u"A secure connection to the server could not be made."_s;
     case CURLE_PARTIAL_FILE:
     case CURLE_GOT_NOTHING:
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
-        return QStringLiteral("The connection to the server was lost.");
+        return u"The connection to the server was lost."_s;
     case CURLE_BAD_CONTENT_ENCODING:
-        return QStringLiteral("The reply is damaged.");
+        return u"The reply is damaged."_s;
     case CURLE_ABORTED_BY_CALLBACK:
-        return QStringLiteral("The request was cancelled.");
+        return u"The request was cancelled."_s;
     default:
         return QString::fromUtf8(curl_easy_strerror(code));
     }
@@ -107,9 +109,8 @@ Result<HeaderList> headersOf(const HttpRequest& request)
     HeaderList headers;
     for (const auto& [name, value] : request.headers) {
         if (hasControlCharacter(name) || hasControlCharacter(value))
-            return Failure{QStringLiteral("A line break or another control character stands in "
-                                          "the “%1” of the request.")
-                               .arg(QString::fromUtf8(name).simplified())};
+            return Failure{u"A line break or another control character stands in "
+                           u"the “%1” of the request."_s.arg(QString::fromUtf8(name).simplified())};
         // libcurl leaves out a header without a value unless it ends so.
         append(headers, value.trimmed().isEmpty() ? name + ';' : name + ": " + value);
     }

@@ -11,6 +11,8 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 XcbConnection& keyboardConnection()
 {
     static XcbConnection connection;
@@ -20,8 +22,7 @@ XcbConnection& keyboardConnection()
 /// There the X server beside it sees keys only while one of its own windows has the focus.
 bool isWaylandSession()
 {
-    return qEnvironmentVariable("XDG_SESSION_TYPE") == QLatin1StringView("wayland") ||
-           hasWaylandCompositor();
+    return qEnvironmentVariable("XDG_SESSION_TYPE") == "wayland"_L1 || hasWaylandCompositor();
 }
 
 std::unique_ptr<HotKeyEvents> makeHotKeyEvents()

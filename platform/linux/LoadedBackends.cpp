@@ -12,6 +12,8 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 /// From where it is installed beside the program, or built beside it.
 void* load(const char* module)
 {
@@ -87,8 +89,7 @@ std::optional<Failure> LoadedHttpSession::perform(const HttpRequest& request,
 {
     HttpSession* const session = httpSession();
     if (!session)
-        return Failure{
-            QStringLiteral("Varno is not installed completely: varno-http.so cannot be loaded.")};
+        return Failure{u"Varno is not installed completely: varno-http.so cannot be loaded."_s};
     return session->perform(request, receiver, std::move(stop));
 }
 

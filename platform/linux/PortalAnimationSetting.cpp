@@ -16,9 +16,11 @@
 namespace varno {
 namespace {
 
-const QString interface = QStringLiteral("org.freedesktop.portal.Settings");
-const QString gnomeSpace = QStringLiteral("org.gnome.desktop.interface");
-const QString plasmaSpace = QStringLiteral("org.kde.kdeglobals.KDE");
+using namespace Qt::StringLiterals;
+
+const QString interface = u"org.freedesktop.portal.Settings"_s;
+const QString gnomeSpace = u"org.gnome.desktop.interface"_s;
+const QString plasmaSpace = u"org.kde.kdeglobals.KDE"_s;
 
 using Namespaces = QMap<QString, QVariantMap>;
 
@@ -50,10 +52,10 @@ void PortalAnimationSetting::ask()
         return;
     qRegisterMetaType<QDBusVariant>(); // a slot with a type that is not registered is not connected
     // From any sender: naming the service would wait for the bus to say who owns that name.
-    bus.connect(QString(), PortalConnection::path, interface, QStringLiteral("SettingChanged"),
-                this, SLOT(take(QString, QString, QDBusVariant)));
+    bus.connect(QString(), PortalConnection::path, interface, u"SettingChanged"_s, this,
+                SLOT(take(QString, QString, QDBusVariant)));
     QDBusMessage question = QDBusMessage::createMethodCall(
-        PortalConnection::service, PortalConnection::path, interface, QStringLiteral("ReadAll"));
+        PortalConnection::service, PortalConnection::path, interface, u"ReadAll"_s);
     question << QStringList{gnomeSpace, plasmaSpace};
     auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(question), this);
     const auto seen = std::make_shared<ProcessVisibility>();
@@ -65,8 +67,7 @@ void PortalAnimationSetting::ask()
 
 void PortalAnimationSetting::takeAll(const QDBusMessage& reply)
 {
-    if (reply.type() != QDBusMessage::ReplyMessage ||
-        reply.signature() != QLatin1StringView("a{sa{sv}}"))
+    if (reply.type() != QDBusMessage::ReplyMessage || reply.signature() != "a{sa{sv}}"_L1)
         return;
     const auto spaces = qdbus_cast<Namespaces>(reply.arguments().constFirst());
     for (auto space = spaces.cbegin(); space != spaces.cend(); ++space)
@@ -84,9 +85,9 @@ void PortalAnimationSetting::set(const QString& space, const QString& key, const
 {
     const bool before = isEnabled();
     bool known = false;
-    if (space == gnomeSpace && key == QLatin1StringView("enable-animations")) {
+    if (space == gnomeSpace && key == "enable-animations"_L1) {
         m_gnomeWants = value.toBool();
-    } else if (space == plasmaSpace && key == QLatin1StringView("AnimationDurationFactor")) {
+    } else if (space == plasmaSpace && key == "AnimationDurationFactor"_L1) {
         const double factor = value.toDouble(&known);
         m_plasmaWants = !known || factor > 0;
     }

@@ -14,16 +14,18 @@
 namespace varno {
 namespace {
 
-/// The name of the desktop file, which the portal looks for.
-const QString applicationId = QStringLiteral("com.kelbrin.varno");
+using namespace Qt::StringLiterals;
 
-const QString busName = QStringLiteral("org.freedesktop.DBus");
-const QString busPath = QStringLiteral("/org/freedesktop/DBus");
+/// The name of the desktop file, which the portal looks for.
+const QString applicationId = u"com.kelbrin.varno"_s;
+
+const QString busName = u"org.freedesktop.DBus"_s;
+const QString busPath = u"/org/freedesktop/DBus"_s;
 
 } // namespace
 
-const QString PortalConnection::service = QStringLiteral("org.freedesktop.portal.Desktop");
-const QString PortalConnection::path = QStringLiteral("/org/freedesktop/portal/desktop");
+const QString PortalConnection::service = u"org.freedesktop.portal.Desktop"_s;
+const QString PortalConnection::path = u"/org/freedesktop/portal/desktop"_s;
 
 PortalConnection& PortalConnection::shared()
 {
@@ -66,8 +68,8 @@ void PortalConnection::watch()
     }
     // From any sender: naming one would wait for the bus to say who owns that name, here as in all
     // that listens to the portal.
-    m_bus.connect(QString(), busPath, busName, QStringLiteral("NameOwnerChanged"), {service},
-                  QString(), this, SLOT(takeOwner(QString, QString, QString)));
+    m_bus.connect(QString(), busPath, busName, u"NameOwnerChanged"_s, {service}, QString(), this,
+                  SLOT(takeOwner(QString, QString, QString)));
     introduce();
 }
 
@@ -75,8 +77,7 @@ void PortalConnection::introduce()
 {
     m_state = State::introducing;
     QDBusMessage call = QDBusMessage::createMethodCall(
-        service, path, QStringLiteral("org.freedesktop.host.portal.Registry"),
-        QStringLiteral("Register"));
+        service, path, u"org.freedesktop.host.portal.Registry"_s, u"Register"_s);
     call << applicationId << QVariantMap();
     auto* answer = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     const auto seen = std::make_shared<ProcessVisibility>();
@@ -91,7 +92,7 @@ void PortalConnection::askForOwner()
 {
     // Not the sender of a reply, which is empty in some versions of Qt.
     QDBusMessage call =
-        QDBusMessage::createMethodCall(busName, busPath, busName, QStringLiteral("GetNameOwner"));
+        QDBusMessage::createMethodCall(busName, busPath, busName, u"GetNameOwner"_s);
     call << service;
     auto* answer = new QDBusPendingCallWatcher(m_bus.asyncCall(call), this);
     connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {

@@ -10,10 +10,12 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 /// It answers to every binding with its system settings, and binds nothing.
 bool isPlasma5()
 {
-    return qEnvironmentVariable("KDE_SESSION_VERSION") == QLatin1StringView("5");
+    return qEnvironmentVariable("KDE_SESSION_VERSION") == "5"_L1;
 }
 
 } // namespace

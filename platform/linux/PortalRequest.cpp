@@ -12,14 +12,16 @@
 namespace varno {
 namespace {
 
-const QString requestInterface = QStringLiteral("org.freedesktop.portal.Request");
+using namespace Qt::StringLiterals;
+
+const QString requestInterface = u"org.freedesktop.portal.Request"_s;
 
 /// Where the portal makes the object of a call, known before the call so that no answer is missed.
 QString requestPath(const QDBusConnection& bus, const QString& token)
 {
     QString sender = bus.baseService();
     sender.remove(u':').replace(u'.', u'_');
-    return QStringLiteral("%1/request/%2/%3").arg(PortalConnection::path, sender, token);
+    return u"%1/request/%2/%3"_s.arg(PortalConnection::path, sender, token);
 }
 
 } // namespace
@@ -35,21 +37,20 @@ PortalRequest::~PortalRequest()
 {
     if (m_objectPath.isEmpty())
         return;
-    m_bus.send(QDBusMessage::createMethodCall(m_owner, m_objectPath, requestInterface,
-                                              QStringLiteral("Close")));
+    m_bus.send(QDBusMessage::createMethodCall(m_owner, m_objectPath, requestInterface, u"Close"_s));
 }
 
 QString PortalRequest::newToken()
 {
     static int last = 0;
-    return QStringLiteral("varno%1").arg(++last);
+    return u"varno%1"_s.arg(++last);
 }
 
 void PortalRequest::send(const QString& interface, const QString& method,
                          const QVariantList& arguments, QVariantMap options)
 {
     const QString token = newToken();
-    options.insert(QStringLiteral("handle_token"), token);
+    options.insert(u"handle_token"_s, token);
     listenTo(requestPath(m_bus, token));
     QDBusMessage call =
         QDBusMessage::createMethodCall(m_owner, PortalConnection::path, interface, method);
@@ -65,7 +66,7 @@ void PortalRequest::send(const QString& interface, const QString& method,
 void PortalRequest::listenTo(const QString& objectPath)
 {
     m_objectPath = objectPath;
-    m_bus.connect(QString(), objectPath, requestInterface, QStringLiteral("Response"), this,
+    m_bus.connect(QString(), objectPath, requestInterface, u"Response"_s, this,
                   SLOT(takeResponse(uint, QVariantMap)));
 }
 

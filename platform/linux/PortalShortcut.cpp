@@ -12,6 +12,8 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 struct ModifierNames {
     int carbon = 0;
     QStringView trigger;
@@ -45,8 +47,8 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, PortalShortcut& s
 
 std::optional<QList<PortalShortcut>> shortcutsIn(const QVariantMap& results)
 {
-    const auto list = results.value(QStringLiteral("shortcuts")).value<QDBusArgument>();
-    if (list.currentSignature() != QLatin1StringView("a(sa{sv})"))
+    const auto list = results.value(u"shortcuts"_s).value<QDBusArgument>();
+    if (list.currentSignature() != "a(sa{sv})"_L1)
         return std::nullopt;
     return qdbus_cast<QList<PortalShortcut>>(list);
 }
@@ -66,12 +68,10 @@ std::optional<PortalShortcut> portalShortcut(int carbonKeyCode, int carbonModifi
     }
     const QString key = keysymName(carbonKeyCode, keyboard);
     shown << (key.size() == 1 ? key.toUpper() : key);
-    PortalShortcut shortcut{
-        .id = QStringLiteral("key-%1-%2").arg(carbonKeyCode).arg(carbonModifiers)};
+    PortalShortcut shortcut{.id = u"key-%1-%2"_s.arg(carbonKeyCode).arg(carbonModifiers)};
     shortcut.properties.insert(
-        QStringLiteral("description"),
-        QStringLiteral("%1 (%2)").arg(QCoreApplication::applicationName(), shown.join(u'+')));
-    shortcut.properties.insert(QStringLiteral("preferred_trigger"), (trigger << key).join(u'+'));
+        u"description"_s, u"%1 (%2)"_s.arg(QCoreApplication::applicationName(), shown.join(u'+')));
+    shortcut.properties.insert(u"preferred_trigger"_s, (trigger << key).join(u'+'));
     return shortcut;
 }
 

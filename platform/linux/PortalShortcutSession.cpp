@@ -15,8 +15,10 @@
 namespace varno {
 namespace {
 
-const QString shortcutsInterface = QStringLiteral("org.freedesktop.portal.GlobalShortcuts");
-const QString sessionInterface = QStringLiteral("org.freedesktop.portal.Session");
+using namespace Qt::StringLiterals;
+
+const QString shortcutsInterface = u"org.freedesktop.portal.GlobalShortcuts"_s;
+const QString sessionInterface = u"org.freedesktop.portal.Session"_s;
 
 void registerTypes()
 {
@@ -30,10 +32,9 @@ void registerTypes()
 QDBusMessage plasmaVersionCall()
 {
     QDBusMessage call = QDBusMessage::createMethodCall(
-        QStringLiteral("org.freedesktop.impl.portal.desktop.kde"), PortalConnection::path,
-        QStringLiteral("org.freedesktop.DBus.Properties"), QStringLiteral("Get"));
-    call << QStringLiteral("org.freedesktop.impl.portal.GlobalShortcuts")
-         << QStringLiteral("version");
+        u"org.freedesktop.impl.portal.desktop.kde"_s, PortalConnection::path,
+        u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+    call << u"org.freedesktop.impl.portal.GlobalShortcuts"_s << u"version"_s;
     call.setAutoStartService(false); // what another desktop has installed beside its own
     return call;
 }
@@ -46,8 +47,7 @@ bool isFirstVersion(const QDBusMessage& reply)
 
 void close(const QDBusConnection& bus, const QString& owner, const QString& handle)
 {
-    bus.send(
-        QDBusMessage::createMethodCall(owner, handle, sessionInterface, QStringLiteral("Close")));
+    bus.send(QDBusMessage::createMethodCall(owner, handle, sessionInterface, u"Close"_s));
 }
 
 QSet<QString> idsOf(const QList<PortalShortcut>& shortcuts)
@@ -68,9 +68,8 @@ PortalShortcutSession::PortalShortcutSession(PortalConnection& portal,
     , m_shortcuts(std::move(shortcuts))
 {
     registerTypes();
-    listen(QStringLiteral("Activated"), SLOT(takeActivated(QDBusObjectPath, QString, qulonglong)));
-    listen(QStringLiteral("Deactivated"),
-           SLOT(takeDeactivated(QDBusObjectPath, QString, qulonglong)));
+    listen(u"Activated"_s, SLOT(takeActivated(QDBusObjectPath, QString, qulonglong)));
+    listen(u"Deactivated"_s, SLOT(takeDeactivated(QDBusObjectPath, QString, qulonglong)));
     create(portal);
 }
 
@@ -93,15 +92,14 @@ void PortalShortcutSession::create(PortalConnection& portal)
             [alive = QPointer(this), bus = m_bus, owner = m_owner](bool granted,
                                                                    const QVariantMap& results) {
                 const QString handle =
-                    granted ? results.value(QStringLiteral("session_handle")).toString()
-                            : QString();
+                    granted ? results.value(u"session_handle"_s).toString() : QString();
                 if (alive)
                     alive->takeSession(handle);
                 else if (!handle.isEmpty())
                     close(bus, owner, handle);
             });
-    request->send(shortcutsInterface, QStringLiteral("CreateSession"), {},
-                  {{QStringLiteral("session_handle_token"), PortalRequest::newToken()}});
+    request->send(shortcutsInterface, u"CreateSession"_s, {},
+                  {{u"session_handle_token"_s, PortalRequest::newToken()}});
 }
 
 void PortalShortcutSession::request(const QString& method, const QVariantList& arguments, Step next)
@@ -128,9 +126,8 @@ void PortalShortcutSession::takeSession(const QString& handle)
         return;
     }
     m_handle = handle;
-    m_bus.connect(QString(), m_handle, sessionInterface, QStringLiteral("Closed"), this,
-                  SLOT(takeClosed()));
-    request(QStringLiteral("ListShortcuts"), {QVariant::fromValue(QDBusObjectPath(m_handle))},
+    m_bus.connect(QString(), m_handle, sessionInterface, u"Closed"_s, this, SLOT(takeClosed()));
+    request(u"ListShortcuts"_s, {QVariant::fromValue(QDBusObjectPath(m_handle))},
             &PortalShortcutSession::takeListed);
 }
 
@@ -159,7 +156,7 @@ void PortalShortcutSession::bindUnlessBound()
 void PortalShortcutSession::bind()
 {
     const QString noWindow;
-    request(QStringLiteral("BindShortcuts"),
+    request(u"BindShortcuts"_s,
             {QVariant::fromValue(QDBusObjectPath(m_handle)), QVariant::fromValue(m_shortcuts),
              noWindow},
             &PortalShortcutSession::takeBound);

@@ -15,7 +15,9 @@
 namespace varno {
 namespace {
 
-const QString hostService = QStringLiteral("org.kde.StatusNotifierWatcher");
+using namespace Qt::StringLiterals;
+
+const QString hostService = u"org.kde.StatusNotifierWatcher"_s;
 
 bool hasTrayOnX11()
 {

@@ -12,6 +12,8 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 struct KindStyle {
     int sizeOffset = 0; ///< added to the size of the text
     QFont::Weight weight = QFont::Normal;
@@ -159,8 +161,7 @@ QTextCharFormat RowFormat::run(BlockKind kind, const InlineRun& run)
 
 bool mayBeOpened(const QString& address)
 {
-    static const QStringList schemes = {QStringLiteral("http"), QStringLiteral("https"),
-                                        QStringLiteral("mailto")};
+    static const QStringList schemes = {u"http"_s, u"https"_s, u"mailto"_s};
     if (address.isEmpty())
         return false;
     const QUrl url(address, QUrl::TolerantMode);

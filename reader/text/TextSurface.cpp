@@ -16,6 +16,8 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 constexpr double highlightOpacity = 0.55;
 
 void open(const QUrl& address)
@@ -53,7 +55,7 @@ TextSurface::TextSurface(QWidget* parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setOpenLinks(false);
-    setAccessibleName(QStringLiteral("Entry"));
+    setAccessibleName(u"Entry"_s);
     viewport()->setAutoFillBackground(false);
     connect(this, &QTextBrowser::anchorClicked, this, &open);
 }
