@@ -13,6 +13,8 @@
 namespace varno::bench {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using Decoder = std::optional<QString> (*)(json::Parser&, std::string_view payload);
 using Reference = QString (*)(const QByteArray& payload);
 
@@ -76,7 +78,7 @@ void decodeWholePath(benchmark::State& state, const QByteArray& stream, Decoder 
     for ([[maybe_unused]] auto iteration : state) {
         LineSplitter splitter;
         EntryTagFilter filter;
-        filter.filter(QStringLiteral("<entry>"));
+        filter.filter(u"<entry>"_s);
         const auto onLine = [&](std::string_view line) {
             const auto payload = eventPayload(line);
             if (const auto text = payload ? decode(parser, *payload) : std::nullopt)

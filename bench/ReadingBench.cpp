@@ -9,6 +9,8 @@
 namespace varno::bench {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 constexpr qsizetype shortest = 2000; // characters that are there when the measurement begins
 constexpr qsizetype longest = 1000000;
 constexpr int repetitions = 3;
@@ -19,7 +21,7 @@ QString listSample()
     QString list = pageSample(longest);
     list.replace(u'\n', u' ');
     for (qsizetype end = 0; end < list.size(); end += 80)
-        list.replace(end, 3, QStringLiteral("\n- "));
+        list.replace(end, 3, u"\n- "_s);
     return list.sliced(1);
 }
 

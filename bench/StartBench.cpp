@@ -11,6 +11,8 @@
 namespace varno::bench {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 constexpr int startCount = 10;
 constexpr int saveCount = 5;
 
@@ -60,7 +62,7 @@ void start(benchmark::State& state, const QString& path)
 void startWithFile(benchmark::State& state)
 {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("history.json"));
+    const QString path = folder.filePath(u"history.json"_s);
     if (!writeFileAtomically(path, encodeSessions(historySample())))
         state.SkipWithError("the history cannot be written");
     start(state, path);
@@ -69,13 +71,13 @@ void startWithFile(benchmark::State& state)
 void startWithoutFile(benchmark::State& state)
 {
     const QTemporaryDir folder;
-    start(state, folder.filePath(QStringLiteral("history.json")));
+    start(state, folder.filePath(u"history.json"_s));
 }
 
 void saveInBackground(benchmark::State& state)
 {
     const QTemporaryDir folder;
-    const QString path = folder.filePath(QStringLiteral("history.json"));
+    const QString path = folder.filePath(u"history.json"_s);
     if (!writeFileAtomically(path, encodeSessions(historySample())))
         state.SkipWithError("the history cannot be written");
     HistoryStore history(path);
@@ -90,7 +92,7 @@ void saveOnTheSpot(benchmark::State& state)
 {
     const QTemporaryDir folder;
     const QList<Session> sessions = historySample();
-    const QString path = folder.filePath(QStringLiteral("history.json"));
+    const QString path = folder.filePath(u"history.json"_s);
     for ([[maybe_unused]] auto iteration : state) {
         timeIteration(state, [&] {
             if (!writeFileAtomically(path, encodeSessions(sessions)))

@@ -13,6 +13,8 @@ using namespace varno;
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 QString answer(const char* data, std::size_t size)
 {
     const QByteArray bytes(data, static_cast<qsizetype>(size));
@@ -48,10 +50,9 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     if (endsProcess(text))
         return 0;
     const auto strings = parseJSONArray(text);
-    fuzz::check(parseJSONArray(QStringLiteral(" \r\n\t") + text + QStringLiteral("\n ")) == strings,
+    fuzz::check(parseJSONArray(u" \r\n\t"_s + text + u"\n "_s) == strings,
                 "white space around an answer makes no difference");
-    fuzz::check(parseJSONArray(QStringLiteral("```json\n") + text + QStringLiteral("\n```")) ==
-                    strings,
+    fuzz::check(parseJSONArray(u"```json\n"_s + text + u"\n```"_s) == strings,
                 "words around a list make no difference");
     if (strings)
         fuzz::check(parseJSONArray(written(*strings)) == strings, "a list written reads back");

@@ -17,6 +17,8 @@ using namespace varno;
 
 namespace {
 
+using namespace Qt::StringLiterals;
+
 using Decoder = std::optional<QString> (*)(json::Parser&, std::string_view payload);
 using Pieces = std::vector<std::string_view>;
 
@@ -42,7 +44,7 @@ public:
     {
         if (const auto rest = m_filter.rest())
             m_pieces.append(*rest);
-        const QString tag = QStringLiteral("<entry>");
+        const QString tag = u"<entry>"_s;
         const qsizetype start = m_answer.indexOf(tag);
         const QString entry = start < 0 ? m_answer : m_answer.sliced(start + tag.size());
         fuzz::check(m_pieces.join(QString()) == entry, "the entry is what follows the first tag");

@@ -11,6 +11,8 @@
 
 namespace varno {
 
+using namespace Qt::StringLiterals;
+
 /// A controller on a history file of its own, with model services played by the test.
 class ControllerFixture {
 public:
@@ -43,7 +45,7 @@ public:
 
     [[nodiscard]] QString path() const
     {
-        return m_path.isEmpty() ? folder.filePath(QStringLiteral("history.json")) : m_path;
+        return m_path.isEmpty() ? folder.filePath(u"history.json"_s) : m_path;
     }
 
     /// Sends `text` as the answer to the newest request for an entry, and ends it.
@@ -64,7 +66,7 @@ public:
     }
 
     /// A finished entry for `query`.
-    void write(const QString& query, const QString& text = QStringLiteral("Text."))
+    void write(const QString& query, const QString& text = u"Text."_s)
     {
         model->search(query);
         answer(text);
@@ -75,7 +77,7 @@ public:
     {
         model->search(query);
         claude.tocs.back().sink.finish(sections);
-        answer(QStringLiteral("Overview."));
+        answer(u"Overview."_s);
         QTRY_VERIFY(!model->tocIsLoading());
     }
 
@@ -92,7 +94,7 @@ public:
     FakePreferencesStore preferences;
     ModelServiceByHand claude;
     ModelServiceByHand gemini;
-    QDateTime now = QDateTime::fromString(QStringLiteral("2026-05-20T12:00:00Z"), Qt::ISODate);
+    QDateTime now = QDateTime::fromString(u"2026-05-20T12:00:00Z"_s, Qt::ISODate);
     AppViewModel::Changes announced;
     std::unique_ptr<HistoryStore> history;
     std::unique_ptr<AppViewModel> model;

@@ -21,7 +21,7 @@ Run run(const QStringList& arguments,
 {
     QProcess process;
     process.setProcessEnvironment(environment);
-    process.start(QStringLiteral(VARNO_DEMO), arguments);
+    process.start(QString::fromUtf8(VARNO_DEMO), arguments);
     if (!process.waitForFinished(60000))
         process.kill();
     return {.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
@@ -105,7 +105,7 @@ private Q_SLOTS:
     void endsInGoodOrderWhenTold()
     {
         QProcess process;
-        process.start(QStringLiteral(VARNO_DEMO), {u"the history of the roman empire"_s});
+        process.start(QString::fromUtf8(VARNO_DEMO), {u"the history of the roman empire"_s});
         QString output;
         QTRY_VERIFY(
             (output += QString::fromUtf8(process.readAllStandardOutput())).contains(u"AD 117"_s));

@@ -14,8 +14,11 @@
 
 namespace varno {
 
-inline constexpr QLatin1StringView article("the history of the roman empire");
-inline constexpr QLatin1StringView relatedTopicsLine("\nSEE_ALSO_JSON: [\"Carthage\", \"Latin\"]");
+using namespace Qt::StringLiterals;
+
+inline constexpr QLatin1StringView article = "the history of the roman empire"_L1;
+inline constexpr QLatin1StringView relatedTopicsLine =
+    "\nSEE_ALSO_JSON: [\"Carthage\", \"Latin\"]"_L1;
 
 /// A text much longer than the screen.
 inline QString longText()

@@ -10,6 +10,8 @@
 
 namespace varno {
 
+using namespace Qt::StringLiterals;
+
 /// What became of a stream.
 struct Received {
     QStringList pieces;
@@ -31,13 +33,13 @@ inline Received receive(const std::unique_ptr<EntryStream>& stream)
                          ended = true;
                      });
     if (!QTest::qWaitFor([&] { return ended; }, patience))
-        received.error = QStringLiteral("the stream did not end");
+        received.error = u"the stream did not end"_s;
     return received;
 }
 
 inline TOCRequest::Outcome receive(const std::unique_ptr<TOCRequest>& request)
 {
-    TOCRequest::Outcome received = Failure{QStringLiteral("the request did not end")};
+    TOCRequest::Outcome received = Failure{u"the request did not end"_s};
     bool ended = false;
     QObject::connect(request.get(), &TOCRequest::finished, request.get(),
                      [&](const TOCRequest::Outcome& outcome) {

@@ -16,6 +16,8 @@
 
 namespace varno {
 
+using namespace Qt::StringLiterals;
+
 /// `varno` in a process of its own, with a home folder of its own. Nothing that it sends leaves the
 /// machine. It is killed with this, unless it has ended before.
 class RunningProgram {
@@ -26,11 +28,11 @@ public:
         , m_bus(QDBusConnection::connectToBus(busAddress, m_busName))
         , m_environment(QProcessEnvironment::systemEnvironment())
     {
-        m_environment.insert(QStringLiteral("HOME"), m_home.path());
+        m_environment.insert(u"HOME"_s, m_home.path());
         for (const char* const name : {"XDG_CONFIG_HOME", "XDG_DATA_HOME", "XDG_CACHE_HOME",
                                        "NO_PROXY", "no_proxy", "http_proxy"})
-            m_environment.remove(QLatin1String(name));
-        set("https_proxy", QStringLiteral("http://127.0.0.1:9"));
+            m_environment.remove(QLatin1StringView(name));
+        set("https_proxy", u"http://127.0.0.1:9"_s);
         set("DBUS_SESSION_BUS_ADDRESS", busAddress);
     }
     ~RunningProgram()
@@ -62,7 +64,7 @@ public:
     {
         m_process.setProcessEnvironment(m_environment);
         m_process.setProcessChannelMode(QProcess::MergedChannels);
-        m_process.start(QStringLiteral(VARNO), {});
+        m_process.start(QString::fromUtf8(VARNO), {});
     }
     /// Starts it in the same home as another one.
     void launchBeside(const RunningProgram& other)
@@ -100,8 +102,8 @@ public:
     bool call(const char* method, const QVariantList& arguments)
     {
         QDBusMessage message = QDBusMessage::createMethodCall(
-            QStringLiteral("com.kelbrin.varno"), QStringLiteral("/com/kelbrin/varno"),
-            QStringLiteral("org.freedesktop.Application"), QLatin1String(method));
+            u"com.kelbrin.varno"_s, u"/com/kelbrin/varno"_s, u"org.freedesktop.Application"_s,
+            QLatin1StringView(method));
         message.setAutoStartService(false);
         message.setArguments(arguments);
         const QDBusPendingCall reply = m_bus.asyncCall(message);
@@ -146,11 +148,11 @@ public:
     [[nodiscard]] QString home() const { return m_home.path(); }
     [[nodiscard]] QString preferencesPath() const
     {
-        return m_home.filePath(QStringLiteral(".config/Varno/Varno.conf"));
+        return m_home.filePath(u".config/Varno/Varno.conf"_s);
     }
     [[nodiscard]] QString historyPath() const
     {
-        return m_home.filePath(QStringLiteral(".local/share/Varno/session_history.json"));
+        return m_home.filePath(u".local/share/Varno/session_history.json"_s);
     }
     void setPreferences(const QByteArray& text) const
     {
@@ -178,7 +180,7 @@ public:
 
     [[nodiscard]] qsizetype openFiles() const
     {
-        return QDir(QStringLiteral("/proc/%1/fd").arg(id()))
+        return QDir(u"/proc/%1/fd"_s.arg(id()))
             .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
             .size();
     }
@@ -190,7 +192,7 @@ private:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
-    bool answers() { return activateAction(QStringLiteral("nothing")); }
+    bool answers() { return activateAction(u"nothing"_s); }
 
     XDesktop& m_desktop;
     QTemporaryDir m_home;

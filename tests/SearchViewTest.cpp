@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString warning = QStringLiteral("Add your Anthropic API key in Settings to get started.");
+const QString warning = u"Add your Anthropic API key in Settings to get started."_s;
 
 struct SearchFixture : ControllerFixture {
     SearchFixture()

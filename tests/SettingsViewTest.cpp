@@ -15,10 +15,8 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-const QString storedText =
-    QStringLiteral("A key is stored in your Keychain. Click Show to reveal it.");
-const QString noStoreText =
-    QStringLiteral("No key store answers on this system, so keys cannot be kept.");
+const QString storedText = u"A key is stored in your Keychain. Click Show to reveal it."_s;
+const QString noStoreText = u"No key store answers on this system, so keys cannot be kept."_s;
 
 class UnreachableKeyStore final : public KeyStore {
 public:

@@ -11,7 +11,9 @@
 
 namespace varno {
 
-inline const QString aPrompt = entryPrompt(EntryType::definition, QStringLiteral("serendipity"));
+using namespace Qt::StringLiterals;
+
+inline const QString aPrompt = entryPrompt(EntryType::definition, u"serendipity"_s);
 
 // Requests in good order, for a stream with tools, whole except for their lengths.
 inline const QByteArray claudeRequest =

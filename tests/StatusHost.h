@@ -13,15 +13,16 @@
 
 namespace varno {
 
+using namespace Qt::StringLiterals;
+
 /// The status area of a desktop, for as long as this lives: the one on the session bus that the
 /// items of programs announce themselves to, and that tells them of clicks.
 class StatusHost final : public QDBusVirtualObject {
 public:
     StatusHost()
         : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, m_connection))
-        , m_isRegistered(
-              m_bus.registerVirtualObject(QStringLiteral("/StatusNotifierWatcher"), this) &&
-              m_bus.registerService(watcher))
+        , m_isRegistered(m_bus.registerVirtualObject(u"/StatusNotifierWatcher"_s, this) &&
+                         m_bus.registerService(watcher))
     {
     }
     ~StatusHost() override { QDBusConnection::disconnectFromBus(m_connection); }
@@ -36,8 +37,8 @@ public:
     /// What an item says of itself.
     [[nodiscard]] QVariantMap properties(const QString& name) const
     {
-        const QDBusMessage reply = call(name, QStringLiteral("org.freedesktop.DBus.Properties"),
-                                        QStringLiteral("GetAll"), {item});
+        const QDBusMessage reply =
+            call(name, u"org.freedesktop.DBus.Properties"_s, u"GetAll"_s, {item});
         return qdbus_cast<QVariantMap>(reply.arguments().value(0));
     }
 
@@ -45,7 +46,7 @@ public:
     [[nodiscard]] bool activate(const QString& name) const
     {
         constexpr QPoint place(1590, 10);
-        return call(name, item, QStringLiteral("Activate"), {place.x(), place.y()}).type() ==
+        return call(name, item, u"Activate"_s, {place.x(), place.y()}).type() ==
                QDBusMessage::ReplyMessage;
     }
 
@@ -61,11 +62,11 @@ public:
 
     bool handleMessage(const QDBusMessage& message, const QDBusConnection& connection) override
     {
-        if (message.member() == QStringLiteral("RegisterStatusNotifierItem")) {
+        if (message.member() == u"RegisterStatusNotifierItem"_s) {
             m_items.append(message.arguments().value(0).toString());
             return connection.send(message.createReply());
         }
-        if (message.member() == QStringLiteral("Get")) {
+        if (message.member() == u"Get"_s) {
             const QVariant value = property(message.arguments().value(1).toString());
             return connection.send(message.createReply(QVariant::fromValue(QDBusVariant(value))));
         }
@@ -73,14 +74,14 @@ public:
     }
 
 private:
-    static inline const QString watcher = QStringLiteral("org.kde.StatusNotifierWatcher");
-    static inline const QString item = QStringLiteral("org.kde.StatusNotifierItem");
+    static inline const QString watcher = u"org.kde.StatusNotifierWatcher"_s;
+    static inline const QString item = u"org.kde.StatusNotifierItem"_s;
 
     [[nodiscard]] QVariant property(const QString& name) const
     {
-        if (name == QStringLiteral("RegisteredStatusNotifierItems"))
+        if (name == u"RegisteredStatusNotifierItems"_s)
             return m_items;
-        if (name == QStringLiteral("ProtocolVersion"))
+        if (name == u"ProtocolVersion"_s)
             return 0;
         return true; // IsStatusNotifierHostRegistered
     }
@@ -88,8 +89,8 @@ private:
     [[nodiscard]] QDBusMessage call(const QString& name, const QString& interface,
                                     const QString& method, const QVariantList& arguments) const
     {
-        QDBusMessage message = QDBusMessage::createMethodCall(
-            name, QStringLiteral("/StatusNotifierItem"), interface, method);
+        QDBusMessage message =
+            QDBusMessage::createMethodCall(name, u"/StatusNotifierItem"_s, interface, method);
         message.setArguments(arguments);
         const QDBusPendingCall pending = m_bus.asyncCall(message);
         static_cast<void>(QTest::qWaitFor([&] { return pending.isFinished(); }, patience));
