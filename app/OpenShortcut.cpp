@@ -1,6 +1,6 @@
 #include "app/OpenShortcut.h"
 
-#include "shortcuts/RecorderCocoa.h"
+#include "recorder/RecorderCocoa.h"
 
 namespace varno {
 

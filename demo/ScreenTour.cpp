@@ -4,7 +4,7 @@
 #include "demo/DemonstrationSetting.h"
 #include "demo/EntryLibrary.h"
 #include "kit/ThemedText.h"
-#include "shortcuts/RecorderCocoa.h"
+#include "recorder/RecorderCocoa.h"
 
 #include <QAbstractButton>
 #include <QApplication>

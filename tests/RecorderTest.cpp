@@ -4,8 +4,8 @@
 #include "platform/linux/XcbConnection.h"
 #include "platform/linux/XcbHotKeyEvents.h"
 #include "platform/linux/XcbKeyboard.h"
-#include "shortcuts/RecorderCocoa.h"
-#include "shortcuts/RefusalAlert.h"
+#include "recorder/RecorderCocoa.h"
+#include "recorder/RefusalAlert.h"
 
 #include <QApplication>
 #include <QPointer>

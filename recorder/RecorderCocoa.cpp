@@ -1,8 +1,8 @@
-#include "shortcuts/RecorderCocoa.h"
+#include "recorder/RecorderCocoa.h"
 
 #include "kit/FieldFrame.h"
 #include "kit/TextBlock.h"
-#include "shortcuts/RefusalAlert.h"
+#include "recorder/RefusalAlert.h"
 
 #include <QCoreApplication>
 #include <QKeyEvent>

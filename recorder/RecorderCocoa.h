@@ -1,8 +1,8 @@
 #pragma once
 
 #include "kit/PlainButton.h"
+#include "recorder/ShortcutRefusal.h"
 #include "shortcuts/KeyboardShortcuts.h"
-#include "shortcuts/ShortcutRefusal.h"
 
 #include <QPointer>
 

@@ -1,4 +1,4 @@
-#include "shortcuts/ShortcutRefusal.h"
+#include "recorder/ShortcutRefusal.h"
 
 #include <algorithm>
 

@@ -1,4 +1,4 @@
-#include "shortcuts/RefusalAlert.h"
+#include "recorder/RefusalAlert.h"
 
 #include <QPushButton>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "shortcuts/ShortcutRefusal.h"
+#include "recorder/ShortcutRefusal.h"
 
 #include <QMessageBox>
 
