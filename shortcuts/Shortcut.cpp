@@ -1,6 +1,7 @@
 #include "shortcuts/Shortcut.h"
 
 #include "platform/CarbonModifiers.h"
+#include "shortcuts/KeyLabel.h"
 
 #include <array>
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "platform/Key.h"
 #include "platform/Keyboard.h"
-#include "shortcuts/KeyCode.h"
 
 #include <QFlags>
 #include <QHashFunctions>

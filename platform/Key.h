@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QStringView>
-
 namespace varno {
 
 /// Keys by their place on the keyboard, named for what an ANSI keyboard has there. The values are
@@ -117,13 +115,5 @@ enum class Key : int {
     downArrow = 0x7D,
     upArrow = 0x7E,
 };
-
-/// What a key is shown as.
-struct KeyLabel {
-    QStringView text;         ///< empty for a code that is no key's
-    bool isCharacter = false; ///< the text is the ANSI character: the user's layout goes first
-};
-
-[[nodiscard]] KeyLabel keyLabel(int carbonKeyCode);
 
 } // namespace varno

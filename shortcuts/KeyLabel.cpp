@@ -1,4 +1,6 @@
-#include "shortcuts/KeyCode.h"
+#include "shortcuts/KeyLabel.h"
+
+#include "platform/Key.h"
 
 #include <algorithm>
 #include <array>

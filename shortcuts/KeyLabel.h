@@ -1,0 +1,15 @@
+#pragma once
+
+#include <QStringView>
+
+namespace varno {
+
+/// What a key is shown as.
+struct KeyLabel {
+    QStringView text;         ///< empty for a code that is no key's
+    bool isCharacter = false; ///< the text is the ANSI character: the user's layout goes first
+};
+
+[[nodiscard]] KeyLabel keyLabel(int carbonKeyCode);
+
+} // namespace varno
