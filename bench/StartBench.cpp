@@ -28,10 +28,6 @@ public:
     {
         return std::make_unique<TOCRequest>();
     }
-    [[nodiscard]] std::optional<QStringList> parseJSONArray(const QString&) const override
-    {
-        return std::nullopt;
-    }
 };
 
 /// Measures the work of one function alone.

@@ -37,10 +37,6 @@ public:
     {
         return std::make_unique<TOCRequest>();
     }
-    [[nodiscard]] std::optional<QStringList> parseJSONArray(const QString&) const override
-    {
-        return std::nullopt;
-    }
 
     void send(const QString& text) const { m_sink->send(text); }
 

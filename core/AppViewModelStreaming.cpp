@@ -1,5 +1,6 @@
 #include "core/AppViewModel.h"
 #include "core/EntryText.h"
+#include "core/JsonArray.h"
 #include "core/Prompts.h"
 
 #include <algorithm>
@@ -100,7 +101,7 @@ void AppViewModel::finishPage(const QUuid& id, const EntryStream::Outcome& outco
         set(m_errorMessage, failure->description, Change::errorMessage);
 
     const std::optional<QString> topics = relatedTopicsText(m_streamingContent);
-    const auto seeAlso = topics ? service().arrayIn(*topics) : std::nullopt;
+    const auto seeAlso = topics ? arrayIn(*topics) : std::nullopt;
     set(m_streamingContent, cleanEntryText(m_streamingContent), Change::streamingContent);
     if (Page* page = sessionPage(id)) {
         page->seeAlso = seeAlso.value_or(QStringList());

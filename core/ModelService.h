@@ -3,10 +3,9 @@
 #include "core/EntryStream.h"
 #include "core/TOCRequest.h"
 
-#include <QStringList>
+#include <QString>
 
 #include <memory>
-#include <optional>
 
 namespace varno {
 
@@ -33,16 +32,6 @@ public:
     /// list. Starts at once and returns at once.
     [[nodiscard]] virtual std::unique_ptr<TOCRequest>
     generateTOC(const QString& topic, const QString& model, bool webSearch) const = 0;
-
-    /// The array of strings in `text`, whatever stands around it, or nothing. A last "]" before the
-    /// first "[" ends the process.
-    [[nodiscard]] virtual std::optional<QStringList> parseJSONArray(const QString& text) const = 0;
-
-    /// The same for what a model wrote, which may hold its brackets in any order.
-    [[nodiscard]] std::optional<QStringList> arrayIn(const QString& reply) const
-    {
-        return reply.lastIndexOf(u']') < reply.indexOf(u'[') ? std::nullopt : parseJSONArray(reply);
-    }
 };
 
 } // namespace varno

@@ -1,6 +1,6 @@
+#include "core/JsonArray.h"
 #include "core/JsonWriter.h"
 #include "fuzz/Check.h"
-#include "providers/JsonArray.h"
 
 #include <cstddef>
 #include <cstdint>

@@ -4,7 +4,6 @@
 #include "core/Prompts.h"
 #include "platform/Resources.h"
 #include "providers/EntryTagFilter.h"
-#include "providers/JsonArray.h"
 #include "providers/LineSplitter.h"
 #include "providers/ServiceErrors.h"
 
@@ -191,11 +190,6 @@ std::unique_ptr<TOCRequest> ServiceClient::generateTOC(const QString& topic, con
     if (!started)
         toc->sink().finish(noResources());
     return toc;
-}
-
-std::optional<QStringList> ServiceClient::parseJSONArray(const QString& text) const
-{
-    return varno::parseJSONArray(text);
 }
 
 Result<QString> ServiceClient::callNonStreaming(const ModelRequest& request,

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "core/JsonArray.h"
 #include "core/ModelService.h"
 #include "platform/HttpSession.h"
 #include "providers/KeychainService.h"
@@ -36,7 +37,11 @@ public:
     [[nodiscard]] std::unique_ptr<TOCRequest>
     generateTOC(const QString& topic, const QString& model, bool webSearch) const final;
 
-    [[nodiscard]] std::optional<QStringList> parseJSONArray(const QString& text) const final;
+    /// The same for both services.
+    [[nodiscard]] static std::optional<QStringList> parseJSONArray(const QString& text)
+    {
+        return varno::parseJSONArray(text);
+    }
 
 private:
     class Reader;

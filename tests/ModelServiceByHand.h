@@ -1,7 +1,6 @@
 #pragma once
 
 #include "core/ModelService.h"
-#include "providers/JsonArray.h"
 
 #include <QPointer>
 
@@ -42,11 +41,6 @@ public:
         auto request = std::make_unique<TOCRequest>();
         tocs.push_back({topic, model, webSearch, request->sink()});
         return request;
-    }
-
-    [[nodiscard]] std::optional<QStringList> parseJSONArray(const QString& text) const override
-    {
-        return varno::parseJSONArray(text);
     }
 };
 

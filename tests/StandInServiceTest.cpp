@@ -1,7 +1,7 @@
 #include "core/EntryText.h"
+#include "core/JsonArray.h"
 #include "demo/ModelAnswer.h"
 #include "demo/Question.h"
-#include "providers/JsonArray.h"
 #include "tests/StandInClient.h"
 
 #include <QDirIterator>

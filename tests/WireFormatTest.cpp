@@ -1,7 +1,7 @@
 #include "providers/WireFormat.h"
 
+#include "core/JsonArray.h"
 #include "providers/EntryTagFilter.h"
-#include "providers/JsonArray.h"
 
 #include <QProcess>
 #include <QTest>

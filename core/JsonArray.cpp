@@ -1,4 +1,4 @@
-#include "providers/JsonArray.h"
+#include "core/JsonArray.h"
 
 #include "core/JsonReader.h"
 
@@ -22,6 +22,11 @@ std::optional<QStringList> parseJSONArray(const QString& text)
     const auto value = json::parse(parser, array);
     const auto elements = value ? json::as<json::Array>(*value) : std::nullopt;
     return elements ? json::strings(*elements) : std::nullopt;
+}
+
+std::optional<QStringList> arrayIn(const QString& reply)
+{
+    return reply.lastIndexOf(u']') < reply.indexOf(u'[') ? std::nullopt : parseJSONArray(reply);
 }
 
 } // namespace varno
