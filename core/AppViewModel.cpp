@@ -14,13 +14,6 @@ constexpr qsizetype mostSearches = 15;
 /// Far more than the search field takes; only a model's topic may be longer. All searches together
 /// are smaller than a preferences file may be.
 constexpr qsizetype longestRecordedSearch = 32767;
-constexpr int daysKept = 30;
-
-ReferenceSeconds toReferenceSeconds(const QDateTime& date)
-{
-    constexpr qint64 referenceEpoch = 978307200; // 2001-01-01 in seconds since 1970
-    return static_cast<double>(date.toMSecsSinceEpoch() - referenceEpoch * 1000) / 1000.0;
-}
 
 } // namespace
 
@@ -157,7 +150,7 @@ void AppViewModel::prepareToQuit()
 
 void AppViewModel::loadSessionHistory()
 {
-    m_dependencies.history.load(toReferenceSeconds(m_dependencies.now().addDays(-daysKept)));
+    m_dependencies.history.load(SessionHistory::oldestKept(m_dependencies.now()));
 }
 
 void AppViewModel::saveCurrentSessionToHistory()

@@ -4,6 +4,12 @@
 
 namespace varno {
 
+ReferenceSeconds toReferenceSeconds(const QDateTime& date)
+{
+    constexpr qint64 referenceEpoch = 978307200; // 2001-01-01 in seconds since 1970
+    return static_cast<double>(date.toMSecsSinceEpoch() - referenceEpoch * 1000) / 1000.0;
+}
+
 const Page* Session::currentPage() const
 {
     return navigationHistory.isEmpty() ? nullptr : page(navigationHistory.constLast());

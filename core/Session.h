@@ -2,6 +2,7 @@
 
 #include "core/EntryType.h"
 
+#include <QDateTime>
 #include <QHash>
 #include <QList>
 #include <QStringList>
@@ -27,6 +28,7 @@ struct Page {
 
 /// Seconds since 2001-01-01 00:00:00 UTC, the epoch of the history file.
 using ReferenceSeconds = double;
+[[nodiscard]] ReferenceSeconds toReferenceSeconds(const QDateTime& date);
 
 /// The pages reached from one query, and the order in which they were shown.
 struct Session {

@@ -8,6 +8,7 @@ namespace varno {
 namespace {
 
 constexpr qsizetype mostSessions = 100;
+constexpr int daysKept = 30;
 
 auto isFor(const QString& query)
 {
@@ -41,6 +42,11 @@ void SessionHistory::put(const SessionHistory& newer)
 {
     for (const Session& session : std::ranges::reverse_view(newer.m_sessions))
         put(session);
+}
+
+ReferenceSeconds SessionHistory::oldestKept(const QDateTime& now)
+{
+    return toReferenceSeconds(now.addDays(-daysKept));
 }
 
 void SessionHistory::removeOlderThan(ReferenceSeconds date)

@@ -5,7 +5,7 @@
 namespace varno {
 
 /// The saved sessions, most recently saved first: at most a hundred, and one for each root query,
-/// whatever its case.
+/// whatever its case. They are kept for 30 days.
 class SessionHistory {
 public:
     SessionHistory() = default;
@@ -23,6 +23,9 @@ public:
     void put(const SessionHistory& newer);
 
     void removeOlderThan(ReferenceSeconds date);
+
+    /// The earliest creation date of a session that is still kept at `now`.
+    [[nodiscard]] static ReferenceSeconds oldestKept(const QDateTime& now);
 
 private:
     QList<Session> m_sessions;
