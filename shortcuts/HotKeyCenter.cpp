@@ -87,6 +87,11 @@ void HotKeyCenter::remove(const Shortcut& shortcut)
     m_hotKeys.erase(found);
 }
 
+bool HotKeyCenter::isRegistered(const Shortcut& shortcut) const
+{
+    return find(shortcut) != m_hotKeys.end();
+}
+
 void HotKeyCenter::setPaused(bool paused)
 {
     if (std::exchange(m_paused, paused) == paused || !m_installed)

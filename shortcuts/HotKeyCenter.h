@@ -32,7 +32,9 @@ public:
 
     /// False if the system refuses. A shortcut can be registered once at a time.
     [[nodiscard]] bool add(const Shortcut& shortcut, Callbacks callbacks);
+    /// Without effect for one that is not registered.
     void remove(const Shortcut& shortcut);
+    [[nodiscard]] bool isRegistered(const Shortcut& shortcut) const;
 
     /// Told of a shortcut that was added and that the system has refused since; it is forgotten.
     void setRefusalHandler(RefusalHandler handler) { m_refusalHandler = std::move(handler); }

@@ -30,10 +30,7 @@ KeyboardShortcuts::KeyboardShortcuts(PreferencesStore& preferences, HotKeyEvents
         m_activeRecorders += active ? 1 : -1;
         updatePaused();
     });
-    m_center.setRefusalHandler([this](const Shortcut& shortcut) {
-        m_registered.remove(shortcut);
-        reportRefusal(shortcut);
-    });
+    m_center.setRefusalHandler([this](const Shortcut& shortcut) { reportRefusal(shortcut); });
     connect(&keyboard, &Keyboard::layoutChanged, this, &KeyboardShortcuts::descriptionsDidChange);
 }
 
@@ -139,7 +136,7 @@ void KeyboardShortcuts::disable(const QList<Name>& names)
 bool KeyboardShortcuts::isEnabled(const Name& name) const
 {
     const std::optional<Shortcut> shortcut = getShortcut(name);
-    return shortcut && m_live.contains(name.rawValue()) && m_registered.contains(*shortcut);
+    return shortcut && m_live.contains(name.rawValue()) && m_center.isRegistered(*shortcut);
 }
 
 void KeyboardShortcuts::setEnabled(bool enabled)
@@ -184,11 +181,10 @@ void KeyboardShortcuts::update(const std::optional<Shortcut>& shortcut)
 {
     if (!shortcut)
         return;
-    const bool wanted = isWanted(*shortcut);
-    if (wanted && !m_registered.contains(*shortcut))
-        registerWithSystem(*shortcut);
-    else if (!wanted && m_registered.remove(*shortcut))
+    if (!isWanted(*shortcut))
         m_center.remove(*shortcut);
+    else if (!m_center.isRegistered(*shortcut))
+        registerWithSystem(*shortcut);
 }
 
 void KeyboardShortcuts::registerWithSystem(const Shortcut& shortcut)
@@ -198,9 +194,7 @@ void KeyboardShortcuts::registerWithSystem(const Shortcut& shortcut)
                     shortcut] { run(shortcut, m_legacyKeyDownHandlers, m_streamKeyDownHandlers); },
         .keyUp = [this, shortcut] { run(shortcut, m_legacyKeyUpHandlers, m_streamKeyUpHandlers); },
     };
-    if (m_center.add(shortcut, callbacks))
-        m_registered.insert(shortcut);
-    else
+    if (!m_center.add(shortcut, callbacks))
         reportRefusal(shortcut);
 }
 

@@ -119,7 +119,6 @@ private:
     HandlerTable m_streamKeyDownHandlers;
     HandlerTable m_streamKeyUpHandlers;
     QSet<QString> m_live;
-    QSet<Shortcut> m_registered;
     int m_activeRecorders = 0;
     bool m_isEnabled = true;
     HotKeyCenter m_center;
