@@ -1,14 +1,15 @@
 #include "app/FontSizeControl.h"
 
 #include "kit/Layout.h"
+#include "kit/RoundedShape.h"
 
 #include <QPainter>
-#include <QPainterPath>
 
 namespace varno {
 namespace {
 
 constexpr double radius = 6; // of the corners
+constexpr double outlineWidth = 1;
 
 ButtonStyle segmentStyle(bool selected)
 {
@@ -59,16 +60,12 @@ void FontSizeControl::setFontSize(FontSize size)
 void FontSizeControl::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    QPainterPath outline;
-    outline.addRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), radius - 0.5,
-                           radius - 0.5);
-    painter.setClipPath(outline);
+    clipRounded(painter, rect(), radius, outlineWidth);
     for (const PlainButton& segment : m_segments)
         if (segment.isChecked())
             painter.fillRect(segment.geometry(), themeColor(palette(), ColorRole::accent, 0.12));
     painter.setClipping(false);
-    painter.strokePath(outline, QPen(themeColor(palette(), ColorRole::border), 1));
+    outlineRounded(painter, rect(), radius, outlineWidth, themeColor(palette(), ColorRole::border));
 }
 
 } // namespace varno

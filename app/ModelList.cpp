@@ -2,6 +2,7 @@
 
 #include "app/RowButton.h"
 #include "kit/Layout.h"
+#include "kit/RoundedShape.h"
 #include "kit/ThemedText.h"
 
 #include <QPainter>
@@ -40,10 +41,7 @@ protected:
     {
         if (isChecked()) {
             QPainter painter(this);
-            painter.setRenderHint(QPainter::Antialiasing);
-            painter.setPen(Qt::NoPen);
-            painter.setBrush(themeColor(palette(), ColorRole::accent, 0.1));
-            painter.drawRoundedRect(rect(), 6, 6);
+            fillRounded(painter, rect(), 6, themeColor(palette(), ColorRole::accent, 0.1));
         } else {
             RowButton::paintEvent(event);
         }

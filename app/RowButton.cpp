@@ -1,5 +1,6 @@
 #include "app/RowButton.h"
 
+#include "kit/RoundedShape.h"
 #include "kit/TextCuts.h"
 #include "kit/Theme.h"
 
@@ -37,10 +38,7 @@ void RowButton::paintEvent(QPaintEvent*)
     if (!isEnabled() || !(underMouse() || isDown() || hasFocus()))
         return;
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(themeColor(palette(), ColorRole::text, hoverOpacity()));
-    painter.drawRoundedRect(rect(), 4, 4);
+    fillRounded(painter, rect(), 4, themeColor(palette(), ColorRole::text, hoverOpacity()));
 }
 
 } // namespace varno

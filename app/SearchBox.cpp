@@ -2,6 +2,7 @@
 
 #include "kit/InputLimit.h"
 #include "kit/Layout.h"
+#include "kit/RoundedShape.h"
 
 #include <QEvent>
 #include <QPainter>
@@ -98,17 +99,13 @@ bool SearchBox::eventFilter(QObject* object, QEvent* event)
 void SearchBox::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     const QRectF frame =
         QRectF(rect()).marginsRemoved({shadowRoom, shadowRoom, shadowRoom, shadowRoom});
     paintShadow(painter, frame);
     const bool focused = m_field.hasFocus();
-    const double width = focused ? 1.5 : 1;
-    painter.setPen(
-        QPen(themeColor(palette(), focused ? ColorRole::accent : ColorRole::border), width));
-    painter.setBrush(themeColor(palette(), ColorRole::background));
-    const double half = width / 2;
-    painter.drawRoundedRect(frame.adjusted(half, half, -half, -half), radius - half, radius - half);
+    outlineRounded(painter, frame, radius, focused ? 1.5 : 1,
+                   themeColor(palette(), focused ? ColorRole::accent : ColorRole::border),
+                   themeColor(palette(), ColorRole::background));
 }
 
 void SearchBox::paintShadow(QPainter& painter, const QRectF& frame)
@@ -126,14 +123,12 @@ QPixmap SearchBox::shadow(const QRectF& frame) const
     image.setDevicePixelRatio(devicePixelRatio());
     image.fill(Qt::transparent);
     QPainter painter(&image);
-    painter.setRenderHint(QPainter::Antialiasing);
     const QRectF shadow = frame.translated(0, shadowOffset);
     for (int line = 0; line < shadowOffset + shadowRadius; ++line) {
-        const double distance = line + 0.5 - shadowOffset;
-        painter.setPen(
-            QPen(QColor::fromRgbF(0, 0, 0, float(shadowOpacity * shadowStrength(distance))), 1));
-        painter.drawRoundedRect(shadow.adjusted(-distance, -distance, distance, distance),
-                                radius + distance, radius + distance);
+        const double edge = line + 1 - shadowOffset; // of the line, which is one point wide
+        const double strength = shadowStrength(edge - 0.5);
+        outlineRounded(painter, shadow.adjusted(-edge, -edge, edge, edge), radius + edge, 1,
+                       QColor::fromRgbF(0, 0, 0, float(shadowOpacity * strength)));
     }
     return image;
 }

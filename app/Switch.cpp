@@ -1,5 +1,6 @@
 #include "app/Switch.h"
 
+#include "kit/RoundedShape.h"
 #include "kit/Theme.h"
 
 #include <QPainter>
@@ -43,25 +44,19 @@ bool Switch::hitButton(const QPoint& position) const
 void Switch::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     const QRectF place(QPointF(room.width(), room.height()), QSizeF(pill));
     const double round = place.height() / 2;
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(themeColor(palette(), ColorRole::text, 0.2 * (1 - m_knob)));
-    painter.drawRoundedRect(place, round, round);
-    painter.setBrush(themeColor(palette(), ColorRole::accent, m_knob));
-    painter.drawRoundedRect(place, round, round);
+    fillRounded(painter, place, round, themeColor(palette(), ColorRole::text, 0.2 * (1 - m_knob)));
+    fillRounded(painter, place, round, themeColor(palette(), ColorRole::accent, m_knob));
 
     const double side = place.height() - 2 * margin;
     const double left = place.left() + margin + m_knob * (place.width() - 2 * margin - side);
-    painter.setBrush(Qt::white);
-    painter.drawEllipse(QRectF(left, place.top() + margin, side, side));
+    fillRounded(painter, QRectF(left, place.top() + margin, side, side), side / 2, Qt::white);
 
-    if (hasFocus()) {
-        painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(themeColor(palette(), ColorRole::accent, 0.8), 1.5));
-        painter.drawRoundedRect(place.adjusted(-1.25, -1.25, 1.25, 1.25), round + 1, round + 1);
-    }
+    const QRectF ring(QPointF(), QSizeF(sizeHint()));
+    if (hasFocus())
+        outlineRounded(painter, ring, ring.height() / 2 - 0.25, 1.5,
+                       themeColor(palette(), ColorRole::accent, 0.8));
 }
 
 } // namespace varno

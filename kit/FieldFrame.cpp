@@ -1,5 +1,6 @@
 #include "kit/FieldFrame.h"
 
+#include "kit/RoundedShape.h"
 #include "kit/Theme.h"
 
 #include <QPainter>
@@ -9,14 +10,12 @@ namespace varno {
 
 void paintFieldFrame(QWidget& field, bool isActive)
 {
-    constexpr double cornerRadius = 5;
+    constexpr double cornerRadius = 5.5;
     const QPalette colors = field.palette();
     QPainter painter(&field);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(themeColor(colors, isActive ? ColorRole::accent : ColorRole::border));
-    painter.setBrush(themeColor(colors, ColorRole::surface));
-    painter.drawRoundedRect(QRectF(field.rect()).adjusted(0.5, 0.5, -0.5, -0.5), cornerRadius,
-                            cornerRadius);
+    outlineRounded(painter, field.rect(), cornerRadius, 1,
+                   themeColor(colors, isActive ? ColorRole::accent : ColorRole::border),
+                   themeColor(colors, ColorRole::surface));
 }
 
 } // namespace varno

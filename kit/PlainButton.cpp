@@ -1,5 +1,6 @@
 #include "kit/PlainButton.h"
 
+#include "kit/RoundedShape.h"
 #include "kit/TextCuts.h"
 
 #include <QCursor>
@@ -18,30 +19,13 @@ int roundedUp(double length)
     return static_cast<int>(std::ceil(length));
 }
 
-void drawRoundedOutline(QPainter& painter, const QRectF& rect, double radius, double width,
-                        const QColor& color)
-{
-    const double half = width / 2;
-    painter.setPen(QPen(color, width));
-    painter.setBrush(Qt::NoBrush);
-    painter.drawRoundedRect(rect.adjusted(half, half, -half, -half), radius - half, radius - half);
-}
-
-void fillRounded(QPainter& painter, const QRectF& rect, double radius, const QColor& color)
-{
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(color);
-    painter.drawRoundedRect(rect, radius, radius);
-}
-
 /// Stands around its widget, so that it covers nothing of a text without padding.
 class FocusRing final : public QFocusFrame {
 protected:
     void paintEvent(QPaintEvent*) override
     {
         QPainter painter(this);
-        painter.setRenderHint(QPainter::Antialiasing);
-        drawRoundedOutline(painter, rect(), 5, 1.5, themeColor(palette(), ColorRole::accent, 0.8));
+        outlineRounded(painter, rect(), 5, 1.5, themeColor(palette(), ColorRole::accent, 0.8));
     }
 };
 
@@ -179,7 +163,6 @@ void PlainButton::focusOutEvent(QFocusEvent* event)
 void PlainButton::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
     paintBackground(painter);
     paintContent(painter);
 }
@@ -193,8 +176,8 @@ void PlainButton::paintBackground(QPainter& painter) const
         fillRounded(painter, place, m_style.radius,
                     themeColor(palette(), ColorRole::text, hoverOpacity()));
     if (m_style.outline)
-        drawRoundedOutline(painter, place, m_style.radius, m_style.outlineWidth,
-                           inkFor(*m_style.outline));
+        outlineRounded(painter, place, m_style.radius, m_style.outlineWidth,
+                       inkFor(*m_style.outline));
 }
 
 void PlainButton::paintContent(QPainter& painter) const

@@ -1,5 +1,6 @@
 #include "kit/ThinScrollBar.h"
 
+#include "kit/RoundedShape.h"
 #include "kit/Theme.h"
 
 #include <QPainter>
@@ -90,10 +91,8 @@ void ThinScrollBar::paintEvent(QPaintEvent* /*event*/)
                              .adjusted(thumbInset, thumbInset, -thumbInset, -thumbInset);
     const bool strong = isSliderDown() || underMouse();
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(themeColor(palette(), ColorRole::text, strong ? 0.4 : 0.2));
-    painter.drawRoundedRect(thumb, thumb.width() / 2, thumb.width() / 2);
+    fillRounded(painter, thumb, thumb.width() / 2,
+                themeColor(palette(), ColorRole::text, strong ? 0.4 : 0.2));
 }
 
 } // namespace varno

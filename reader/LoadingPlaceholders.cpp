@@ -1,6 +1,7 @@
 #include "reader/LoadingPlaceholders.h"
 
 #include "kit/Layout.h"
+#include "kit/RoundedShape.h"
 #include "kit/Theme.h"
 
 #include <QPainter>
@@ -52,10 +53,7 @@ QSize PlaceholderBar::sizeHint() const
 void PlaceholderBar::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
-    painter.setBrush(themeColor(palette(), ColorRole::border, m_opacity));
-    painter.drawRoundedRect(rect(), cornerRadius, cornerRadius);
+    fillRounded(painter, rect(), cornerRadius, themeColor(palette(), ColorRole::border, m_opacity));
 }
 
 LoadingPlaceholders::LoadingPlaceholders(QWidget* parent)

@@ -1,6 +1,7 @@
 #include "reader/TOCEntry.h"
 
 #include "kit/Layout.h"
+#include "kit/RoundedShape.h"
 #include "kit/TextCuts.h"
 
 #include <QFontMetrics>
@@ -51,21 +52,16 @@ void TOCEntry::setActive(bool active)
 void TOCEntry::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
-    painter.setRenderHint(QPainter::Antialiasing);
-    painter.setPen(Qt::NoPen);
     const QRectF mark = QRectF(rect()).adjusted(markInset, 0, -markInset, 0);
     if (m_active || underMouse()) {
         const double faint = hoverOpacity();
-        painter.setBrush(m_active ? themeColor(palette(), ColorRole::accent, 2 * faint)
-                                  : themeColor(palette(), ColorRole::text, faint));
-        painter.drawRoundedRect(mark, markRadius, markRadius);
+        fillRounded(painter, mark, markRadius,
+                    m_active ? themeColor(palette(), ColorRole::accent, 2 * faint)
+                             : themeColor(palette(), ColorRole::text, faint));
     }
-    if (hasFocus()) {
-        const double half = focusRingWidth / 2;
-        painter.setPen(QPen(themeColor(palette(), ColorRole::accent), focusRingWidth));
-        painter.setBrush(Qt::NoBrush);
-        painter.drawRoundedRect(mark.adjusted(half, half, -half, -half), markRadius, markRadius);
-    }
+    if (hasFocus())
+        outlineRounded(painter, mark, markRadius + focusRingWidth / 2, focusRingWidth,
+                       themeColor(palette(), ColorRole::accent));
 }
 
 void TOCEntry::keyPressEvent(QKeyEvent* event)

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QBrush>
+
+class QPainter;
+class QRectF;
+
+namespace varno {
+
+// Rectangles with rounded corners, painted smoothly. All lengths in points; the painter's pen and
+// brush are others afterwards.
+
+void fillRounded(QPainter& painter, const QRectF& place, double radius, const QColor& color);
+
+/// Draws a line of that width just inside the edge, which has the radius, over `ground`.
+void outlineRounded(QPainter& painter, const QRectF& place, double radius, double width,
+                    const QColor& color, const QBrush& ground = Qt::NoBrush);
+
+/// Keeps what is painted next inside the middle of such a line.
+void clipRounded(QPainter& painter, const QRectF& place, double radius, double width);
+
+} // namespace varno
