@@ -3,6 +3,7 @@
 #include "platform/fake/FakeKeyboard.h"
 #include "platform/linux/IniPreferencesStore.h"
 #include "platform/linux/XcbKeyCodes.h"
+#include "shortcuts/KeyLabel.h"
 #include "shortcuts/KeyboardShortcuts.h"
 
 #include <QSignalSpy>
