@@ -53,7 +53,7 @@ void Switch::paintEvent(QPaintEvent*)
     const double left = place.left() + margin + m_knob * (place.width() - 2 * margin - side);
     fillRounded(painter, QRectF(left, place.top() + margin, side, side), side / 2, Qt::white);
 
-    const QRectF ring(QPointF(), QSizeF(sizeHint()));
+    const QRectF ring = QRect(QPoint(), sizeHint());
     if (hasFocus())
         outlineRounded(painter, ring, ring.height() / 2 - 0.25, 1.5,
                        themeColor(palette(), ColorRole::accent, 0.8));
