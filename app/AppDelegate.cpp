@@ -1,6 +1,8 @@
 #include "app/AppDelegate.h"
 
 #include "app/OpenShortcut.h"
+#include "kit/Symbol.h"
+#include "kit/Theme.h"
 #include "platform/Platform.h"
 
 #include <QGuiApplication>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/KeychainTasks.h"
 #include "app/VarnoPanel.h"
 #include "platform/StatusItem.h"
 

@@ -1,5 +1,10 @@
 #include "app/ContentView.h"
 
+#include "app/InAppSettingsView.h"
+#include "app/ScreenTransition.h"
+#include "app/SearchView.h"
+#include "reader/EntryView.h"
+
 #include <QShortcut>
 
 #include <utility>

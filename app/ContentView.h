@@ -1,17 +1,19 @@
 #pragma once
 
-#include "app/InAppSettingsView.h"
-#include "app/ScreenTransition.h"
-#include "app/SearchView.h"
-#include "reader/EntryView.h"
+#include "app/PanelShortcut.h"
+#include "core/AppViewModel.h"
+
+#include <QWidget>
+
+class QKeySequence;
 
 namespace varno {
 
-/// What the panel's screens need to know of the shortcut that opens it.
-struct PanelShortcut {
-    std::function<QString()> label;         ///< as it is shown; empty when there is none
-    std::function<QWidget*()> makeRecorder; ///< the caller owns it
-};
+class EntryView;
+class InAppSettingsView;
+class KeychainTasks;
+class ScreenTransition;
+class SearchView;
 
 /// The root of the panel: shows the one screen that is due, and answers the keys that work on all
 /// of them. Its size is never that of its content.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "app/ContentView.h"
+#include "app/PanelShortcut.h"
 #include "shortcuts/KeyboardShortcuts.h"
 
 namespace varno {

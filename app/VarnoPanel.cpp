@@ -2,6 +2,7 @@
 
 #include "app/ResizeGrip.h"
 #include "kit/Layout.h"
+#include "kit/Theme.h"
 #include "platform/WindowPlacement.h"
 
 #include <QGuiApplication>

@@ -1,4 +1,7 @@
+#include "app/InAppSettingsView.h"
+#include "app/SearchView.h"
 #include "app/VarnoPanel.h"
+#include "reader/EntryView.h"
 #include "tests/ControllerFixture.h"
 
 #include <QApplication>
