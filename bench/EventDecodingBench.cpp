@@ -1,5 +1,6 @@
 #include "bench/Benches.h"
 #include "bench/EventSamples.h"
+#include "core/JsonReader.h"
 #include "providers/EntryTagFilter.h"
 #include "providers/LineSplitter.h"
 #include "providers/WireFormat.h"

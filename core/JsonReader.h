@@ -18,7 +18,9 @@ namespace varno::json {
 using Value = simdjson::dom::element;
 using Object = simdjson::dom::object;
 using Array = simdjson::dom::array;
-using Parser = simdjson::dom::parser;
+
+/// The memory that values are read into.
+class Parser : public simdjson::dom::parser {};
 
 inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 

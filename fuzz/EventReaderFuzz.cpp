@@ -1,3 +1,4 @@
+#include "core/JsonReader.h"
 #include "fuzz/Check.h"
 #include "providers/EntryTagFilter.h"
 #include "providers/LineSplitter.h"

@@ -1,5 +1,6 @@
 #include "providers/GeminiService.h"
 
+#include "core/JsonReader.h"
 #include "core/JsonWriter.h"
 #include "platform/Platform.h"
 #include "providers/ServiceErrors.h"

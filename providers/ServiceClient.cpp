@@ -1,6 +1,7 @@
 #include "providers/ServiceClient.h"
 
 #include "core/EntryText.h"
+#include "core/JsonReader.h"
 #include "core/Prompts.h"
 #include "platform/Resources.h"
 #include "providers/EntryTagFilter.h"

@@ -1,5 +1,7 @@
 #include "providers/WireFormat.h"
 
+#include "core/JsonReader.h"
+
 #include <cmath>
 
 namespace varno {

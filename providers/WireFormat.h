@@ -1,12 +1,13 @@
 #pragma once
 
-#include "core/JsonReader.h"
-
 #include <QString>
-#include <QStringList>
 
 #include <optional>
 #include <string_view>
+
+namespace varno::json {
+class Parser;
+}
 
 namespace varno {
 

@@ -1,6 +1,7 @@
 #include "providers/WireFormat.h"
 
 #include "core/JsonArray.h"
+#include "core/JsonReader.h"
 #include "providers/EntryTagFilter.h"
 
 #include <QProcess>
