@@ -32,10 +32,10 @@ public:
     /// What a change of the find text leads to.
     qsizetype find(const QString& needle)
     {
-        matches.reset(text, needle);
+        matches = FindMatches(text, needle);
         view.setHighlightText(needle);
         window.paint();
-        return matches.blocks().size();
+        return matches.findMatchBlocks().size();
     }
 
     const QString text;

@@ -17,7 +17,7 @@ EntryFind::EntryFind(FindBar& bar, ReadingColumn& column, QObject* parent)
 
 void EntryFind::pageReplaced(QStringView text)
 {
-    m_matches.reset(text, m_findText);
+    m_matches = FindMatches(text, m_findText);
     showMatches();
 }
 
@@ -33,7 +33,7 @@ void EntryFind::setFindText(const QString& text, QStringView page)
 {
     m_findText = text;
     m_currentMatchIndex = 0;
-    m_matches.reset(page, text);
+    m_matches = FindMatches(page, text);
     m_column.setHighlightText(text);
     showMatches();
     scrollToCurrent();
@@ -54,7 +54,7 @@ void EntryFind::reset()
 
 void EntryFind::showMatches()
 {
-    const int total = int(m_matches.blocks().size());
+    const int total = int(m_matches.findMatchBlocks().size());
     // Another page may hold fewer matches than the one before.
     m_currentMatchIndex = std::clamp(m_currentMatchIndex, 0, std::max(total - 1, 0));
     m_bar.setMatches(m_currentMatchIndex, total);
@@ -62,8 +62,8 @@ void EntryFind::showMatches()
 
 void EntryFind::scrollToCurrent()
 {
-    if (m_currentMatchIndex < m_matches.blocks().size())
-        m_column.scrollToBlock(m_matches.blocks().at(m_currentMatchIndex));
+    if (m_currentMatchIndex < m_matches.findMatchBlocks().size())
+        m_column.scrollToBlock(m_matches.findMatchBlocks().at(m_currentMatchIndex));
 }
 
 } // namespace varno

@@ -28,9 +28,6 @@ public:
     /// Looks for nothing any more.
     void reset();
 
-    [[nodiscard]] const QString& findText() const { return m_findText; }
-    [[nodiscard]] int currentMatchIndex() const { return m_currentMatchIndex; }
-
 private:
     void showMatches();
     void scrollToCurrent();

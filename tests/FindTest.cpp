@@ -41,7 +41,7 @@ private Q_SLOTS:
     {
         QFETCH(QString, text);
         QFETCH(QString, needle);
-        QTEST(findMatchBlocks(text, needle), "blocks");
+        QTEST(FindMatches(text, needle).findMatchBlocks(), "blocks");
     }
 
     void growingPageCountsAsTheWhole_data()
@@ -59,12 +59,12 @@ private Q_SLOTS:
         QFETCH(QString, needle);
         for (qsizetype first = 0; first <= text.size(); ++first) {
             for (qsizetype second = first; second <= text.size(); ++second) {
-                FindMatches matches;
-                matches.reset(QStringView(text).first(first), needle);
+                FindMatches matches(QStringView(text).first(first), needle);
                 matches.append(QStringView(text).sliced(first, second - first));
-                QCOMPARE(matches.blocks(), findMatchBlocks(text.first(second), needle));
+                QCOMPARE(matches.findMatchBlocks(),
+                         FindMatches(text.first(second), needle).findMatchBlocks());
                 matches.append(QStringView(text).sliced(second));
-                QCOMPARE(matches.blocks(), findMatchBlocks(text, needle));
+                QCOMPARE(matches.findMatchBlocks(), FindMatches(text, needle).findMatchBlocks());
             }
         }
     }
@@ -73,15 +73,14 @@ private Q_SLOTS:
     {
         QRandomGenerator random(1);
         QString text;
-        FindMatches matches;
-        matches.reset({}, u"ab"_s);
+        FindMatches matches({}, u"ab"_s);
         for (int i = 0; i < 3000; ++i) {
             const QChar next = u"aAbB\n\n "[random.bounded(7)];
             text += next;
             matches.append(QStringView(&next, 1));
         }
-        QCOMPARE(matches.blocks(), findMatchBlocks(text, u"ab"_s));
-        QVERIFY(matches.blocks().size() > 100);
+        QCOMPARE(matches.findMatchBlocks(), FindMatches(text, u"ab"_s).findMatchBlocks());
+        QVERIFY(matches.findMatchBlocks().size() > 100);
     }
 
     void findCountsAndSteps()

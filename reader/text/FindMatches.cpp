@@ -3,25 +3,16 @@
 #include <utility>
 
 namespace varno {
-
 namespace {
 
 constexpr QStringView separator = u"\n\n";
 
 } // namespace
 
-QList<int> findMatchBlocks(QStringView text, const QString& needle)
+FindMatches::FindMatches(QStringView page, const QString& needle)
+    : m_needle(needle.toLower())
 {
-    FindMatches matches;
-    matches.reset(text, needle);
-    return matches.blocks();
-}
-
-void FindMatches::reset(QStringView text, const QString& needle)
-{
-    *this = {};
-    m_needle = needle.toLower();
-    append(text);
+    append(page);
 }
 
 void FindMatches::append(QStringView piece)
