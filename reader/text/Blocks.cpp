@@ -45,30 +45,7 @@ bool beginsWithHeading(QStringView line)
 
 } // namespace
 
-QStringList blocks(QStringView text)
-{
-    QStringList result;
-    for (const QStringView piece : text.tokenize(u"\n\n")) {
-        const QStringView block = piece.trimmed();
-        if (!block.isEmpty())
-            result += splitHeadingFromBody(block);
-    }
-    return result;
-}
-
-QStringList splitHeadingFromBody(QStringView block)
-{
-    QStringList result;
-    while (const qsizetype length = headingToSplitOff(block)) {
-        result.append(block.first(length).toString());
-        block = block.sliced(length).trimmed();
-    }
-    const bool headingAlone = block.contains(u'\n') && beginsWithHeading(block);
-    result.append((headingAlone ? firstLine(block) : block).toString());
-    return result;
-}
-
-qsizetype headingToSplitOff(QStringView block)
+qsizetype splitHeadingFromBody(QStringView block)
 {
     if (!beginsWithHeading(block))
         return 0;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QStringList>
+#include <QString>
 
 #include <optional>
 
@@ -21,16 +21,9 @@ constexpr bool isList(BlockKind kind)
     return kind == BlockKind::bulletList || kind == BlockKind::numberedList;
 }
 
-/// The blocks of a text, in reading order: what stands between empty lines, trimmed, each heading
-/// line apart from what follows it.
-[[nodiscard]] QStringList blocks(QStringView text);
-
-/// A heading on the first of several lines becomes a block of its own, again and again.
-[[nodiscard]] QStringList splitHeadingFromBody(QStringView block);
-
-/// The length of the heading line that `splitHeadingFromBody` would split off a trimmed block; 0
-/// when it would not.
-[[nodiscard]] qsizetype headingToSplitOff(QStringView block);
+/// Where a trimmed block is split: the length of a heading on the first of several lines, which is
+/// a block of its own; 0 where there is none.
+[[nodiscard]] qsizetype splitHeadingFromBody(QStringView block);
 
 [[nodiscard]] bool isBoldHeader(QStringView block);
 [[nodiscard]] bool isBulletList(QStringView block);

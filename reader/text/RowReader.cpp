@@ -130,7 +130,7 @@ bool RowReader::openBlock()
         m_piece = piece.trimmed();
         m_position += piece.size() + 2;
     }
-    const qsizetype heading = headingToSplitOff(m_piece);
+    const qsizetype heading = splitHeadingFromBody(m_piece);
     const QStringView block = heading > 0 ? m_piece.first(heading) : m_piece;
     m_piece = m_piece.sliced(block.size()).trimmed();
     m_start = {.offset = offsetOf(block),
@@ -154,6 +154,20 @@ BlockKind RowReader::kindAt(QStringView text, qsizetype offset)
     // All but one kind are told from the first line.
     const BlockKind kind = blockKind(line);
     return kind == BlockKind::boldHeader ? BlockKind::paragraph : kind;
+}
+
+QStringList blocks(QStringView text)
+{
+    QStringList result;
+    RowReader reader(text);
+    while (const auto row = reader.next()) {
+        if (row->start.block < result.size())
+            continue;
+        const QStringView piece = pieceAt(text, row->start.offset).trimmed();
+        const qsizetype heading = splitHeadingFromBody(piece);
+        result.append((heading > 0 ? piece.first(heading) : piece).toString());
+    }
+    return result;
 }
 
 } // namespace varno

@@ -2,6 +2,8 @@
 
 #include "reader/text/Blocks.h"
 
+#include <QStringList>
+
 namespace varno {
 
 /// Where in a text a row begins, and what is known about it there: enough to read on from.
@@ -65,5 +67,9 @@ private:
     std::optional<ListItem> m_line; ///< what is left of the open line
     RowStart m_start;               ///< of the next row of the open line
 };
+
+/// The blocks that the rows of a text belong to, in reading order: what stands between empty lines,
+/// trimmed, each heading line apart from what follows it.
+[[nodiscard]] QStringList blocks(QStringView text);
 
 } // namespace varno
