@@ -19,11 +19,6 @@ struct RawValues<AppTheme> {
     }};
 };
 
-constexpr bool isLight(AppTheme theme)
-{
-    return theme != AppTheme::dark;
-}
-
 enum class FontSize { small, medium, large };
 
 template <>

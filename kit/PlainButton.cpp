@@ -48,7 +48,7 @@ PlainButton::PlainButton(Symbol symbol, const QString& text, const ButtonStyle& 
                          QWidget* parent)
     : PlainButton(text, style, parent)
 {
-    setSymbol(symbol);
+    m_symbol = symbol;
 }
 
 PlainButton::~PlainButton()
@@ -61,13 +61,6 @@ void PlainButton::setText(const QString& text)
     PressableButton::setText(shortened(text, toolTipLimit));
     setShortcut({}); // that of a letter behind an "&"
     setAccessibleName(text.isEmpty() ? toolTip() : PressableButton::text());
-}
-
-void PlainButton::setSymbol(std::optional<Symbol> symbol)
-{
-    m_symbol = symbol;
-    updateGeometry();
-    update();
 }
 
 void PlainButton::setButtonStyle(const ButtonStyle& style)

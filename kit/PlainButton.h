@@ -47,9 +47,7 @@ public:
     ~PlainButton() override;
 
     void setText(const QString& text);
-    void setSymbol(std::optional<Symbol> symbol);
     void setButtonStyle(const ButtonStyle& style);
-    [[nodiscard]] const ButtonStyle& buttonStyle() const { return m_style; }
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;

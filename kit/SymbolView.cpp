@@ -14,19 +14,6 @@ SymbolView::SymbolView(Symbol symbol, const SymbolStyle& style, QWidget* parent)
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
 }
 
-void SymbolView::setSymbol(Symbol symbol)
-{
-    m_symbol = symbol;
-    update();
-}
-
-void SymbolView::setSymbolStyle(const SymbolStyle& style)
-{
-    m_style = style;
-    updateGeometry();
-    update();
-}
-
 QSize SymbolView::sizeHint() const
 {
     const int side = static_cast<int>(std::ceil(m_style.size));

@@ -14,9 +14,6 @@ class SymbolView : public QWidget {
 public:
     explicit SymbolView(Symbol symbol, const SymbolStyle& style = {}, QWidget* parent = nullptr);
 
-    void setSymbol(Symbol symbol);
-    void setSymbolStyle(const SymbolStyle& style);
-
     [[nodiscard]] QSize sizeHint() const override;
 
 protected:

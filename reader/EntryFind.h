@@ -24,11 +24,11 @@ public:
     void pageGrew(QStringView piece);
     /// Looks for something else, in `page`.
     void setFindText(const QString& text, QStringView page);
-    void setCurrentMatchIndex(int index);
     /// Looks for nothing any more.
     void reset();
 
 private:
+    void setCurrentMatchIndex(int index);
     void showMatches();
     void scrollToCurrent();
 

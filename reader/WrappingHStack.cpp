@@ -19,10 +19,18 @@ QSize measuredSize(QWidget* widget, int available)
             wanted.height()};
 }
 
-} // namespace
+/// An item of the strip as its arithmetic sees it.
+struct WrappingItem {
+    int width = 0;
+    bool equalsLast = false; ///< the list's last item equals it, as the last one does itself
+};
 
+/// Where each item stands, from the leading edge and from the top. Rows are filled one after the
+/// other; an item that does not fit goes to the next row, the very first one too. An item that
+/// equals the last one is taken for it: what follows starts again at the leading edge of the first
+/// row.
 QList<QPoint> wrappedPositions(const QList<WrappingItem>& items, int available,
-                               const WrappingLengths& lengths)
+                               const WrappingLengths& lengths = {})
 {
     QList<QPoint> positions;
     int width = 0; // both count downwards from the leading top corner
@@ -39,6 +47,8 @@ QList<QPoint> wrappedPositions(const QList<WrappingItem>& items, int available,
     }
     return positions;
 }
+
+} // namespace
 
 void WrappingRows::setChildren(const QList<Child>& children)
 {

@@ -1,6 +1,5 @@
 #pragma once
 
-#include <QPoint>
 #include <QWidget>
 
 #include <functional>
@@ -13,19 +12,6 @@ struct WrappingLengths {
     int rowGap = 8;
     int itemGap = 8;
 };
-
-/// An item of the strip as its arithmetic sees it.
-struct WrappingItem {
-    int width = 0;
-    bool equalsLast = false; ///< the list's last item equals it, as the last one does itself
-};
-
-/// Where each item stands, from the leading edge and from the top. Rows are filled one after the
-/// other; an item that does not fit goes to the next row, the very first one too. An item that
-/// equals the last one is taken for it: what follows starts again at the leading edge of the first
-/// row.
-[[nodiscard]] QList<QPoint> wrappedPositions(const QList<WrappingItem>& items, int available,
-                                             const WrappingLengths& lengths = {});
 
 /// Child widgets in rows, exactly as high as the rows are. A child that can shrink is never wider
 /// than a row.

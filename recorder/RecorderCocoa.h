@@ -27,11 +27,9 @@ public:
                            QWidget* parent = nullptr);
     ~RecorderCocoa() override;
 
-    [[nodiscard]] const KeyboardShortcuts::Name& shortcutName() const { return m_shortcutName; }
     [[nodiscard]] bool isRecording() const { return m_recording; }
     /// The shortcut as it is shown; empty while there is none, and while recording.
     [[nodiscard]] QString text() const;
-    [[nodiscard]] QString placeholder() const;
 
     /// Asked for at each combination: those that the menu has for itself are refused.
     void setMenuItems(std::function<QList<MenuItem>()> menuItems);
@@ -65,6 +63,7 @@ private:
     void alertClosed(bool forced, const Shortcut& shortcut);
     void accept(const std::optional<Shortcut>& shortcut);
     void showValue();
+    [[nodiscard]] QString placeholder() const;
 
     KeyboardShortcuts::Name m_shortcutName;
     Change m_onChange;

@@ -12,13 +12,14 @@ bool isOptionAlone(Modifiers modifiers)
     return (modifiers & compared) == Modifier::option;
 }
 
-} // namespace
-
+/// Whether the system has the flaw of not reporting keys with Option alone.
 bool disallowsOptionAlone(const QOperatingSystemVersion& system)
 {
     return system.type() == QOperatingSystemVersion::MacOS && system.majorVersion() == 15 &&
            (system.minorVersion() == 0 || system.minorVersion() == 1);
 }
+
+} // namespace
 
 std::optional<ShortcutRefusal> refusalOf(const Shortcut& shortcut,
                                          const ShortcutSurroundings& surroundings)

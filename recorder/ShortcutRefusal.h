@@ -40,7 +40,4 @@ struct ShortcutSurroundings {
 [[nodiscard]] std::optional<ShortcutRefusal> refusalOf(const Shortcut& shortcut,
                                                        const ShortcutSurroundings& surroundings);
 
-/// Whether the system has the flaw of not reporting keys with Option alone.
-[[nodiscard]] bool disallowsOptionAlone(const QOperatingSystemVersion& system);
-
 } // namespace varno

@@ -125,7 +125,7 @@ private Q_SLOTS:
             QVERIFY(shows(symbol, ColorRole::text) > 100);
             QVERIFY(shows(button, ColorRole::text) > 100);
             QCOMPARE(shows(rule, ColorRole::border), rule.width());
-            const QColor red = isLight(theme) ? QColor(255, 59, 48) : QColor(255, 69, 58);
+            const QColor red = theme == AppTheme::dark ? QColor(255, 69, 58) : QColor(255, 59, 48);
             QVERIFY(pixelsOf(window.grab(warning.geometry()).toImage(), red) > 100);
         }
     }

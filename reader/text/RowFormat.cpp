@@ -52,6 +52,12 @@ const KindStyle& styleOf(const Row& row)
     return styleOf(row.start.isSentence ? BlockKind::paragraph : row.start.kind);
 }
 
+/// The space above a row, beyond that below the row before it.
+double paddingAbove(BlockKind kind)
+{
+    return kind == BlockKind::boldHeader ? paddingAboveBoldHeader : 0;
+}
+
 } // namespace
 
 RowFormat::RowFormat(int fontSize, const QColor& textColor)
@@ -66,11 +72,6 @@ QColor RowFormat::numberColor() const
     QColor color = m_textColor;
     color.setAlphaF(static_cast<float>(color.alphaF() * numberOpacity));
     return color;
-}
-
-double RowFormat::paddingAbove(BlockKind kind)
-{
-    return kind == BlockKind::boldHeader ? paddingAboveBoldHeader : 0;
 }
 
 double RowFormat::paddingBelow(const Row& row) const

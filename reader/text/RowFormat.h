@@ -33,9 +33,6 @@ public:
     /// The font of a list's mark: a number too wide for its place is smaller.
     [[nodiscard]] QFont markFont(const QString& mark) const;
 
-    /// The space above a row, beyond that below the row before it.
-    [[nodiscard]] static double paddingAbove(BlockKind kind);
-
     /// `previousMargin` is the bottom margin of the row before: of two margins that meet, a
     /// document keeps the wider one.
     [[nodiscard]] QTextBlockFormat block(const Row& row, bool rightToLeft,
