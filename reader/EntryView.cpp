@@ -141,7 +141,7 @@ void EntryView::showPage()
     m_breadcrumbBar.setCrumbs(crumbs);
 
     m_column.setTitle(m_viewModel.streamingTitle());
-    m_column.setSurroundings({
+    m_column.setPageState({
         .errorMessage = m_viewModel.errorMessage(),
         .isStreaming = m_viewModel.isStreaming(),
         .isWithoutText = isWithoutText(m_viewModel),

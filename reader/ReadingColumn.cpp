@@ -47,7 +47,7 @@ ReadingColumn::ReadingColumn(QWidget* parent)
     verticalScrollBar()->setSingleStep(lineStep);
     setFocusPolicy(Qt::ClickFocus);
     setContent(m_page);
-    setSurroundings({});
+    setPageState({});
 
     connect(verticalScrollBar(), &QScrollBar::actionTriggered, this, [this] { m_scroll.stop(); });
     connect(&m_text, &MarkdownContentView::selectionDragged, &m_selectionScroller,
@@ -75,22 +75,22 @@ void ReadingColumn::setFontSize(int points)
     keepPosition([&] { m_text.setFontSize(points); });
 }
 
-void ReadingColumn::setSurroundings(const Surroundings& surroundings)
+void ReadingColumn::setPageState(const PageState& state)
 {
-    const bool isWhole = !surroundings.errorMessage;
+    const bool isWhole = !state.errorMessage;
     const bool hasFocus = isAncestorOf(QApplication::focusWidget());
     setFocusProxy(isWhole ? &m_text : nullptr);
-    if (surroundings.errorMessage)
-        m_error.showFailure(*surroundings.errorMessage);
+    if (state.errorMessage)
+        m_error.showFailure(*state.errorMessage);
     else
         m_error.showNotice(tr("This entry came back without any text."));
-    m_relatedTopics.setTopics(surroundings.relatedTopics);
+    m_relatedTopics.setTopics(state.relatedTopics);
 
-    m_errorPlace.setVisible(!isWhole || surroundings.isWithoutText);
+    m_errorPlace.setVisible(!isWhole || state.isWithoutText);
     m_text.setVisible(isWhole);
-    m_streamingRow.setVisible(isWhole && surroundings.isStreaming);
-    m_fullEntryPlace.setVisible(isWhole && surroundings.offersFullEntry);
-    m_relatedTopicsPlace.setVisible(isWhole && !surroundings.relatedTopics.isEmpty());
+    m_streamingRow.setVisible(isWhole && state.isStreaming);
+    m_fullEntryPlace.setVisible(isWhole && state.offersFullEntry);
+    m_relatedTopicsPlace.setVisible(isWhole && !state.relatedTopics.isEmpty());
     if (hasFocus)
         setFocus();
 }

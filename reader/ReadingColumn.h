@@ -32,15 +32,16 @@ public:
     void setFontSize(int points);
     void setHighlightText(const QString& text) { m_text.setHighlightText(text); }
 
-    /// What there is besides the text. A failure stands in the place of everything else.
-    struct Surroundings {
+    /// How the page is doing, and what belongs to it besides its text. A failure stands in the
+    /// place of everything else.
+    struct PageState {
         std::optional<QString> errorMessage{};
         bool isStreaming = false;
         bool isWithoutText = false; ///< written, and nothing to read
         bool offersFullEntry = false;
         QStringList relatedTopics{};
     };
-    void setSurroundings(const Surroundings& surroundings);
+    void setPageState(const PageState& state);
 
     void scrollToTop();
     /// Brings the middle of that block of the text to the middle of the view, smoothly.

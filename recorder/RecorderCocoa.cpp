@@ -160,12 +160,12 @@ void RecorderCocoa::take(const QKeyEvent& event)
 
 void RecorderCocoa::consider(const Shortcut& shortcut)
 {
-    const ShortcutSurroundings surroundings{
+    const ShortcutRules rules{
         .menuItems = m_menuItems ? m_menuItems() : QList<MenuItem>(),
         .system = m_system,
         .isReserved = [this](const Shortcut& asked) { return m_shortcuts.isReserved(asked); },
     };
-    if (const std::optional<ShortcutRefusal> refusal = refusalOf(shortcut, surroundings))
+    if (const std::optional<ShortcutRefusal> refusal = refusalOf(shortcut, rules))
         refuse(*refusal, shortcut);
     else
         accept(shortcut);

@@ -21,19 +21,18 @@ bool disallowsOptionAlone(const QOperatingSystemVersion& system)
 
 } // namespace
 
-std::optional<ShortcutRefusal> refusalOf(const Shortcut& shortcut,
-                                         const ShortcutSurroundings& surroundings)
+std::optional<ShortcutRefusal> refusalOf(const Shortcut& shortcut, const ShortcutRules& rules)
 {
     using Reason = ShortcutRefusal::Reason;
-    const QList<MenuItem>& items = surroundings.menuItems;
+    const QList<MenuItem>& items = rules.menuItems;
     const auto item = std::find_if(items.begin(), items.end(), [&](const MenuItem& candidate) {
         return candidate.shortcut == shortcut;
     });
     if (item != items.end())
         return ShortcutRefusal{.reason = Reason::usedByMenuItem, .menuItem = item->title};
-    if (disallowsOptionAlone(surroundings.system) && isOptionAlone(shortcut.modifiers()))
+    if (disallowsOptionAlone(rules.system) && isOptionAlone(shortcut.modifiers()))
         return ShortcutRefusal{.reason = Reason::disallowed};
-    if (surroundings.isReserved && surroundings.isReserved(shortcut))
+    if (rules.isReserved && rules.isReserved(shortcut))
         return ShortcutRefusal{.reason = Reason::usedBySystem};
     return std::nullopt;
 }

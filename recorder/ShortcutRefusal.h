@@ -30,7 +30,7 @@ struct ShortcutRefusal {
 };
 
 /// What a combination is checked against.
-struct ShortcutSurroundings {
+struct ShortcutRules {
     QList<MenuItem> menuItems{};
     QOperatingSystemVersion system = QOperatingSystemVersion::current();
     std::function<bool(const Shortcut&)> isReserved{};
@@ -38,6 +38,6 @@ struct ShortcutSurroundings {
 
 /// Nothing if the combination can be used.
 [[nodiscard]] std::optional<ShortcutRefusal> refusalOf(const Shortcut& shortcut,
-                                                       const ShortcutSurroundings& surroundings);
+                                                       const ShortcutRules& rules);
 
 } // namespace varno
