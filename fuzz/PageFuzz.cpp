@@ -89,14 +89,14 @@ void checkRows(QStringView text)
     for (const QString& block : blocks(text)) {
         const BlockKind kind = blockKind(block);
         expected.append(isList(kind) ? itemsOf(block, kind)
-                                     : withoutBlanks(shownText(block, kind)));
+                                     : withoutBlanks(blockText(block, kind)));
     }
     fuzz::check(shown == expected, "the rows are those of the blocks");
 }
 
 void checkRuns(QStringView text)
 {
-    const QList<InlineRun> runs = inlineRuns(text);
+    const QList<InlineRun> runs = styledText(text);
     for (qsizetype index = 0; index < runs.size(); ++index) {
         fuzz::check(!runs[index].text.isEmpty(), "no run is empty");
         fuzz::check(index == 0 || runs[index - 1].styles != runs[index].styles ||

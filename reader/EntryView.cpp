@@ -57,7 +57,7 @@ void EntryView::connectBars()
 
     connect(&m_findBar, &FindBar::closed, this, [this] { m_viewModel.setShowingFind(false); });
     connect(&m_findBar, &FindBar::findTextChanged, this,
-            [this](const QString& text) { m_find.setFindText(text, shownText()); });
+            [this](const QString& text) { m_find.setFindText(text, textInColumn()); });
     auto* find = new QShortcut(this);
     find->setKeys({QKeySequence(Qt::CTRL | Qt::Key_F), QKeySequence(Qt::META | Qt::Key_F)});
     find->setContext(Qt::WidgetWithChildrenShortcut);
@@ -91,7 +91,7 @@ void EntryView::takeNote(AppViewModel::Changes what)
 }
 
 /// Of the text, what the column shows already.
-QStringView EntryView::shownText() const
+QStringView EntryView::textInColumn() const
 {
     const QStringView text = displayContent(m_viewModel);
     return text.first(std::min(text.size(), m_column.textLength()));

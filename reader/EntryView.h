@@ -44,7 +44,7 @@ private:
     void showPieces();
     void showContents();
     void showFind();
-    [[nodiscard]] QStringView shownText() const;
+    [[nodiscard]] QStringView textInColumn() const;
     void openFind();
 
     void jumpTo(const QUuid& pageId);

@@ -88,7 +88,7 @@ BlockKind blockKind(QStringView block)
     return BlockKind::paragraph;
 }
 
-QStringView shownText(QStringView block, BlockKind kind)
+QStringView blockText(QStringView block, BlockKind kind)
 {
     switch (kind) {
     case BlockKind::boldHeader:

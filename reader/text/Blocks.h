@@ -33,7 +33,7 @@ constexpr bool isList(BlockKind kind)
 [[nodiscard]] BlockKind blockKind(QStringView block);
 
 /// What of a block that is no list is shown: a heading without the marks that make it one.
-[[nodiscard]] QStringView shownText(QStringView block, BlockKind kind);
+[[nodiscard]] QStringView blockText(QStringView block, BlockKind kind);
 
 /// A row of a list: its mark ("•", or a number with its "."), and the text of the item. The mark is
 /// empty where what should be a number is a sentence; it then stands in the text.

@@ -175,8 +175,8 @@ void DocumentWriter::writeRow(qsizetype index, const Row& row)
                    .end = row.end,
                    .mark = row.mark,
                    .isSentence = row.start.isSentence};
-    shown.runs = isSame && m_last ? m_last->runs : inlineRuns(row.text);
-    shown.rightToLeft = isList(shown.kind) && shownText(shown.runs).isRightToLeft();
+    shown.runs = isSame && m_last ? m_last->runs : styledText(row.text);
+    shown.rightToLeft = isList(shown.kind) && plainText(shown.runs).isRightToLeft();
 
     const bool goesOn = index < m_rows.size() && m_last && m_last->kind == shown.kind &&
                         m_last->mark == shown.mark && m_last->isSentence == shown.isSentence;

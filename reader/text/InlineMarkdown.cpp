@@ -312,7 +312,7 @@ constexpr MD_PARSER parser = {
 
 } // namespace
 
-QList<InlineRun> inlineRuns(QStringView markdown)
+QList<InlineRun> styledText(QStringView markdown)
 {
     const Source source = prepared(markdown);
     RunBuilder runs(source);
@@ -323,7 +323,7 @@ QList<InlineRun> inlineRuns(QStringView markdown)
     return runs.take();
 }
 
-QString shownText(const QList<InlineRun>& runs)
+QString plainText(const QList<InlineRun>& runs)
 {
     QString text;
     for (const InlineRun& run : runs)

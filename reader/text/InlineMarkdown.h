@@ -32,9 +32,9 @@ struct InlineRun {
 ///
 /// Neighbouring runs differ in style or link. Takes time in proportion to the text, however it is
 /// nested.
-[[nodiscard]] QList<InlineRun> inlineRuns(QStringView markdown);
+[[nodiscard]] QList<InlineRun> styledText(QStringView markdown);
 
 /// The text of all runs.
-[[nodiscard]] QString shownText(const QList<InlineRun>& runs);
+[[nodiscard]] QString plainText(const QList<InlineRun>& runs);
 
 } // namespace varno

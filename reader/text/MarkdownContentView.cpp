@@ -38,7 +38,7 @@ bool MarkdownContentView::showsNothing(QStringView text)
 {
     RowReader reader(text);
     while (const auto row = reader.next()) {
-        if (!shownText(inlineRuns(row->text)).trimmed().isEmpty())
+        if (!plainText(styledText(row->text)).trimmed().isEmpty())
             return false;
     }
     return true;

@@ -141,7 +141,7 @@ bool RowReader::openBlock()
         m_lines = block;
         return openLine();
     }
-    m_line = ListItem{.mark = {}, .text = shownText(block, m_start.kind)};
+    m_line = ListItem{.mark = {}, .text = blockText(block, m_start.kind)};
     return true;
 }
 
