@@ -9,9 +9,9 @@
 
 namespace varno {
 
-class ModelList::Row final : public RowButton {
+class ModelList::Choice final : public RowButton {
 public:
-    explicit Row(AIModel rowModel)
+    explicit Choice(AIModel rowModel)
         : RowButton(details(rowModel).displayName)
         , model(rowModel)
         , m_name(details(rowModel).displayName)
@@ -57,7 +57,7 @@ ModelList::ModelList(QWidget* parent)
 {
     QBoxLayout* rows = column({.spacing = 2}, {});
     for (const auto& [model, rawValue] : RawValues<AIModel>::cases) {
-        auto* row = new Row(model);
+        auto* row = new Choice(model);
         rows->addWidget(row);
         m_rows.append(row);
         connect(row, &RowButton::clicked, this,
@@ -69,7 +69,7 @@ ModelList::ModelList(QWidget* parent)
 
 void ModelList::setModel(AIModel model)
 {
-    for (Row* row : m_rows)
+    for (Choice* row : m_rows)
         row->setSelected(row->model == model);
 }
 

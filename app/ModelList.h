@@ -20,8 +20,8 @@ Q_SIGNALS:
     void modelPressed(varno::AIModel model);
 
 private:
-    class Row;
-    QList<Row*> m_rows;
+    class Choice;
+    QList<Choice*> m_rows;
 };
 
 } // namespace varno

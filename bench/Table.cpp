@@ -69,26 +69,26 @@ void Table::ReportRuns(const std::vector<Run>& runs)
 void Table::print(std::ostream& out) const
 {
     out << format(columns, "", "ours", "reference", "ratio", "wanted", "");
-    for (const Row& row : m_rows)
-        print(out, row);
+    for (const Line& line : m_lines)
+        print(out, line);
 }
 
-void Table::print(std::ostream& out, const Row& row) const
+void Table::print(std::ostream& out, const Line& line) const
 {
-    const auto ours = figure(row.ours, row.measure);
-    const auto reference = figure(row.reference, row.measure);
+    const auto ours = figure(line.ours, line.measure);
+    const auto reference = figure(line.reference, line.measure);
     const auto ratio =
         ours && reference ? std::optional(*ours / *reference) : std::optional<double>();
-    const std::string wanted = row.wanted    ? boundText(*row.wanted)
-                               : row.longest ? "<= " + timeText(*row.longest)
-                                             : "-";
+    const std::string wanted = line.wanted    ? boundText(*line.wanted)
+                               : line.longest ? "<= " + timeText(*line.longest)
+                                              : "-";
     std::string verdict;
-    if (row.wanted)
-        verdict = !ratio ? "not measured" : meets(*row.wanted, *ratio) ? "met" : "not met";
-    else if (row.longest)
-        verdict = !ours ? "not measured" : *ours <= *row.longest ? "met" : "not met";
-    out << format(columns, row.name.c_str(), figureText(ours, row.measure).c_str(),
-                  figureText(reference, row.measure).c_str(),
+    if (line.wanted)
+        verdict = !ratio ? "not measured" : meets(*line.wanted, *ratio) ? "met" : "not met";
+    else if (line.longest)
+        verdict = !ours ? "not measured" : *ours <= *line.longest ? "met" : "not met";
+    out << format(columns, line.name.c_str(), figureText(ours, line.measure).c_str(),
+                  figureText(reference, line.measure).c_str(),
                   ratio ? format("%.3g", *ratio).c_str() : "-", wanted.c_str(), verdict.c_str());
 }
 

@@ -27,7 +27,7 @@ struct Bound {
 
 /// One line of the table. Benchmarks go by their names; "name:counter" is a counter of one, in
 /// seconds.
-struct Row {
+struct Line {
     std::string name;
     Measure measure = Measure::time;
     std::string ours;
@@ -44,7 +44,7 @@ public:
     {
     }
 
-    void add(const Row& row) { m_rows.push_back(row); }
+    void add(const Line& line) { m_lines.push_back(line); }
 
     void ReportRuns(const std::vector<Run>& runs) override;
 
@@ -52,9 +52,9 @@ public:
 
 private:
     [[nodiscard]] std::optional<double> figure(const std::string& benchmark, Measure measure) const;
-    void print(std::ostream& out, const Row& row) const;
+    void print(std::ostream& out, const Line& line) const;
 
-    std::vector<Row> m_rows;
+    std::vector<Line> m_lines;
     std::map<std::string, Run> m_medians; ///< by the name of the benchmark
 };
 
