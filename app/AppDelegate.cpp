@@ -62,9 +62,11 @@ void AppDelegate::applicationDidFinishLaunching()
     QTimer::singleShot(startingTime, this, &AppDelegate::warmUp);
 }
 
-/// Draws what a panel shows, for nobody: the fonts, symbols and keymap are loaded by then.
+/// Has the history read, and draws what a panel shows, for nobody: the fonts, symbols and keymap are
+/// loaded by then.
 void AppDelegate::warmUp()
 {
+    m_viewModel.refreshHistory();
     if (m_panel)
         return;
     ContentView content(m_viewModel, m_keys, panelShortcut());
@@ -77,6 +79,7 @@ void AppDelegate::prepareToQuit()
 {
     KeyboardShortcuts::shared().removeAllHandlers();
     m_viewModel.prepareToQuit();
+    m_keys.end();
 }
 
 void AppDelegate::setupStatusItem()

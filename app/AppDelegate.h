@@ -12,7 +12,7 @@ class AppDelegate final : public QObject {
     Q_OBJECT
 
 public:
-    /// What it is given outlives it; the keychain lives as long as the process.
+    /// What it is given outlives it.
     AppDelegate(const AppViewModel::Dependencies& dependencies, const KeychainService& keychain);
 
     [[nodiscard]] AppViewModel& viewModel() { return m_viewModel; }
@@ -21,7 +21,7 @@ public:
     /// loading fonts and the like, is done soon after the start.
     void applicationDidFinishLaunching();
 
-    /// Saves what there is to save; the shortcut is dead from then on.
+    /// Saves what there is to save, and ends what asks for keys; the shortcut is dead from then on.
     void prepareToQuit();
 
 public Q_SLOTS:

@@ -1,135 +1,85 @@
 #include "app/KeychainTasks.h"
 
-#include <condition_variable>
-#include <mutex>
-#include <system_error>
-#include <thread>
+#include <QPointer>
+
 #include <utility>
 
 namespace varno {
 
 using namespace std::chrono_literals;
 
-struct KeychainTasks::Changes {
-    void count(int difference)
-    {
-        const std::scoped_lock lock(mutex);
-        underWay += difference;
-        changed.notify_all();
-    }
-
-    std::mutex mutex;
-    std::condition_variable changed;
-    int underWay = 0;
-};
-
-/// One of them, as long as it is there.
-class KeychainTasks::Change {
-public:
-    explicit Change(std::shared_ptr<Changes> all)
-        : m_all(std::move(all))
-    {
-        m_all->count(+1);
-    }
-    ~Change() { m_all->count(-1); }
-    Q_DISABLE_COPY_MOVE(Change)
-
-private:
-    std::shared_ptr<Changes> m_all;
-};
-
 KeychainTasks::KeychainTasks(const KeychainService& keychain)
     : m_keychain(keychain)
-    , m_answers(std::make_shared<Mailbox<Answer>>(this))
-    , m_changes(std::make_shared<Changes>())
 {
 }
 
 KeychainTasks::~KeychainTasks()
 {
-    m_answers->close();
-    std::unique_lock lock(m_changes->mutex);
-    m_changes->changed.wait_for(lock, 2s, [this] { return m_changes->underWay == 0; });
+    end();
 }
 
-/// `work` is done on a thread that nobody waits for, `tell` is given its result on this one, or
-/// `otherwise` where there is no thread to be had.
-template <typename Work, typename Tell, typename Result>
-void KeychainTasks::start(QObject* context, Work work, Tell tell, const Result& otherwise)
+void KeychainTasks::end()
 {
-    const auto answer = [answers = m_answers, asked = QPointer<QObject>(context),
-                         tell = std::move(tell)](const Result& result) {
-        answers->send({.context = asked, .tell = [tell, result] { tell(result); }});
-    };
-    try {
-        std::thread([answer, work = std::move(work)] { answer(work()); }).detach();
-    } catch (const std::system_error&) {
-        answer(otherwise);
-    }
-}
-
-template <typename Work>
-void KeychainTasks::change(QObject* context, Work work, OnPresence onPresence)
-{
-    start(
-        context,
-        [work = std::move(work), change = std::make_shared<Change>(m_changes)] { return work(); },
-        std::move(onPresence), KeyPresence::unreachable);
+    m_changes.waitForDone(2s);
+    m_changes.stop();
+    m_questions.stop();
+    m_changes.waitForDone();
 }
 
 void KeychainTasks::askPresence(const QString& account, QObject* context, OnPresence onPresence)
 {
-    start(
-        context, [&keychain = m_keychain, account] { return keychain.presence(account); },
-        std::move(onPresence), KeyPresence::unreachable);
+    const auto tell = teller<KeyPresence>(context, std::move(onPresence));
+    if (!m_questions.start([this, account, tell](const std::stop_token& stop) {
+            tell(m_keychain.presence(account, stop));
+        }))
+        tell(KeyPresence::unreachable);
 }
 
 void KeychainTasks::load(const QString& account, std::stop_token stop, QObject* context,
                          OnKey onKey)
 {
-    start(
-        context,
-        [&keychain = m_keychain, account, stop = std::move(stop)] {
-            return keychain.load(account, stop);
-        },
-        std::move(onKey), std::optional<QString>());
+    const auto tell = teller<std::optional<QString>>(context, std::move(onKey));
+    if (!m_questions.start([this, account, asked = std::move(stop), tell](
+                               const std::stop_token& end) { // whichever of the two comes first
+            std::stop_source either;
+            const auto pass = [&either] { either.request_stop(); };
+            const std::stop_callback onAsked(asked, pass);
+            const std::stop_callback onEnd(end, pass);
+            tell(m_keychain.load(account, either.get_token()));
+        }))
+        tell(std::nullopt);
 }
 
 void KeychainTasks::save(const QString& key, const QString& account, QObject* context,
                          OnPresence onPresence)
 {
-    change(
-        context,
-        [&keychain = m_keychain, key, account] {
-            keychain.save(key, account);
-            return keychain.presence(account);
-        },
-        std::move(onPresence));
+    const auto tell = teller<KeyPresence>(context, std::move(onPresence));
+    m_changes.add([this, key, account, tell](const std::stop_token& stop) {
+        m_keychain.save(key, account, stop);
+        tell(m_keychain.presence(account, stop));
+    });
 }
 
 void KeychainTasks::remove(const QString& account, QObject* context, OnPresence onPresence)
 {
-    change(
-        context,
-        [&keychain = m_keychain, account] {
-            keychain.remove(account);
-            return keychain.presence(account);
-        },
-        std::move(onPresence));
+    const auto tell = teller<KeyPresence>(context, std::move(onPresence));
+    m_changes.add([this, account, tell](const std::stop_token& stop) {
+        m_keychain.remove(account, stop);
+        tell(m_keychain.presence(account, stop));
+    });
 }
 
-bool KeychainTasks::event(QEvent* event)
+template <typename Answer>
+std::function<void(const Answer&)>
+KeychainTasks::teller(QObject* context, std::function<void(Answer)> onAnswer) const
 {
-    if (event->type() != QEvent::User)
-        return QObject::event(event);
-    const QPointer<KeychainTasks> self(this);
-    for (const Answer& answer : m_answers->take()) {
-        if (answer.context)
-            answer.tell();
-        if (!self)
-            break;
-    }
-    return true;
+    return [address = m_inbox.address(), asked = QPointer<QObject>(context),
+            onAnswer = std::move(onAnswer)](const Answer& answer) {
+        address.send([asked, onAnswer, answer] {
+            if (asked)
+                onAnswer(answer);
+        });
+    };
 }
 
 } // namespace varno

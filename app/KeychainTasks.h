@@ -1,13 +1,12 @@
 #pragma once
 
-#include "core/Mailbox.h"
+#include "platform/Background.h"
+#include "platform/Inbox.h"
 #include "providers/KeychainService.h"
 
 #include <QObject>
-#include <QPointer>
 
 #include <functional>
-#include <memory>
 #include <optional>
 #include <stop_token>
 
@@ -17,18 +16,15 @@ namespace varno {
 /// the user takes to unlock it, and brings the answer to the main thread. Main thread only.
 ///
 /// An answer whose `context` is gone by then, or that comes after this object, is dropped. Where
-/// there is no thread to be had the answer is that the store cannot be reached.
-class KeychainTasks final : public QObject {
-    Q_OBJECT
-
+/// there is no thread to be had, questions are answered as if the store could not be reached, and
+/// changes block.
+class KeychainTasks {
 public:
     using OnPresence = std::function<void(KeyPresence)>;
-    using OnKey = std::function<void(const std::optional<QString>&)>;
+    using OnKey = std::function<void(std::optional<QString>)>;
 
-    /// `keychain` lives as long as the process: nobody waits for a store that does not answer.
     explicit KeychainTasks(const KeychainService& keychain);
-    /// Lets what is being changed come to its end, for two seconds at most.
-    ~KeychainTasks() override;
+    ~KeychainTasks();
     Q_DISABLE_COPY_MOVE(KeychainTasks)
 
     [[nodiscard]] const KeychainService& keychain() const { return m_keychain; }
@@ -39,30 +35,22 @@ public:
     /// May ask the user; `stop` ends that, and then nothing is found.
     void load(const QString& account, std::stop_token stop, QObject* context, OnKey onKey);
 
-    // Both answer with what is there afterwards. Two changes of one account at a time may take
-    // place in any order.
+    // Both answer with what is there afterwards, and take place one after the other.
     void save(const QString& key, const QString& account, QObject* context, OnPresence onPresence);
     void remove(const QString& account, QObject* context, OnPresence onPresence);
 
-protected:
-    bool event(QEvent* event) override;
+    /// Lets what is being changed come to its end, for two seconds at most, and ends the rest.
+    void end();
 
 private:
-    struct Answer {
-        QPointer<QObject> context;
-        std::function<void()> tell;
-    };
-    struct Changes;
-    class Change;
-
-    template <typename Work, typename Tell, typename Result>
-    void start(QObject* context, Work work, Tell tell, const Result& otherwise);
-    template <typename Work>
-    void change(QObject* context, Work work, OnPresence onPresence);
+    template <typename Answer>
+    [[nodiscard]] std::function<void(const Answer&)>
+    teller(QObject* context, std::function<void(Answer)> onAnswer) const;
 
     const KeychainService& m_keychain;
-    std::shared_ptr<Mailbox<Answer>> m_answers;
-    std::shared_ptr<Changes> m_changes; ///< those under way
+    Inbox m_inbox;
+    Lane m_changes;
+    Background m_questions;
 };
 
 } // namespace varno

@@ -36,6 +36,11 @@ public:
                 .gemini = GeminiService::shared()};
     }
     void started(AppDelegate& /*delegate*/) override {}
+    void end() override
+    {
+        ClaudeService::shared().endCalls();
+        GeminiService::shared().endCalls();
+    }
 
 private:
     std::unique_ptr<PreferencesStore> m_preferences = makeSystemPreferencesStore();
@@ -54,9 +59,14 @@ int live(QApplication& application, ApplicationService& service, Surroundings& s
                      &QCoreApplication::quit);
     delegate.applicationDidFinishLaunching();
     surroundings.started(delegate);
-    const AtExit saving([&delegate] { delegate.prepareToQuit(); });
+    // Libraries take themselves down when the process exits: nothing may run with them by then.
+    const auto end = [&delegate, &surroundings] {
+        delegate.prepareToQuit();
+        surroundings.end();
+    };
+    const AtExit ending(end);
     const int status = QApplication::exec();
-    delegate.prepareToQuit();
+    end();
     return status;
 }
 

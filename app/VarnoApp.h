@@ -18,6 +18,9 @@ public:
 
     /// Called once, when the icon is in its place and the shortcut is bound.
     virtual void started(AppDelegate& delegate) = 0;
+
+    /// Called at the end of the program: ends the calls of the services.
+    virtual void end() = 0;
 };
 
 /// The program, from its start to its exit status.

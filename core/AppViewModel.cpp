@@ -22,6 +22,9 @@ AppViewModel::AppViewModel(Dependencies dependencies)
     , m_preferences(readPreferences(m_dependencies.preferences))
 {
     loadSessionHistory();
+    connect(&m_dependencies.history, &HistoryStore::wasRead, this, &AppViewModel::openSearched);
+    connect(&m_dependencies.preferences, &PreferencesStore::changed, this,
+            &AppViewModel::takeStoredSearches);
 }
 
 const Page* AppViewModel::currentPage() const
@@ -83,10 +86,23 @@ void AppViewModel::search(const QString& query)
     saveCurrentSessionToHistory();
     cancelActiveStreams();
     recordSearch(trimmed);
-    if (const Session* saved = savedSession(trimmed))
+    m_searchInWaiting = trimmed;
+    if (m_dependencies.history.isRead())
+        openSearched();
+    else
+        m_dependencies.history.read();
+    publish();
+}
+
+void AppViewModel::openSearched()
+{
+    const QString query = std::exchange(m_searchInWaiting, {});
+    if (query.isEmpty())
+        return;
+    if (const Session* saved = savedSession(query))
         reopen(*saved);
     else
-        startEntry(trimmed);
+        startEntry(query);
     publish();
 }
 
@@ -135,9 +151,7 @@ void AppViewModel::clearHistory()
 void AppViewModel::refreshHistory()
 {
     m_dependencies.history.refresh();
-    if (const QStringList searches = storedSearches(); searches != searchHistory())
-        set(m_preferences.searchHistory, searches, Change::searchHistory);
-    publish();
+    m_dependencies.preferences.refresh();
 }
 
 void AppViewModel::prepareToQuit()
@@ -146,6 +160,7 @@ void AppViewModel::prepareToQuit()
     if (m_session && m_session->id != m_sessionAtClearing)
         saveCurrentSessionToHistory();
     m_dependencies.history.waitForDone();
+    m_dependencies.preferences.waitForDone();
 }
 
 void AppViewModel::loadSessionHistory()
@@ -182,21 +197,25 @@ void AppViewModel::recordSearch(const QString& query)
 {
     if (query.size() > longestRecordedSearch)
         return;
-    QStringList searches = storedSearches();
-    searches.removeIf(
-        [lowered = query.toLower()](const QString& other) { return other.toLower() == lowered; });
-    searches.prepend(query);
-    searches = searches.first(std::min(searches.size(), mostSearches));
-    m_dependencies.preferences.setStringArray(preferenceKey::searchHistory, searches);
-    set(m_preferences.searchHistory, std::move(searches), Change::searchHistory);
+    m_dependencies.preferences.editStringArray(
+        preferenceKey::searchHistory, [query](QStringList searches) {
+            searches.removeIf([lowered = query.toLower()](const QString& other) {
+                return other.toLower() == lowered;
+            });
+            searches.prepend(query);
+            return searches.first(std::min(searches.size(), mostSearches));
+        });
+    takeStoredSearches();
 }
 
 /// Those of other programs on the same preferences too.
-QStringList AppViewModel::storedSearches()
+void AppViewModel::takeStoredSearches()
 {
-    m_dependencies.preferences.refresh();
-    return m_dependencies.preferences.stringArray(preferenceKey::searchHistory)
-        .value_or(QStringList());
+    QStringList searches = m_dependencies.preferences.stringArray(preferenceKey::searchHistory)
+                               .value_or(QStringList());
+    if (searches != searchHistory())
+        set(m_preferences.searchHistory, std::move(searches), Change::searchHistory);
+    publish();
 }
 
 const Session* AppViewModel::savedSession(const QString& query)

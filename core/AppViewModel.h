@@ -56,7 +56,8 @@ public:
     };
     Q_DECLARE_FLAGS(Changes, Change)
 
-    /// Reads the preferences, and starts reading the saved sessions.
+    /// Reads the preferences. The saved sessions are read at the first search, or by
+    /// `refreshHistory`.
     explicit AppViewModel(Dependencies dependencies);
 
     // State. References are good until the next operation; a copy of the session or of its text
@@ -91,7 +92,8 @@ public:
     void setTheme(AppTheme theme);
     void setImagesEnabled(bool enabled);
 
-    /// Starts a new entry, or reopens the saved session for the same query. Ignores a blank one.
+    /// Starts a new entry, or reopens the saved session for the same query, as soon as the history
+    /// has been read. Ignores a blank one.
     void search(const QString& query);
 
     /// Writes the current page again.
@@ -132,6 +134,7 @@ private:
     void set(Value& member, NewValue&& value, Change change);
     void publish();
 
+    void openSearched();
     void reopen(const Session& saved);
     void startEntry(const QString& query);
     void streamPage(const QUuid& id, EntryType entryType, const QString& prompt,
@@ -151,7 +154,7 @@ private:
     void loadSessionHistory();
     void saveCurrentSessionToHistory();
     void recordSearch(const QString& query);
-    [[nodiscard]] QStringList storedSearches();
+    void takeStoredSearches();
     void discardUnfinishedWriting();
     [[nodiscard]] const Session* savedSession(const QString& query);
 
@@ -172,6 +175,7 @@ private:
     std::optional<QString> m_errorMessage;
     std::optional<Session> m_session;
     Preferences m_preferences;
+    QString m_searchInWaiting; ///< for the history to be read
 
     Page m_pageBeforeWriting;  ///< the page that is written, as it was
     QUuid m_sessionAtClearing; ///< open then, and not saved since

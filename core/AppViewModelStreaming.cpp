@@ -125,6 +125,7 @@ void AppViewModel::finishTOC(const QUuid& id, const TOCRequest::Outcome& outcome
 
 void AppViewModel::cancelActiveStreams()
 {
+    m_searchInWaiting.clear();
     if (m_activeTOCTask)
         set(m_tocIsLoading, false, Change::tocIsLoading);
     m_activeStreamTask.reset();

@@ -1,12 +1,12 @@
 #pragma once
 
-#include "core/Mailbox.h"
+#include "core/Reply.h"
 #include "platform/Result.h"
 
 #include <QObject>
 #include <QString>
 
-#include <memory>
+#include <utility>
 #include <variant>
 
 namespace varno {
@@ -31,34 +31,35 @@ public:
     /// is sent to a stream that is finished or gone is dropped.
     class Sink {
     public:
-        void send(const QString& piece) const { m_mailbox->send(piece); }
-        void finish(const Outcome& outcome) const { m_mailbox->send(outcome); }
+        void send(const QString& piece) const
+        {
+            m_sink.send([stream = m_stream, piece] { Q_EMIT stream->piece(piece); });
+        }
+        void finish(const Outcome& outcome) const { m_sink.finish(outcome); }
 
     private:
         friend EntryStream;
-        std::shared_ptr<Mailbox<std::variant<QString, Outcome>>> m_mailbox;
+        Sink(EntryStream* stream, Reply<Outcome>::Sink sink)
+            : m_stream(stream)
+            , m_sink(std::move(sink))
+        {
+        }
+
+        EntryStream* m_stream;
+        Reply<Outcome>::Sink m_sink;
     };
 
-    EntryStream();
-    ~EntryStream() override;
+    EntryStream() = default;
     Q_DISABLE_COPY_MOVE(EntryStream)
 
-    [[nodiscard]] Sink sink() const { return m_sink; }
+    [[nodiscard]] Sink sink() { return {this, m_reply.sink()}; }
 
 Q_SIGNALS:
     void piece(const QString& text);
     void finished(const varno::EntryStream::Outcome& outcome);
 
-protected:
-    void customEvent(QEvent* event) override;
-
 private:
-    void deliver(const std::variant<QString, Outcome>& message);
-
-    Sink m_sink;
-    bool m_delivering = false; ///< stays so once it is finished
-    bool m_moreCame = false;
-    bool m_finished = false;
+    Reply<Outcome> m_reply{[this](const Outcome& outcome) { Q_EMIT finished(outcome); }};
 };
 
 } // namespace varno

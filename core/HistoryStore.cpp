@@ -15,9 +15,6 @@ using namespace Qt::StringLiterals;
 
 using namespace std::chrono_literals;
 
-/// Until a program that starts has its icon in place.
-constexpr auto startingTime = 300ms;
-
 /// For another program that writes the file; it takes a fraction of it.
 constexpr auto lockPatience = 3000ms;
 
@@ -27,8 +24,6 @@ HistoryStore::HistoryStore(QString path)
     : m_path(std::move(path))
     , m_oldestKept(-std::numeric_limits<ReferenceSeconds>::infinity())
 {
-    m_readingTimer.setSingleShot(true);
-    connect(&m_readingTimer, &QTimer::timeout, this, &HistoryStore::startReading);
 }
 
 QString HistoryStore::defaultPath()
@@ -41,33 +36,16 @@ QString HistoryStore::defaultPath()
     return path;
 }
 
-void HistoryStore::load(ReferenceSeconds oldestKept)
+void HistoryStore::read()
 {
-    m_oldestKept = oldestKept;
-    m_readingTimer.start(startingTime);
-}
-
-void HistoryStore::startReading()
-{
-    m_readingTimer.stop();
     if (!std::exchange(m_readingStarted, true))
-        m_background.add([this] { start(); });
-}
-
-const SessionHistory& HistoryStore::sessions()
-{
-    if (!m_sessions) {
-        startReading();
-        waitForDone();
-        takeReports();
-    }
-    return *m_sessions;
+        m_lane.add([this](const std::stop_token&) { start(); });
 }
 
 void HistoryStore::put(const Session& session)
 {
-    if (m_sessions)
-        m_sessions->put(session);
+    if (m_isRead)
+        m_sessions.put(session);
     change([this, session] {
         takeIn();
         m_saved.put(session);
@@ -78,8 +56,7 @@ void HistoryStore::put(const Session& session)
 
 void HistoryStore::clear()
 {
-    if (m_sessions)
-        m_sessions = SessionHistory();
+    m_sessions = SessionHistory();
     change([this] {
         takeIn();
         m_saved = m_unwritten = SessionHistory();
@@ -91,8 +68,8 @@ void HistoryStore::clear()
 
 void HistoryStore::change(std::function<void()> work)
 {
-    startReading();
-    m_background.add([this, work = std::move(work), number = ++m_changes] {
+    read();
+    m_lane.add([this, work = std::move(work), number = ++m_changes](const std::stop_token&) {
         const FolderLock lock(QFileInfo(m_path).path(), lockPatience);
         work();
         report(number);
@@ -101,8 +78,11 @@ void HistoryStore::change(std::function<void()> work)
 
 void HistoryStore::refresh()
 {
-    startReading();
-    m_background.add([this, number = m_changes] {
+    if (!m_readingStarted) {
+        read();
+        return;
+    }
+    m_lane.add([this, number = m_changes](const std::stop_token&) {
         if (takeIn())
             report(number);
     });
@@ -110,21 +90,17 @@ void HistoryStore::refresh()
 
 void HistoryStore::waitForDone()
 {
-    m_background.waitForDone();
+    m_lane.waitForDone();
 }
 
-void HistoryStore::customEvent(QEvent*)
+/// What is told from before a change that is still under way would undo it; more follows.
+void HistoryStore::take(int changes, const SessionHistory& saved)
 {
-    takeReports();
-}
-
-/// A report from before a change that is still under way would undo it; another one follows.
-void HistoryStore::takeReports()
-{
-    for (Report& report : m_reports.take()) {
-        if (report.changes == m_changes)
-            m_sessions = std::move(report.saved);
-    }
+    if (changes != m_changes)
+        return;
+    m_sessions = saved;
+    if (!std::exchange(m_isRead, true))
+        Q_EMIT wasRead();
 }
 
 void HistoryStore::start()
@@ -168,7 +144,7 @@ void HistoryStore::write()
 
 void HistoryStore::report(int changes)
 {
-    m_reports.send({.changes = changes, .saved = m_saved});
+    m_inbox.address().send([this, changes, saved = m_saved] { take(changes, saved); });
 }
 
 } // namespace varno

@@ -1,12 +1,11 @@
 #pragma once
 
-#include "core/Mailbox.h"
 #include "core/SessionHistory.h"
-#include "core/TaskQueue.h"
+#include "platform/Background.h"
 #include "platform/Files.h"
+#include "platform/Inbox.h"
 
 #include <QObject>
-#include <QTimer>
 
 #include <functional>
 #include <optional>
@@ -20,6 +19,8 @@ namespace varno {
 /// anything is written, and what they cleared is gone. A file that cannot be read as a whole is set
 /// aside before the first write takes its place.
 class HistoryStore final : public QObject {
+    Q_OBJECT
+
 public:
     explicit HistoryStore(QString path = defaultPath());
 
@@ -31,12 +32,15 @@ public:
     /// the folder is created then.
     static QString defaultPath();
 
-    /// Has the file read a moment later, when the start of the program is over. Sessions from
-    /// before `oldestKept` count as gone.
-    void load(ReferenceSeconds oldestKept);
+    /// Sessions from before `oldestKept` count as gone. To be told before anything else.
+    void load(ReferenceSeconds oldestKept) { m_oldestKept = oldestKept; }
 
-    /// What is saved, pending writes included. Waits for the file if it has not been read yet.
-    [[nodiscard]] const SessionHistory& sessions();
+    /// Has the file read, if nothing has had it read yet; `wasRead` follows.
+    void read();
+    [[nodiscard]] bool isRead() const { return m_isRead; }
+
+    /// What is saved, pending writes included; empty until the file has been read.
+    [[nodiscard]] const SessionHistory& sessions() const { return m_sessions; }
 
     /// Saves `session` as the newest.
     void put(const Session& session);
@@ -44,25 +48,20 @@ public:
     /// Empties the file, and removes all that was ever set aside or left unfinished.
     void clear();
 
-    /// Looks whether another program has written the file.
+    /// Looks whether another program has written the file. The first time, that reads it.
     void refresh();
 
     /// Blocks until everything started so far is done.
     void waitForDone();
 
-protected:
-    void customEvent(QEvent* event) override;
+Q_SIGNALS:
+    /// `sessions` are known from now on. Once.
+    void wasRead();
 
 private:
-    struct Report {
-        int changes = 0; ///< that were asked for before it
-        SessionHistory saved;
-    };
-
     // Main thread
-    void startReading();
     void change(std::function<void()> work);
-    void takeReports();
+    void take(int changes, const SessionHistory& saved);
 
     // Background
     void start();
@@ -72,11 +71,11 @@ private:
 
     QString m_path;
     ReferenceSeconds m_oldestKept;
-    QTimer m_readingTimer;
     bool m_readingStarted = false;
+    bool m_isRead = false;
     int m_changes = 0;
-    std::optional<SessionHistory> m_sessions; ///< absent until the file has been read
-    Mailbox<Report> m_reports{this};
+    SessionHistory m_sessions;
+    Inbox m_inbox;
 
     // Of the background
     SessionHistory m_saved;
@@ -84,7 +83,7 @@ private:
     bool m_known = false;       ///< whether the file was ever looked at
     std::optional<FileStamp> m_stamp;
     bool m_damaged = false;
-    TaskQueue m_background; ///< last, so that it ends first
+    Lane m_lane; ///< last, so that it ends first
 };
 
 } // namespace varno

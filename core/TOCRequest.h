@@ -1,12 +1,10 @@
 #pragma once
 
-#include "core/Mailbox.h"
+#include "core/Reply.h"
 #include "platform/Result.h"
 
 #include <QObject>
 #include <QStringList>
-
-#include <memory>
 
 namespace varno {
 
@@ -20,30 +18,18 @@ public:
     using Outcome = Result<QStringList>;
 
     /// The producer's end; may outlive the request. Any thread.
-    class Sink {
-    public:
-        void finish(const Outcome& outcome) const { m_mailbox->send(outcome); }
+    using Sink = Reply<Outcome>::Sink;
 
-    private:
-        friend TOCRequest;
-        std::shared_ptr<Mailbox<Outcome>> m_mailbox;
-    };
-
-    TOCRequest();
-    ~TOCRequest() override;
+    TOCRequest() = default;
     Q_DISABLE_COPY_MOVE(TOCRequest)
 
-    [[nodiscard]] Sink sink() const { return m_sink; }
+    [[nodiscard]] Sink sink() { return m_reply.sink(); }
 
 Q_SIGNALS:
     void finished(const varno::TOCRequest::Outcome& outcome);
 
-protected:
-    void customEvent(QEvent* event) override;
-
 private:
-    Sink m_sink;
-    bool m_finished = false;
+    Reply<Outcome> m_reply{[this](const Outcome& outcome) { Q_EMIT finished(outcome); }};
 };
 
 } // namespace varno

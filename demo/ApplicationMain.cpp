@@ -55,6 +55,8 @@ public:
         delegate.showWindow();
     }
 
+    void end() override { m_setting->endCalls(); }
+
 private:
     std::unique_ptr<DemonstrationSetting> m_setting;
     Invocation m_invocation;

@@ -57,6 +57,12 @@ AppViewModel::Dependencies DemonstrationSetting::dependencies()
         .preferences = m_preferences, .history = m_history, .claude = m_claude, .gemini = m_gemini};
 }
 
+void DemonstrationSetting::endCalls() const
+{
+    m_claude.endCalls();
+    m_gemini.endCalls();
+}
+
 void DemonstrationSetting::storeKeys()
 {
     for (const QString& account : accounts())

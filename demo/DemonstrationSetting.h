@@ -25,6 +25,9 @@ public:
     /// What a controller works with here, which does not outlive the setting.
     [[nodiscard]] AppViewModel::Dependencies dependencies();
 
+    /// Ends the calls of the two clients.
+    void endCalls() const;
+
     // The made-up keys.
     static void storeKeys();
     static void removeKeys();

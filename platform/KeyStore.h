@@ -22,7 +22,8 @@ struct KeyGlance {
     QByteArray secret = {}; ///< of an item that is open
 };
 
-/// The system's store of secrets. Any thread; every call blocks until the store has answered.
+/// The system's store of secrets. Any thread; every call blocks until the store has answered, or
+/// `stop` ends it as a failure.
 class KeyStore {
 public:
     virtual ~KeyStore() = default;
@@ -32,18 +33,18 @@ public:
 
     /// Removes every item of that name, then adds one that holds `secret`, bytes as they are.
     /// Failures are silent.
-    virtual void replace(const KeyName& name, const QByteArray& secret) = 0;
+    virtual void replace(const KeyName& name, const QByteArray& secret, std::stop_token stop) = 0;
 
     /// Removes every item of that name. Failures, and a name without an item, are silent.
-    virtual void remove(const KeyName& name) = 0;
+    virtual void remove(const KeyName& name, std::stop_token stop) = 0;
 
     /// The secret, or nothing when there is none, when the store cannot be reached or when the user
-    /// refuses. `stop` ends the wait.
+    /// refuses.
     [[nodiscard]] virtual std::optional<QByteArray> find(const KeyName& name,
                                                          std::stop_token stop) const = 0;
 
     /// Never unlocks and never asks the user.
-    [[nodiscard]] virtual KeyGlance look(const KeyName& name) const = 0;
+    [[nodiscard]] virtual KeyGlance look(const KeyName& name, std::stop_token stop) const = 0;
 };
 
 } // namespace varno

@@ -1,6 +1,5 @@
 #include "providers/KeyRequest.h"
 
-#include <system_error>
 #include <utility>
 
 namespace varno {
@@ -13,14 +12,11 @@ KeyRequest::KeyRequest(Question question)
 KeyRequest::Answer KeyRequest::wait(const std::stop_token& stop)
 {
     std::unique_lock lock(m_mutex);
-    if (!std::exchange(m_started, true)) {
-        try {
-            m_thread = std::jthread([this](const std::stop_token& end) { put(end); });
-        } catch (const std::system_error&) { // no thread to be had
-            lock.unlock();
-            put(stop);
-            lock.lock();
-        }
+    if (!std::exchange(m_started, true) &&
+        !m_background.start([this](const std::stop_token& end) { put(end); })) {
+        lock.unlock();
+        put(stop);
+        lock.lock();
     }
     return m_answered.wait(lock, stop, [this] { return m_answer.has_value(); }) ? *m_answer
                                                                                 : Answer();

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Background.h"
+
 #include <QByteArray>
 
 #include <condition_variable>
@@ -7,7 +9,6 @@
 #include <mutex>
 #include <optional>
 #include <stop_token>
-#include <thread>
 
 namespace varno {
 
@@ -34,7 +35,7 @@ private:
     std::condition_variable_any m_answered;
     std::optional<Answer> m_answer;
     bool m_started = false;
-    std::jthread m_thread; ///< last: its end is that of the question
+    Background m_background; ///< last: its end is that of the question
 };
 
 } // namespace varno

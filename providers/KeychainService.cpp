@@ -21,8 +21,7 @@ std::optional<QString> textOf(const QByteArray& bytes)
 
 const KeychainService& KeychainService::shared()
 {
-    // Never destroyed: while the process exits there may be threads that ask it.
-    static const KeychainService& service = *new KeychainService(systemKeyStore());
+    static const KeychainService service(systemKeyStore());
     return service;
 }
 
@@ -31,9 +30,10 @@ KeychainService::KeychainService(KeyStore& store)
 {
 }
 
-void KeychainService::save(const QString& key, const QString& account) const
+void KeychainService::save(const QString& key, const QString& account,
+                           const std::stop_token& stop) const
 {
-    m_store.replace({.service = service, .account = account}, key.toUtf8());
+    m_store.replace({.service = service, .account = account}, key.toUtf8(), stop);
     changed(account);
 }
 
@@ -63,15 +63,15 @@ std::optional<QString> KeychainService::load(Request request, const std::stop_to
     return bytes ? textOf(*bytes) : std::nullopt;
 }
 
-void KeychainService::remove(const QString& account) const
+void KeychainService::remove(const QString& account, const std::stop_token& stop) const
 {
-    m_store.remove({.service = service, .account = account});
+    m_store.remove({.service = service, .account = account}, stop);
     changed(account);
 }
 
-KeyPresence KeychainService::presence(const QString& account) const
+KeyPresence KeychainService::presence(const QString& account, const std::stop_token& stop) const
 {
-    const KeyGlance glance = m_store.look({.service = service, .account = account});
+    const KeyGlance glance = m_store.look({.service = service, .account = account}, stop);
     switch (glance.state) {
     case KeyGlance::State::unreachable:
         return KeyPresence::unreachable;

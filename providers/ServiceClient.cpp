@@ -154,7 +154,7 @@ ServiceClient::ServiceClient(HttpSession& http, const KeychainService& keychain,
 std::unique_ptr<EntryStream> ServiceClient::streamEntry(const ModelRequest& request) const
 {
     auto stream = std::make_unique<EntryStream>();
-    const bool started = m_tasks.start(
+    const bool started = m_background.start(
         [this, request, sink = stream->sink(),
          key = m_keychain.request(m_dialect.keyAccount)](const std::stop_token& stop) mutable {
             StreamReader reader(m_dialect, sink);
@@ -179,7 +179,7 @@ std::unique_ptr<TOCRequest> ServiceClient::generateTOC(const QString& topic, con
                                .model = model,
                                .webSearch = webSearch};
     auto toc = std::make_unique<TOCRequest>();
-    const bool started = m_tasks.start(
+    const bool started = m_background.start(
         [this, request, sink = toc->sink(),
          key = m_keychain.request(m_dialect.keyAccount)](const std::stop_token& stop) mutable {
             const Result<QString> reply = callNonStreaming(request, std::move(key), stop);

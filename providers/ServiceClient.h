@@ -4,7 +4,6 @@
 #include "core/ModelService.h"
 #include "platform/HttpSession.h"
 #include "providers/KeychainService.h"
-#include "providers/TaskGroup.h"
 #include "providers/WireFormat.h"
 
 #include <functional>
@@ -37,6 +36,9 @@ public:
     [[nodiscard]] std::unique_ptr<TOCRequest>
     generateTOC(const QString& topic, const QString& model, bool webSearch) const final;
 
+    /// Ends the calls under way and waits for that.
+    void endCalls() const { m_background.stop(); }
+
     /// The same for both services.
     [[nodiscard]] static std::optional<QStringList> parseJSONArray(const QString& text)
     {
@@ -58,7 +60,7 @@ private:
     HttpSession& m_http;
     const KeychainService& m_keychain;
     ServiceDialect m_dialect;
-    mutable TaskGroup m_tasks; ///< last, so that it ends first
+    mutable Background m_background; ///< last, so that it ends first
 };
 
 } // namespace varno

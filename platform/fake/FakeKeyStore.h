@@ -10,13 +10,13 @@ namespace varno {
 /// Keys in memory.
 class FakeKeyStore final : public KeyStore {
 public:
-    void replace(const KeyName& name, const QByteArray& secret) override
+    void replace(const KeyName& name, const QByteArray& secret, std::stop_token) override
     {
         const std::scoped_lock lock(m_mutex);
         m_secrets[name.service + u'/' + name.account] = secret;
     }
 
-    void remove(const KeyName& name) override
+    void remove(const KeyName& name, std::stop_token) override
     {
         const std::scoped_lock lock(m_mutex);
         m_secrets.erase(name.service + u'/' + name.account);
@@ -30,7 +30,7 @@ public:
         return found == m_secrets.end() ? std::nullopt : std::optional(found->second);
     }
 
-    [[nodiscard]] KeyGlance look(const KeyName& name) const override
+    [[nodiscard]] KeyGlance look(const KeyName& name, std::stop_token) const override
     {
         const auto secret = find(name, {});
         return secret ? KeyGlance{KeyGlance::State::open, *secret}

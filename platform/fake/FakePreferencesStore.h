@@ -32,8 +32,13 @@ public:
         values[key] = value;
     }
     void remove(const QString& key) override { values.remove(key); }
+    void editStringArray(const QString& key, const ListEdit& edit) override
+    {
+        values[key] = edit(stringArray(key).value_or(QStringList()));
+    }
     void refresh() override {}
     void removeLeftovers() override {}
+    void waitForDone() override {}
 
 private:
     template <typename Value>

@@ -2,30 +2,17 @@
 
 #include "platform/linux/IniText.h"
 
-#include <QFileInfo>
 #include <QStandardPaths>
-
-#include <utility>
 
 namespace varno {
 
-using namespace std::chrono_literals;
 using namespace Qt::StringLiterals;
 
-namespace {
-
-/// For another program that writes the file; the main thread waits.
-constexpr auto lockPatience = 100ms;
-
-} // namespace
-
 IniPreferencesStore::IniPreferencesStore(const QString& path)
-    : m_path(path)
-    , m_folder(QFileInfo(path).absolutePath())
+    : m_file(path)
 {
-    read();
-    if (const FolderLock lock(m_folder, 0ms); lock.held())
-        removeUnfinishedFiles(m_path);
+    m_text = m_file.text();
+    m_lane.add([this](const std::stop_token&) { m_file.removeUnfinished(); });
 }
 
 QString IniPreferencesStore::defaultPath()
@@ -36,7 +23,7 @@ QString IniPreferencesStore::defaultPath()
 
 bool IniPreferencesStore::contains(const QString& key) const
 {
-    return value(key).has_value();
+    return iniValue(m_text, key.toLatin1()).has_value();
 }
 
 std::optional<bool> IniPreferencesStore::boolean(const QString& key) const
@@ -57,7 +44,7 @@ std::optional<QString> IniPreferencesStore::string(const QString& key) const
 
 std::optional<QStringList> IniPreferencesStore::stringArray(const QString& key) const
 {
-    const Value written = value(key);
+    const IniFile::Value written = iniValue(m_text, key.toLatin1());
     return written ? iniWords(*written) : std::nullopt;
 }
 
@@ -73,74 +60,65 @@ void IniPreferencesStore::setString(const QString& key, const QString& value)
 
 void IniPreferencesStore::setStringArray(const QString& key, const QStringList& value)
 {
-    change(key, iniValueOf(value));
+    change(key, [written = iniValueOf(value)](const IniFile::Value&) { return written; });
+}
+
+void IniPreferencesStore::editStringArray(const QString& key, const ListEdit& edit)
+{
+    change(key, [edit](const IniFile::Value& written) {
+        const auto words = written ? iniWords(*written) : std::nullopt;
+        return iniValueOf(edit(words.value_or(QStringList())));
+    });
 }
 
 void IniPreferencesStore::remove(const QString& key)
 {
-    refresh();
     if (contains(key))
-        change(key, std::nullopt);
+        change(key, [](const IniFile::Value&) { return IniFile::Value(); });
 }
 
 void IniPreferencesStore::refresh()
 {
-    if (m_isInTheWay || fileStamp(m_path) != m_stamp)
-        read();
+    m_lane.add([this, number = m_changes](const std::stop_token&) {
+        m_file.refresh();
+        tell(number);
+    });
 }
 
 void IniPreferencesStore::removeLeftovers()
 {
-    const FolderLock lock(m_folder, lockPatience);
-    removeFilesSetAside(m_path);
-    removeUnfinishedFiles(m_path);
+    m_lane.add([this](const std::stop_token&) { m_file.removeLeftovers(); });
 }
 
-IniPreferencesStore::Value IniPreferencesStore::value(const QString& key) const
+void IniPreferencesStore::waitForDone()
 {
-    const auto unwritten = m_unwritten.constFind(key.toLatin1());
-    return unwritten != m_unwritten.cend() ? *unwritten : iniValue(m_text, key.toLatin1());
+    m_lane.waitForDone();
 }
 
-void IniPreferencesStore::change(const QString& key, const Value& value)
+/// Here at once, and then again in the file.
+void IniPreferencesStore::change(const QString& key, const IniFile::Edit& edit)
 {
-    m_unwritten.insert(key.toLatin1(), value);
-    createPrivateDirectory(m_folder);
-    const FolderLock lock(m_folder, lockPatience);
-    refresh();
-    write();
+    const QByteArray name = key.toLatin1();
+    m_text = withIniValue(m_text, name, edit(iniValue(m_text, name)));
+    m_lane.add([this, name, edit, number = ++m_changes](const std::stop_token&) {
+        m_file.change(name, edit);
+        tell(number);
+    });
 }
 
-void IniPreferencesStore::read()
+/// In the background.
+void IniPreferencesStore::tell(int changes)
 {
-    m_stamp = fileStamp(m_path); // first: what is written meanwhile has another
-    const auto found = readFile(m_path, limit);
-    const auto* const bytes = std::get_if<QByteArray>(&found);
-    m_isInTheWay = !bytes && std::get<FileError>(found) == FileError::unreadable;
-    if (!m_isInTheWay)
-        m_text = bytes ? *bytes : QByteArray();
+    m_inbox.address().send([this, changes, text = m_file.text()] { take(changes, text); });
 }
 
-void IniPreferencesStore::write()
+/// What is told from before a change that is still under way would undo it; more follows.
+void IniPreferencesStore::take(int changes, const QByteArray& text)
 {
-    QByteArray text = m_text;
-    QHash<QByteArray, Value> tooLong;
-    for (auto change = m_unwritten.cbegin(); change != m_unwritten.cend(); ++change) {
-        QByteArray next = withIniValue(text, change.key(), change.value());
-        if (next.size() <= limit)
-            text = std::move(next);
-        else
-            tooLong.insert(change.key(), change.value());
-    }
-    if (m_isInTheWay && setFileAside(m_path)) {
-        m_isInTheWay = false;
-        m_stamp.reset();
-    }
-    if (m_isInTheWay || !writeFileAtomically(m_path, text))
+    if (changes != m_changes || text == m_text)
         return;
-    m_text = std::move(text);
-    m_stamp = fileStamp(m_path);
-    m_unwritten = std::move(tooLong);
+    m_text = text;
+    Q_EMIT changed();
 }
 
 } // namespace varno

@@ -1,19 +1,18 @@
 #pragma once
 
-#include "platform/Files.h"
+#include "platform/Background.h"
+#include "platform/Inbox.h"
 #include "platform/PreferencesStore.h"
-
-#include <QHash>
+#include "platform/linux/IniFile.h"
 
 namespace varno {
 
-/// Preferences in a private INI file, which other programs may write too. What is no such file is
-/// ignored, and set aside when there is something to write.
+/// Preferences in a private INI file, which other programs may write too.
 class IniPreferencesStore final : public PreferencesStore {
-public:
-    /// Of the file, in bytes: 15 searches as long as a field takes, 32767 letters of at most 4.
-    static constexpr qsizetype limit = 2LL * 1024 * 1024;
+    Q_OBJECT
 
+public:
+    /// Reads the file.
     explicit IniPreferencesStore(const QString& path);
 
     /// `Varno/Varno.conf` in the user's configuration folder.
@@ -27,24 +26,22 @@ public:
     void setBoolean(const QString& key, bool value) override;
     void setString(const QString& key, const QString& value) override;
     void setStringArray(const QString& key, const QStringList& value) override;
+    void editStringArray(const QString& key, const ListEdit& edit) override;
     void remove(const QString& key) override;
     void refresh() override;
     void removeLeftovers() override;
+    void waitForDone() override;
 
 private:
-    using Value = std::optional<QByteArray>; ///< as the file has it
+    void change(const QString& key, const IniFile::Edit& edit);
+    void tell(int changes);
+    void take(int changes, const QByteArray& text);
 
-    [[nodiscard]] Value value(const QString& key) const;
-    void change(const QString& key, const Value& value);
-    void read();
-    void write();
-
-    QString m_path;
-    QString m_folder;
-    QByteArray m_text; ///< as it was read or written last
-    std::optional<FileStamp> m_stamp;
-    bool m_isInTheWay = false; ///< what is no file of ours
-    QHash<QByteArray, Value> m_unwritten;
+    QByteArray m_text; ///< of the file, with all changes
+    int m_changes = 0;
+    Inbox m_inbox;
+    IniFile m_file; ///< of the background, once this is made
+    Lane m_lane;    ///< last, so that it ends first
 };
 
 } // namespace varno

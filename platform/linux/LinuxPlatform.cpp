@@ -46,21 +46,17 @@ HotKeyEvents& systemHotKeyEvents()
     return *events;
 }
 
-// Neither is ever destroyed: while the process exits there may be threads that use them.
-// NOLINTBEGIN(cppcoreguidelines-avoid-non-const-global-variables): they have no state of their own
-
 HttpSession& systemHttpSession()
 {
-    static auto* const session = new LoadedHttpSession;
-    return *session;
+    static LoadedHttpSession session;
+    return session;
 }
 
 KeyStore& systemKeyStore()
 {
-    static auto* const store = new LoadedKeyStore;
-    return *store;
+    static LoadedKeyStore store;
+    return store;
 }
-// NOLINTEND(cppcoreguidelines-avoid-non-const-global-variables)
 
 Keyboard& systemKeyboard()
 {

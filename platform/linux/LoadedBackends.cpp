@@ -6,7 +6,6 @@
 
 #include <cstdio>
 #include <filesystem>
-#include <mutex>
 #include <utility>
 
 namespace varno {
@@ -28,93 +27,50 @@ void* load(const char* module)
     return dlopen((isInstalled ? installed : built).c_str(), RTLD_NOW);
 }
 
-/// What the function of a module makes; null, and said on the console, if there is none.
-template <typename Backend>
-Backend* makeBackend(const char* module, const char* function)
+} // namespace
+
+void* moduleFunction(const char* module, const char* function)
 {
     void* const loaded = load(module);
-    void* const make = loaded ? dlsym(loaded, function) : nullptr;
-    if (make)
-        return reinterpret_cast<Backend* (*)()>(make)();
-    const char* const reason = dlerror();
-    std::fprintf(stderr, "Varno cannot load %s: %s\n", module, reason ? reason : "not found");
-    return nullptr;
-}
-
-/// A backend from its first use on, as long as the process: while it exits there may be threads
-/// that use it. What could not be loaded is tried again, since it may have been for want of
-/// descriptors.
-template <typename Backend>
-class Loaded {
-public:
-    Loaded(const char* module, const char* function)
-        : m_module(module)
-        , m_function(function)
-    {
+    void* const found = loaded ? dlsym(loaded, function) : nullptr;
+    if (!found) {
+        const char* const reason = dlerror();
+        std::fprintf(stderr, "Varno cannot load %s: %s\n", module, reason ? reason : "not found");
     }
-
-    Backend* get()
-    {
-        const std::scoped_lock lock(m_mutex);
-        if (!m_backend)
-            m_backend = makeBackend<Backend>(m_module, m_function);
-        return m_backend;
-    }
-
-private:
-    const char* m_module;
-    const char* m_function;
-    std::mutex m_mutex;
-    Backend* m_backend = nullptr;
-};
-
-HttpSession* httpSession()
-{
-    // Never destroyed. NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
-    static auto* const session = new Loaded<HttpSession>("varno-http.so", "varnoMakeHttpSession");
-    return session->get();
+    return found;
 }
-
-KeyStore* keyStore()
-{
-    // Never destroyed. NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
-    static auto* const store = new Loaded<KeyStore>("varno-key-ring.so", "varnoMakeKeyStore");
-    return store->get();
-}
-
-} // namespace
 
 std::optional<Failure> LoadedHttpSession::perform(const HttpRequest& request,
                                                   HttpReceiver& receiver, std::stop_token stop)
 {
-    HttpSession* const session = httpSession();
+    HttpSession* const session = m_backend.get();
     if (!session)
         return Failure{u"Varno is not installed completely: varno-http.so cannot be loaded."_s};
     return session->perform(request, receiver, std::move(stop));
 }
 
-void LoadedKeyStore::replace(const KeyName& name, const QByteArray& secret)
+void LoadedKeyStore::replace(const KeyName& name, const QByteArray& secret, std::stop_token stop)
 {
-    if (KeyStore* const store = keyStore())
-        store->replace(name, secret);
+    if (KeyStore* const store = m_backend.get())
+        store->replace(name, secret, std::move(stop));
 }
 
-void LoadedKeyStore::remove(const KeyName& name)
+void LoadedKeyStore::remove(const KeyName& name, std::stop_token stop)
 {
-    if (KeyStore* const store = keyStore())
-        store->remove(name);
+    if (KeyStore* const store = m_backend.get())
+        store->remove(name, std::move(stop));
 }
 
 std::optional<QByteArray> LoadedKeyStore::find(const KeyName& name, std::stop_token stop) const
 {
-    const KeyStore* const store = keyStore();
+    const KeyStore* const store = m_backend.get();
     return store ? store->find(name, std::move(stop)) : std::nullopt;
 }
 
-KeyGlance LoadedKeyStore::look(const KeyName& name) const
+KeyGlance LoadedKeyStore::look(const KeyName& name, std::stop_token stop) const
 {
-    const KeyStore* const store = keyStore();
-    return store ? store->look(name) : KeyGlance();
+    const KeyStore* const store = m_backend.get();
+    return store ? store->look(name, std::move(stop)) : KeyGlance();
 }
 
 } // namespace varno

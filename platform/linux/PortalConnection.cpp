@@ -5,8 +5,6 @@
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
-#include <QPromise>
-#include <QThreadPool>
 
 #include <memory>
 #include <utility>
@@ -37,7 +35,6 @@ PortalConnection::PortalConnection(Connector connector)
     : m_connector(std::move(connector))
     , m_bus(QString())
 {
-    connect(&m_connecting, &QFutureWatcherBase::finished, this, &PortalConnection::watch);
 }
 
 PortalConnection::~PortalConnection() = default;
@@ -50,18 +47,17 @@ void PortalConnection::open()
         return;
     m_state = State::connecting;
     // The first use of a bus waits for it, and may even start one.
-    const auto promise = std::make_shared<QPromise<QDBusConnection>>();
-    m_connecting.setFuture(promise->future());
-    QThreadPool::globalInstance()->start([promise, connector = m_connector] {
-        promise->start();
-        promise->addResult(connector());
-        promise->finish();
-    });
+    const bool started = m_background.start(
+        [this, address = m_inbox.address(), connector = m_connector](const std::stop_token&) {
+            address.send([this, bus = connector()] { watch(bus); });
+        });
+    if (!started)
+        m_inbox.address().send([this] { setOwner(QString()); });
 }
 
-void PortalConnection::watch()
+void PortalConnection::watch(const QDBusConnection& bus)
 {
-    m_bus = m_connecting.result();
+    m_bus = bus;
     if (!m_bus.isConnected()) {
         setOwner(QString());
         return;

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "platform/Background.h"
+#include "platform/Inbox.h"
+
 #include <QDBusConnection>
 #include <QDBusContext>
-#include <QFutureWatcher>
 #include <QObject>
 #include <QString>
 
@@ -49,16 +51,17 @@ private Q_SLOTS:
 private:
     enum class State : quint8 { closed, connecting, introducing, ready, lost };
 
-    void watch();
+    void watch(const QDBusConnection& bus);
     void introduce();
     void askForOwner();
     void setOwner(const QString& owner);
 
     Connector m_connector;
-    QFutureWatcher<QDBusConnection> m_connecting;
     QDBusConnection m_bus;
     QString m_owner;
     State m_state = State::closed;
+    Inbox m_inbox;
+    Background m_background; ///< last, so that it ends first
 };
 
 } // namespace varno

@@ -79,18 +79,19 @@ void add(SecretConversation& ring, const KeyName& name, const QByteArray& secret
 
 } // namespace
 
-void SecretServiceKeyStore::replace(const KeyName& name, const QByteArray& secret)
+void SecretServiceKeyStore::replace(const KeyName& name, const QByteArray& secret,
+                                    std::stop_token stop)
 {
-    SecretConversation ring;
+    SecretConversation ring(std::move(stop));
     if (!ring.service() || !unlock(ring, name))
         return; // to go on would be to ask again
     clear(ring, name);
     add(ring, name, secret);
 }
 
-void SecretServiceKeyStore::remove(const KeyName& name)
+void SecretServiceKeyStore::remove(const KeyName& name, std::stop_token stop)
 {
-    SecretConversation ring;
+    SecretConversation ring(std::move(stop));
     if (ring.service() && unlock(ring, name))
         clear(ring, name);
 }
@@ -111,9 +112,9 @@ std::optional<QByteArray> SecretServiceKeyStore::find(const KeyName& name,
     return bytesOf(*value);
 }
 
-KeyGlance SecretServiceKeyStore::look(const KeyName& name) const
+KeyGlance SecretServiceKeyStore::look(const KeyName& name, std::stop_token stop) const
 {
-    SecretConversation ring;
+    SecretConversation ring(std::move(stop));
     if (!ring.service())
         return {};
     GError* error = nullptr;

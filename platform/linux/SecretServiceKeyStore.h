@@ -10,11 +10,11 @@ namespace varno {
 /// waits for the user holds up no other.
 class SecretServiceKeyStore final : public KeyStore {
 public:
-    void replace(const KeyName& name, const QByteArray& secret) override;
-    void remove(const KeyName& name) override;
+    void replace(const KeyName& name, const QByteArray& secret, std::stop_token stop) override;
+    void remove(const KeyName& name, std::stop_token stop) override;
     [[nodiscard]] std::optional<QByteArray> find(const KeyName& name,
                                                  std::stop_token stop) const override;
-    [[nodiscard]] KeyGlance look(const KeyName& name) const override;
+    [[nodiscard]] KeyGlance look(const KeyName& name, std::stop_token stop) const override;
 };
 
 } // namespace varno
