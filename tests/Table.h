@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QDebug>
+#include <QTest>
+
+namespace varno {
+
+/// Says in which row of its table a test failed. What names the row may be any values:
+///     for (const auto& [text, expected] : std::initializer_list<std::pair<QString, int>>{...}) {
+///         const InRow row(text);
+class InRow {
+public:
+    template <typename... Values>
+    explicit InRow(const Values&... values)
+    {
+        (QDebug(&m_name) << ... << values);
+    }
+    ~InRow()
+    {
+        if (QTest::currentTestFailed())
+            qWarning("in the row %s", qPrintable(m_name.left(200)));
+    }
+    Q_DISABLE_COPY_MOVE(InRow)
+
+private:
+    QString m_name;
+};
+
+} // namespace varno
