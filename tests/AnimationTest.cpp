@@ -218,5 +218,5 @@ private:
     FakeAnimationSetting m_setting;
 };
 
-QTEST_MAIN(AnimationTest)
+VARNO_TEST(QApplication, AnimationTest)
 #include "AnimationTest.moc"

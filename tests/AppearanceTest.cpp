@@ -78,5 +78,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(AppearanceTest)
+VARNO_TEST(QCoreApplication, AppearanceTest)
 #include "AppearanceTest.moc"

@@ -188,5 +188,5 @@ void BlocksTest::highlights()
 
 } // namespace varno
 
-QTEST_APPLESS_MAIN(varno::BlocksTest)
+VARNO_TEST(QCoreApplication, varno::BlocksTest)
 #include "BlocksTest.moc"

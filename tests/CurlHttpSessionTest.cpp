@@ -376,5 +376,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(CurlHttpSessionTest)
+VARNO_TEST(QCoreApplication, CurlHttpSessionTest)
 #include "CurlHttpSessionTest.moc"

@@ -126,5 +126,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(DemonstrationTest)
+VARNO_TEST(QCoreApplication, DemonstrationTest)
 #include "DemonstrationTest.moc"

@@ -155,5 +155,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(EntryStreamTest)
+VARNO_TEST(QCoreApplication, EntryStreamTest)
 #include "EntryStreamTest.moc"

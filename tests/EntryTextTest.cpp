@@ -62,5 +62,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(EntryTextTest)
+VARNO_TEST(QCoreApplication, EntryTextTest)
 #include "EntryTextTest.moc"

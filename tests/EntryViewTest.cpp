@@ -40,8 +40,6 @@ void fail(Screen& screen)
 
 } // namespace
 
-Q_DECLARE_METATYPE(Setup)
-
 class EntryViewTest : public QObject {
     Q_OBJECT
 
@@ -435,5 +433,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(EntryViewTest)
+VARNO_TEST(QApplication, EntryViewTest)
 #include "EntryViewTest.moc"

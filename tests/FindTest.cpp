@@ -209,5 +209,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(FindTest)
+VARNO_TEST(QApplication, FindTest)
 #include "FindTest.moc"

@@ -314,5 +314,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(HistoryTest)
+VARNO_TEST(QCoreApplication, HistoryTest)
 #include "HistoryTest.moc"

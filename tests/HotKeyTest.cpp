@@ -318,5 +318,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(HotKeyTest)
+VARNO_TEST(QCoreApplication, HotKeyTest)
 #include "HotKeyTest.moc"

@@ -233,5 +233,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(IniPreferencesStoreTest)
+VARNO_TEST(QCoreApplication, IniPreferencesStoreTest)
 #include "IniPreferencesStoreTest.moc"

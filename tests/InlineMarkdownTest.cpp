@@ -211,5 +211,5 @@ void InlineMarkdownTest::hostileText()
 
 } // namespace varno
 
-QTEST_APPLESS_MAIN(varno::InlineMarkdownTest)
+VARNO_TEST(QCoreApplication, varno::InlineMarkdownTest)
 #include "InlineMarkdownTest.moc"

@@ -434,5 +434,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(KeychainServiceTest)
+VARNO_TEST(QCoreApplication, KeychainServiceTest)
 #include "KeychainServiceTest.moc"

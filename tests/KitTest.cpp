@@ -333,5 +333,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(KitTest)
+VARNO_TEST(QApplication, KitTest)
 #include "KitTest.moc"

@@ -94,5 +94,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(LineSplitterTest)
+VARNO_TEST(QCoreApplication, LineSplitterTest)
 #include "LineSplitterTest.moc"

@@ -443,5 +443,5 @@ void MarkdownContentViewTest::endsWithHostileText()
 
 } // namespace varno
 
-QTEST_MAIN(varno::MarkdownContentViewTest)
+VARNO_TEST(QApplication, varno::MarkdownContentViewTest)
 #include "MarkdownContentViewTest.moc"

@@ -164,5 +164,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(NavigationTest)
+VARNO_TEST(QCoreApplication, NavigationTest)
 #include "NavigationTest.moc"

@@ -122,5 +122,5 @@ void PanelTest::comesBackOntoTheScreen()
     QVERIFY(f.panel.y() >= 0);
 }
 
-QTEST_MAIN(PanelTest)
+VARNO_TEST(QApplication, PanelTest)
 #include "PanelTest.moc"

@@ -727,5 +727,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(PortalHotKeysTest)
+VARNO_TEST(QCoreApplication, PortalHotKeysTest)
 #include "PortalHotKeysTest.moc"

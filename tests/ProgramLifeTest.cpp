@@ -306,5 +306,5 @@ void ProgramLifeTest::dumpsNoCore()
     QCOMPARE(m_program->end(), 0);
 }
 
-QTEST_GUILESS_MAIN(ProgramLifeTest)
+VARNO_TEST(QCoreApplication, ProgramLifeTest)
 #include "ProgramLifeTest.moc"

@@ -155,5 +155,5 @@ void ProgramSettingsTest::keepsKeysToItself()
     QVERIFY(!QFile::exists(sessionKeys));
 }
 
-QTEST_GUILESS_MAIN(ProgramSettingsTest)
+VARNO_TEST(QCoreApplication, ProgramSettingsTest)
 #include "ProgramSettingsTest.moc"

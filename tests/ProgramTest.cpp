@@ -296,5 +296,5 @@ void ProgramTest::isOnEveryDesktop()
     selectDesktop(0);
 }
 
-QTEST_GUILESS_MAIN(ProgramTest)
+VARNO_TEST(QCoreApplication, ProgramTest)
 #include "ProgramTest.moc"

@@ -84,5 +84,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(PromptsTest)
+VARNO_TEST(QCoreApplication, PromptsTest)
 #include "PromptsTest.moc"

@@ -7,8 +7,6 @@ using namespace Qt::StringLiterals;
 
 using Change = std::function<void(Screen&)>;
 
-Q_DECLARE_METATYPE(Change)
-
 class ReadingColumnTest : public QObject {
     Q_OBJECT
 
@@ -166,5 +164,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(ReadingColumnTest)
+VARNO_TEST(QApplication, ReadingColumnTest)
 #include "ReadingColumnTest.moc"

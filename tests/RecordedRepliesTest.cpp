@@ -246,5 +246,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(RecordedRepliesTest)
+VARNO_TEST(QCoreApplication, RecordedRepliesTest)
 #include "RecordedRepliesTest.moc"

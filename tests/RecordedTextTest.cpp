@@ -116,5 +116,5 @@ private Q_SLOTS:
 
 } // namespace varno
 
-QTEST_MAIN(varno::RecordedTextTest)
+VARNO_TEST(QApplication, varno::RecordedTextTest)
 #include "RecordedTextTest.moc"

@@ -400,5 +400,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(RecorderTest)
+VARNO_TEST(QApplication, RecorderTest)
 #include "RecorderTest.moc"

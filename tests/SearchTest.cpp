@@ -328,5 +328,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(SearchTest)
+VARNO_TEST(QCoreApplication, SearchTest)
 #include "SearchTest.moc"

@@ -280,5 +280,5 @@ void SearchViewTest::worksByKeyboard()
     QVERIFY(f.field().text() != u"one two"_s);
 }
 
-QTEST_MAIN(SearchViewTest)
+VARNO_TEST(QApplication, SearchViewTest)
 #include "SearchViewTest.moc"

@@ -558,5 +558,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ServiceClientTest)
+VARNO_TEST(QCoreApplication, ServiceClientTest)
 #include "ServiceClientTest.moc"

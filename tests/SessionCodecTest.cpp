@@ -251,5 +251,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(SessionCodecTest)
+VARNO_TEST(QCoreApplication, SessionCodecTest)
 #include "SessionCodecTest.moc"

@@ -112,5 +112,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(SessionTest)
+VARNO_TEST(QCoreApplication, SessionTest)
 #include "SessionTest.moc"

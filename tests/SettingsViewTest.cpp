@@ -377,5 +377,5 @@ void SettingsViewTest::doneLeaves()
     QVERIFY(!f.model->isShowingSettings());
 }
 
-QTEST_MAIN(SettingsViewTest)
+VARNO_TEST(QApplication, SettingsViewTest)
 #include "SettingsViewTest.moc"

@@ -186,5 +186,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(ShortcutTest)
+VARNO_TEST(QCoreApplication, ShortcutTest)
 #include "ShortcutTest.moc"

@@ -286,5 +286,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(StandInServiceTest)
+VARNO_TEST(QCoreApplication, StandInServiceTest)
 #include "StandInServiceTest.moc"

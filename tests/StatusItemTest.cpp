@@ -247,5 +247,5 @@ void StatusItemTest::olderStatusArea()
     QCOMPARE(area->icons(), 1);
 }
 
-QTEST_GUILESS_MAIN(StatusItemTest)
+VARNO_TEST(QCoreApplication, StatusItemTest)
 #include "StatusItemTest.moc"

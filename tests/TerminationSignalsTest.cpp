@@ -66,5 +66,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(TerminationSignalsTest)
+VARNO_TEST(QCoreApplication, TerminationSignalsTest)
 #include "TerminationSignalsTest.moc"

@@ -10,8 +10,6 @@
 using namespace varno;
 using namespace Qt::StringLiterals;
 
-Q_DECLARE_METATYPE(std::optional<QString>)
-
 namespace {
 
 std::string_view view(const QByteArray& bytes)
@@ -273,19 +271,15 @@ private Q_SLOTS:
     {
         QProcess child;
         child.setProcessChannelMode(QProcess::MergedChannels);
-        child.start(QCoreApplication::applicationFilePath(), {u"--reversed-brackets"_s});
+        child.start(QCoreApplication::applicationFilePath(), {u"reversedBrackets"_s});
         QVERIFY(child.waitForFinished());
         QCOMPARE(child.exitStatus(), QProcess::CrashExit);
         QVERIFY(child.readAll().contains("stands before the first"));
     }
 };
 
-int main(int argc, char** argv)
-{
-    const QCoreApplication application(argc, argv);
-    if (QCoreApplication::arguments().contains(u"--reversed-brackets"_s))
-        return parseJSONArray(u"] and ["_s) ? 0 : 1;
-    WireFormatTest test;
-    return QTest::qExec(&test, argc, argv);
-}
+static const TestEntry reversedBrackets("reversedBrackets", [](int, char**) {
+    return parseJSONArray(u"] and ["_s) ? 0 : 1;
+});
+VARNO_TEST(QCoreApplication, WireFormatTest)
 #include "WireFormatTest.moc"

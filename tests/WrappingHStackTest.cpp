@@ -118,5 +118,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_MAIN(WrappingHStackTest)
+VARNO_TEST(QApplication, WrappingHStackTest)
 #include "WrappingHStackTest.moc"

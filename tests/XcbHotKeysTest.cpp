@@ -329,5 +329,5 @@ private Q_SLOTS:
     }
 };
 
-QTEST_GUILESS_MAIN(XcbHotKeysTest)
+VARNO_TEST(QCoreApplication, XcbHotKeysTest)
 #include "XcbHotKeysTest.moc"
