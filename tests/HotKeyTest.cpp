@@ -2,6 +2,7 @@
 #include "platform/fake/FakeKeyboard.h"
 #include "platform/fake/FakePreferencesStore.h"
 #include "shortcuts/ShortcutEvents.h"
+#include "tests/Table.h"
 
 #include <QSignalSpy>
 #include <QTest>
@@ -20,22 +21,16 @@ const Shortcut controlJ(Key::j, Modifier::control);
 constexpr quint32 pressed = 5;
 constexpr quint32 released = 6;
 
-/// What is written to the console while it lives.
-class Console {
-public:
-    Console()
-        : m_before(std::cerr.rdbuf(m_text.rdbuf()))
-    {
-    }
-    ~Console() { std::cerr.rdbuf(m_before); }
-    Q_DISABLE_COPY_MOVE(Console)
-
-    [[nodiscard]] QString text() const { return QString::fromStdString(m_text.str()); }
-
-private:
-    std::ostringstream m_text;
-    std::streambuf* m_before;
-};
+/// What `action` writes to the console.
+template <typename Action>
+QString written(Action action)
+{
+    std::ostringstream text;
+    std::streambuf* const before = std::cerr.rdbuf(text.rdbuf());
+    action();
+    std::cerr.rdbuf(before);
+    return QString::fromStdString(text.str());
+}
 
 } // namespace
 
@@ -49,10 +44,8 @@ private:
     std::unique_ptr<KeyboardShortcuts> m_shortcuts;
     QStringList m_calls;
 
-    Name name(const QString& rawValue, const Shortcut& shortcut)
-    {
-        return Name(rawValue, shortcut, *m_shortcuts);
-    }
+    Name open() { return Name(u"open"_s, optionCommandF, *m_shortcuts); }
+    Name other() { return Name(u"other"_s, controlJ, *m_shortcuts); }
 
     KeyboardShortcuts::Action calls(const QString& text)
     {
@@ -62,7 +55,7 @@ private:
     QStringList takeCalls() { return std::exchange(m_calls, {}); }
 
     /// Answers what the handler answers for the registered combination.
-    std::optional<int> send(const Shortcut& shortcut, quint32 kind)
+    std::optional<int> send(const Shortcut& shortcut, quint32 kind = released)
     {
         for (const auto& [reference, registration] : std::map(m_events.registered))
             if (registration.combination ==
@@ -93,79 +86,65 @@ private Q_SLOTS:
 
     void pressesAndReleases()
     {
-        const Name open = name(u"open"_s, optionCommandF);
-        const Name other = name(u"other"_s, controlJ);
+        const Name name = open();
         QVERIFY(m_events.registered.empty());
-        m_shortcuts->onKeyDown(open, calls(u"down"_s));
-        m_shortcuts->onKeyUp(open, calls(u"up"_s));
-        m_shortcuts->onKeyUp(other, calls(u"other"_s));
+        m_shortcuts->onKeyDown(name, calls(u"down"_s));
+        m_shortcuts->onKeyUp(name, calls(u"up"_s));
+        m_shortcuts->onKeyUp(other(), calls(u"other"_s));
         QCOMPARE(m_events.registered.size(), 2U);
         QCOMPARE(m_events.installations, 1);
-        QCOMPARE(send(optionCommandF, pressed), std::optional(0));
-        QCOMPARE(takeCalls(), QStringList{u"down"_s});
-        QCOMPARE(send(optionCommandF, released), std::optional(0));
-        QCOMPARE(takeCalls(), QStringList{u"up"_s});
+        for (const auto& [shortcut, kind, call] : {std::tuple(optionCommandF, pressed, u"down"_s),
+                                                   std::tuple(optionCommandF, released, u"up"_s),
+                                                   std::tuple(controlJ, released, u"other"_s)}) {
+            QCOMPARE(send(shortcut, kind), std::optional(0));
+            QCOMPARE(takeCalls(), QStringList{call});
+        }
         QCOMPARE(m_shortcuts->lastEventTime(), 4711U);
-        QCOMPARE(send(controlJ, released), std::optional(0));
-        QCOMPARE(takeCalls(), QStringList{u"other"_s});
-    }
-
-    void eventsOfOthers_data()
-    {
-        QTest::addColumn<HotKeyEvent>("event");
-        QTest::addColumn<int>("answer");
-        const HotKeyIdentity ours{.signature = 0x53534B53, .id = 1};
-        QTest::newRow("unreadable")
-            << HotKeyEvent{.kind = pressed, .parameterStatus = -9870, .identity = ours} << -9870;
-        QTest::newRow("signature")
-            << HotKeyEvent{.kind = pressed, .identity = {.signature = 0x53534B54, .id = 1}}
-            << -9874;
-        QTest::newRow("id") << HotKeyEvent{.kind = pressed,
-                                           .identity = {.signature = 0x53534B53, .id = 2}}
-                            << -9874;
-        QTest::newRow("kind") << HotKeyEvent{.kind = 7, .identity = ours} << -9874;
-        QTest::newRow("kind of a key") << HotKeyEvent{.kind = 1, .identity = ours} << -9874;
     }
 
     void eventsOfOthers()
     {
-        QFETCH(HotKeyEvent, event);
-        m_shortcuts->onKeyDown(name(u"open"_s, optionCommandF), calls(u"down"_s));
-        QTEST(m_events.send(event).value_or(1), "answer");
-        QVERIFY(m_calls.isEmpty());
-    }
-
-    void keyboardEventsOfOldSystems_data()
-    {
-        QTest::addColumn<QOperatingSystemVersion>("system");
-        QTest::addColumn<bool>("listens");
-        QTest::newRow("13.6") << QOperatingSystemVersion(QOperatingSystemVersion::MacOS, 13, 6)
-                              << true;
-        QTest::newRow("14.0") << QOperatingSystemVersion(QOperatingSystemVersion::MacOS, 14, 0)
-                              << false;
-        QTest::newRow("this one") << QOperatingSystemVersion(QOperatingSystemVersion::current())
-                                  << false;
+        m_shortcuts->onKeyDown(open(), calls(u"down"_s));
+        constexpr quint32 signature = 0x53534B53;
+        const HotKeyIdentity ours{.signature = signature, .id = 1};
+        for (const auto& [event, answer] :
+             {std::pair(HotKeyEvent{.kind = pressed, .parameterStatus = -9870, .identity = ours},
+                        -9870), // unreadable
+              std::pair(HotKeyEvent{.kind = pressed, .identity = {signature + 1, 1}}, -9874),
+              std::pair(HotKeyEvent{.kind = pressed, .identity = {signature, 2}}, -9874),
+              std::pair(HotKeyEvent{.kind = 7, .identity = ours}, -9874),
+              std::pair(HotKeyEvent{.kind = 1, .identity = ours}, -9874)}) { // as a key's
+            const InRow row(event.kind, event.identity.signature, event.identity.id);
+            QCOMPARE(m_events.send(event), std::optional(answer));
+            QVERIFY(m_calls.isEmpty());
+        }
     }
 
     void keyboardEventsOfOldSystems()
     {
-        QFETCH(QOperatingSystemVersion, system);
-        QFETCH(bool, listens);
-        HotKeyCenter center(m_events, system);
+        const auto mac = [](int major, int minor) {
+            return QOperatingSystemVersion(QOperatingSystemVersion::MacOS, major, minor);
+        };
+        const HotKeyEvent down{.eventClass = HotKeyEventClass::keyboard,
+                               .kind = 1,
+                               .carbonKeyCode = controlJ.carbonKeyCode(),
+                               .carbonModifiers = controlJ.carbonModifiers()};
+        for (const QOperatingSystemVersion& system :
+             {mac(14, 0), QOperatingSystemVersion(QOperatingSystemVersion::current())}) {
+            HotKeyCenter center(m_events, system);
+            QVERIFY(center.add(controlJ, {}));
+            QCOMPARE(m_events.send(down), std::nullopt);
+        }
+        HotKeyCenter center(m_events, mac(13, 6));
         QVERIFY(center.add(controlJ, {.keyDown = calls(u"down"_s), .keyUp = calls(u"up"_s)}));
-        HotKeyEvent event{.eventClass = HotKeyEventClass::keyboard,
-                          .kind = 1,
-                          .carbonKeyCode = controlJ.carbonKeyCode(),
-                          .carbonModifiers = controlJ.carbonModifiers()};
-        QCOMPARE(m_events.send(event), listens ? std::optional(0) : std::nullopt);
-        if (!listens)
-            return;
+        QCOMPARE(m_events.send(down), std::optional(0));
+        HotKeyEvent event = down;
         event.kind = 3;
         QCOMPARE(m_events.send(event), std::optional(0));
         QCOMPARE(takeCalls(), QStringList({u"down"_s, u"up"_s}));
         event.kind = 2;
         QCOMPARE(m_events.send(event), std::optional(-9874));
-        event.kind = 1;
+        event = down;
         event.carbonModifiers = 0;
         QCOMPARE(m_events.send(event), std::optional(-9874));
         QVERIFY(m_calls.isEmpty());
@@ -173,147 +152,127 @@ private Q_SLOTS:
 
     void changedShortcutIsLiveAtOnce()
     {
-        const Name open = name(u"open"_s, optionCommandF);
-        m_shortcuts->onKeyUp(open, calls(u"up"_s));
-        m_shortcuts->setShortcut(controlJ, open);
-        QVERIFY(!send(optionCommandF, released));
-        QCOMPARE(send(controlJ, released), std::optional(0));
+        const Name name = open();
+        m_shortcuts->onKeyUp(name, calls(u"up"_s));
+        m_shortcuts->setShortcut(controlJ, name);
+        QVERIFY(!send(optionCommandF));
+        QCOMPARE(send(controlJ), std::optional(0));
         QCOMPARE(takeCalls(), QStringList{u"up"_s});
-        m_shortcuts->setShortcut({}, open);
+        m_shortcuts->setShortcut({}, name);
         QVERIFY(m_events.registered.empty());
         m_shortcuts->resetAll();
-        QCOMPARE(send(optionCommandF, released), std::optional(0));
+        QCOMPARE(send(optionCommandF), std::optional(0));
     }
 
     void sharedShortcut()
     {
-        const Name one = name(u"one"_s, controlJ);
-        const Name two = name(u"two"_s, controlJ);
+        const Name one(u"one"_s, controlJ, *m_shortcuts);
         m_shortcuts->onKeyUp(one, calls(u"one"_s));
-        m_shortcuts->onKeyUp(two, calls(u"two"_s));
+        m_shortcuts->onKeyUp(other(), calls(u"other"_s));
         QCOMPARE(m_events.registered.size(), 1U);
-        send(controlJ, released);
+        send(controlJ);
         QStringList both = takeCalls();
         both.sort();
-        QCOMPARE(both, QStringList({u"one"_s, u"two"_s}));
+        QCOMPARE(both, QStringList({u"one"_s, u"other"_s}));
         m_shortcuts->removeHandler(one);
-        send(controlJ, released);
-        QCOMPARE(takeCalls(), QStringList{u"two"_s});
+        send(controlJ);
+        QCOMPARE(takeCalls(), QStringList{u"other"_s});
         m_shortcuts->removeAllHandlers();
         QVERIFY(m_events.registered.empty());
     }
 
     void enableAndDisable()
     {
-        const Name open = name(u"open"_s, optionCommandF);
-        m_shortcuts->onKeyUp(open, calls(u"up"_s));
-        QVERIFY(m_shortcuts->isEnabled(open));
-        m_shortcuts->disable({open});
-        QVERIFY(!m_shortcuts->isEnabled(open));
+        const Name name = open();
+        m_shortcuts->onKeyUp(name, calls(u"up"_s));
+        QVERIFY(m_shortcuts->isEnabled(name));
+        m_shortcuts->disable({name});
+        QVERIFY(!m_shortcuts->isEnabled(name));
         QVERIFY(m_events.registered.empty());
-        QCOMPARE(m_shortcuts->getShortcut(open), std::optional(optionCommandF));
-        m_shortcuts->enable({open});
-        QVERIFY(m_shortcuts->isEnabled(open));
-        send(optionCommandF, released);
+        QCOMPARE(m_shortcuts->getShortcut(name), std::optional(optionCommandF));
+        m_shortcuts->enable({name});
+        QVERIFY(m_shortcuts->isEnabled(name));
+        QVERIFY(send(optionCommandF));
         QCOMPARE(takeCalls(), QStringList{u"up"_s});
     }
 
     void pausing()
     {
-        m_shortcuts->onKeyUp(name(u"open"_s, optionCommandF), calls(u"up"_s));
-        const auto isHeard = [this] { return send(optionCommandF, released).has_value(); };
+        Q_EMIT m_shortcuts->recorderActiveStatusDidChange(true); // before the first handler
+        m_shortcuts->onKeyUp(open(), calls(u"up"_s));
+        QVERIFY(!send(optionCommandF));
+        Q_EMIT m_shortcuts->recorderActiveStatusDidChange(false);
+        QVERIFY(send(optionCommandF));
         Q_EMIT m_shortcuts->recorderActiveStatusDidChange(true);
-        m_shortcuts->onKeyUp(name(u"other"_s, controlJ), calls(u"other"_s));
+        m_shortcuts->onKeyUp(other(), calls(u"other"_s));
         QCOMPARE(m_events.registered.size(), 2U);
-        QVERIFY(!isHeard());
+        QVERIFY(!send(optionCommandF));
         m_shortcuts->setEnabled(false);
         Q_EMIT m_shortcuts->recorderActiveStatusDidChange(false);
-        QVERIFY(!isHeard());
+        QVERIFY(!send(optionCommandF));
         m_shortcuts->setEnabled(true);
-        QVERIFY(isHeard());
-        QCOMPARE(takeCalls(), QStringList{u"up"_s});
+        QVERIFY(send(optionCommandF));
+        QCOMPARE(takeCalls(), QStringList({u"up"_s, u"up"_s}));
     }
 
-    void firstHandlerWhilePaused()
+    void refusedAtOnceOrLater()
     {
-        Q_EMIT m_shortcuts->recorderActiveStatusDidChange(true);
-        m_shortcuts->onKeyUp(name(u"open"_s, optionCommandF), calls(u"up"_s));
-        QVERIFY(!send(optionCommandF, released));
-        Q_EMIT m_shortcuts->recorderActiveStatusDidChange(false);
-        QCOMPARE(send(optionCommandF, released), std::optional(0));
-    }
-
-    void refusedRegistration()
-    {
+        const Name name = open();
+        const auto verifyRefused = [&](const QString& console) {
+            QCOMPARE(console, u"Error registering hotkey ⌥⌘F\n"_s);
+            QVERIFY(!m_shortcuts->isEnabled(name));
+            QCOMPARE(m_shortcuts->getShortcut(name), std::optional(optionCommandF));
+            m_events.reserved.clear();
+            m_shortcuts->enable({name});
+            QVERIFY(m_shortcuts->isEnabled(name));
+            QVERIFY(send(optionCommandF));
+            QCOMPARE(takeCalls(), QStringList{u"up"_s});
+        };
         m_events.reserved.insert({3, 2304});
-        const Name open = name(u"open"_s, optionCommandF);
-        const Console console;
-        m_shortcuts->onKeyUp(open, calls(u"up"_s));
-        QCOMPARE(console.text(), u"Error registering hotkey ⌥⌘F\n"_s);
-        QVERIFY(!m_shortcuts->isEnabled(open));
-        QCOMPARE(m_shortcuts->getShortcut(open), std::optional(optionCommandF));
-        m_events.reserved.clear();
-        m_shortcuts->enable({open});
-        QVERIFY(m_shortcuts->isEnabled(open));
-    }
-
-    void laterRefusal()
-    {
-        const Name open = name(u"open"_s, optionCommandF);
-        m_shortcuts->onKeyUp(open, calls(u"up"_s));
-        m_shortcuts->onKeyUp(name(u"other"_s, controlJ), calls(u"other"_s));
-        QVERIFY(m_shortcuts->isEnabled(open));
-        const Console console;
-        m_events.refuse(m_events.registered.begin()->first);
-        QCOMPARE(console.text(), u"Error registering hotkey ⌥⌘F\n"_s);
-        QVERIFY(!m_shortcuts->isEnabled(open));
-        QCOMPARE(m_shortcuts->getShortcut(open), std::optional(optionCommandF));
+        verifyRefused(written([&] { m_shortcuts->onKeyUp(name, calls(u"up"_s)); }));
+        m_shortcuts->onKeyUp(other(), calls(u"other"_s));
+        verifyRefused(written([&] { m_events.refuse(m_events.registered.begin()->first); }));
         m_events.refuse(4711); // nobody's
-        QVERIFY(send(controlJ, released));
-        m_shortcuts->enable({open});
-        QVERIFY(m_shortcuts->isEnabled(open));
-        QVERIFY(send(optionCommandF, released));
-        QCOMPARE(takeCalls(), QStringList({u"other"_s, u"up"_s}));
+        QVERIFY(send(controlJ));
     }
 
     void eventsEndWithTheirHandle()
     {
-        const Name open = name(u"open"_s, optionCommandF);
-        std::unique_ptr<ShortcutEvents> events = m_shortcuts->events(open);
+        std::unique_ptr<ShortcutEvents> events = m_shortcuts->events(open());
         QSignalSpy down(events.get(), &ShortcutEvents::keyDown);
         QSignalSpy up(events.get(), &ShortcutEvents::keyUp);
         send(optionCommandF, pressed);
         QCOMPARE(down.size(), 1);
         QCOMPARE(up.size(), 0);
-        send(optionCommandF, released);
+        send(optionCommandF);
         QCOMPARE(up.size(), 1);
         events.reset();
         QVERIFY(m_events.registered.empty());
-        events = m_shortcuts->events(open);
+        events = m_shortcuts->events(open());
         m_shortcuts.reset();
         events.reset();
     }
 
     void actionsMayEndWhatTheyAreCalledFrom()
     {
-        const Name open = name(u"open"_s, optionCommandF);
-        std::unique_ptr<ShortcutEvents> events = m_shortcuts->events(open);
+        const Name name = open();
+        std::unique_ptr<ShortcutEvents> events = m_shortcuts->events(name);
         connect(events.get(), &ShortcutEvents::keyUp, this, calls(u"stream"_s));
-        m_shortcuts->onKeyUp(open, [&] {
+        m_shortcuts->onKeyUp(name, [&] {
             m_calls << u"first"_s;
             events.reset();
         });
-        m_shortcuts->onKeyUp(open, [this, open] {
+        m_shortcuts->onKeyUp(name, [this, name] {
             m_calls << u"second"_s;
-            m_shortcuts->removeHandler(open);
+            m_shortcuts->removeHandler(name);
         });
-        m_shortcuts->onKeyUp(open, calls(u"removed"_s));
-        QCOMPARE(send(optionCommandF, released), std::optional(0));
+        m_shortcuts->onKeyUp(name, calls(u"removed"_s));
+        QCOMPARE(send(optionCommandF), std::optional(0));
         QCOMPARE(takeCalls(), QStringList({u"first"_s, u"second"_s}));
 
-        m_shortcuts->onKeyUp(open, [this] { m_shortcuts.reset(); });
-        m_shortcuts->onKeyUp(open, calls(u"destroyed"_s));
-        QCOMPARE(send(optionCommandF, released), std::optional(0));
+        m_shortcuts->onKeyUp(name, [this] { m_shortcuts.reset(); });
+        m_shortcuts->onKeyUp(name, calls(u"destroyed"_s));
+        QCOMPARE(send(optionCommandF), std::optional(0));
         QVERIFY(m_calls.isEmpty());
     }
 };

@@ -22,8 +22,10 @@ using namespace Qt::StringLiterals;
 /// machine. It is killed with this, unless it has ended before.
 class RunningProgram {
 public:
-    explicit RunningProgram(XDesktop& desktop, const QString& busAddress =
-                                                   qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"))
+    QString path = QString::fromUtf8(VARNO); ///< before it starts
+    QStringList arguments;
+
+    explicit RunningProgram(XDesktop& desktop, const QString& busAddress = usualBus())
         : m_desktop(desktop)
         , m_bus(QDBusConnection::connectToBus(busAddress, m_busName))
         , m_environment(QProcessEnvironment::systemEnvironment())
@@ -43,7 +45,9 @@ public:
     }
     Q_DISABLE_COPY_MOVE(RunningProgram)
 
-    /// Before it starts.
+    static QString usualBus() { return qEnvironmentVariable("DBUS_SESSION_BUS_ADDRESS"); }
+
+    // Before it starts:
     void set(const char* variable, const QString& value)
     {
         m_environment.insert(QString::fromLatin1(variable), value);
@@ -64,7 +68,7 @@ public:
     {
         m_process.setProcessEnvironment(m_environment);
         m_process.setProcessChannelMode(QProcess::MergedChannels);
-        m_process.start(QString::fromUtf8(VARNO), {});
+        m_process.start(path, arguments);
     }
     /// Starts it in the same home as another one.
     void launchBeside(const RunningProgram& other)
@@ -98,17 +102,7 @@ public:
         return m_console;
     }
 
-    /// Calls a method of org.freedesktop.Application and waits for the reply.
-    bool call(const char* method, const QVariantList& arguments)
-    {
-        QDBusMessage message = QDBusMessage::createMethodCall(
-            u"com.kelbrin.varno"_s, u"/com/kelbrin/varno"_s, u"org.freedesktop.Application"_s,
-            QLatin1StringView(method));
-        message.setAutoStartService(false);
-        message.setArguments(arguments);
-        const QDBusPendingCall reply = m_bus.asyncCall(message);
-        return QTest::qWaitFor([&] { return reply.isFinished(); }, patience) && !reply.isError();
-    }
+    // Of org.freedesktop.Application; whether it has replied.
     bool activate() { return call("Activate", {QVariantMap()}); }
     bool activateAction(const QString& name)
     {
@@ -173,8 +167,8 @@ public:
         QStringList found;
         QDirIterator files(home(), QDir::Files | QDir::Hidden, QDirIterator::Subdirectories);
         while (files.hasNext())
-            if (const QString path = files.next(); read(path).contains(text))
-                found.append(path);
+            if (const QString file = files.next(); read(file).contains(text))
+                found.append(file);
         return found;
     }
 
@@ -186,12 +180,22 @@ public:
     }
 
 private:
-    static QByteArray read(const QString& path)
+    static QByteArray read(const QString& name)
     {
-        QFile file(path);
+        QFile file(name);
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
     }
 
+    bool call(const char* method, const QVariantList& values)
+    {
+        QDBusMessage message = QDBusMessage::createMethodCall(
+            u"com.kelbrin.varno"_s, u"/com/kelbrin/varno"_s, u"org.freedesktop.Application"_s,
+            QLatin1StringView(method));
+        message.setAutoStartService(false);
+        message.setArguments(values);
+        const QDBusPendingCall reply = m_bus.asyncCall(message);
+        return QTest::qWaitFor([&] { return reply.isFinished(); }, patience) && !reply.isError();
+    }
     bool answers() { return activateAction(u"nothing"_s); }
 
     XDesktop& m_desktop;

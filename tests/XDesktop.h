@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/XcbReply.h"
+#include "tests/Patience.h"
 
 #include <QByteArray>
 #include <QList>
@@ -17,32 +18,40 @@ namespace varno {
 /// X key codes of a PC's keyboard.
 namespace pcKey {
 inline constexpr quint8 escape = 9;
+inline constexpr quint8 y = 29;
 inline constexpr quint8 enter = 36;
 inline constexpr quint8 control = 37;
 inline constexpr quint8 f = 41;
+inline constexpr quint8 j = 44;
+inline constexpr quint8 shift = 50;
 inline constexpr quint8 comma = 59;
 inline constexpr quint8 alt = 64;
 inline constexpr quint8 capsLock = 66;
 inline constexpr quint8 numLock = 77;
 inline constexpr quint8 scrollLock = 78;
 inline constexpr quint8 super = 133;
+inline constexpr quint16 altSuper = XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
 } // namespace pcKey
 
 /// A client of an X server that is somebody at its keyboard, has windows of its own, and sees those
-/// of others.
+/// of others. Nothing of it goes through the toolkit.
 class XDesktop {
 public:
     explicit XDesktop(const QByteArray& display = qgetenv("DISPLAY"))
         : m_connection(xcb_connect(display.constData(), nullptr))
-        , m_root(xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data->root)
     {
+        if (xcb_connection_has_error(m_connection) != 0)
+            qFatal("There is no X server");
+        m_screen = xcb_setup_roots_iterator(xcb_get_setup(m_connection)).data;
         setRepeating(false);
-        fake(XCB_MOTION_NOTIFY, 0, place(m_root).bottomRight()); // where it hovers over nothing
+        fake(XCB_MOTION_NOTIFY, 0, place(root()).bottomRight()); // where it hovers over nothing
     }
     ~XDesktop() { xcb_disconnect(m_connection); }
     Q_DISABLE_COPY_MOVE(XDesktop)
 
     [[nodiscard]] xcb_connection_t* connection() const { return m_connection; }
+    [[nodiscard]] const xcb_screen_t& screen() const { return *m_screen; }
+    [[nodiscard]] xcb_window_t root() const { return m_screen->root; }
 
     /// Whether a key that is held is pressed again and again. At first none is: on a busy machine
     /// it may take long between a key's press and its release.
@@ -85,13 +94,13 @@ public:
         lift(pcKey::super);
         lift(pcKey::alt);
     }
-    void typeShortcut()
+    /// With Alt and Super.
+    void typeShortcut(quint8 key = pcKey::f)
     {
         pressModifiers();
-        type(pcKey::f);
+        type(key);
         liftModifiers();
     }
-
     void click(const QPoint& place)
     {
         fake(XCB_MOTION_NOTIFY, 0, place);
@@ -99,11 +108,15 @@ public:
         fake(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1);
     }
 
-    /// Takes Alt+Super+F for itself, without any lock.
-    bool grabShortcut()
+    /// Takes a combination for itself, as another program may; false if it has an owner.
+    bool grab(quint8 key = pcKey::f, quint16 modifiers = pcKey::altSuper)
     {
-        return finish(xcb_grab_key_checked(m_connection, 0, m_root, XCB_MOD_MASK_1 | XCB_MOD_MASK_4,
-                                           pcKey::f, XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+        return finish(xcb_grab_key_checked(m_connection, 0, root(), modifiers, key,
+                                           XCB_GRAB_MODE_ASYNC, XCB_GRAB_MODE_ASYNC));
+    }
+    void release(quint8 key = pcKey::f, quint16 modifiers = pcKey::altSuper)
+    {
+        finish(xcb_ungrab_key_checked(m_connection, key, root(), modifiers));
     }
 
     /// A window that has the keyboard, or none. `state` is one of _NET_WM_STATE, if any.
@@ -121,9 +134,9 @@ public:
     }
 
     /// A bar over the whole width of the screen, which windows keep clear of.
-    void openBarOnTop(quint16 width, quint16 height)
+    void openBarOnTop(quint16 height)
     {
-        const xcb_window_t window = create({0, 0, width, height});
+        const xcb_window_t window = create({0, 0, m_screen->width_in_pixels, height});
         setProperty(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
                     {atom("_NET_WM_WINDOW_TYPE_DOCK")});
         setProperty(window, "_NET_WM_STRUT", XCB_ATOM_CARDINAL, {0, 0, height, 0});
@@ -133,26 +146,28 @@ public:
     /// Asks the window manager.
     void tell(xcb_window_t window, const char* what, const std::array<quint32, 5>& data)
     {
+        send(window, what, data,
+             XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+    }
+    /// Sends a message about a window to those who listen for that on the screen.
+    void send(xcb_window_t window, const char* what, const std::array<quint32, 5>& data,
+              quint32 listeners)
+    {
         xcb_client_message_event_t event = {};
         event.response_type = XCB_CLIENT_MESSAGE;
         event.format = 32;
         event.window = window;
         event.type = atom(what);
         std::copy(data.begin(), data.end(), std::begin(event.data.data32));
-        finish(xcb_send_event_checked(m_connection, 0, m_root,
-                                      XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT |
-                                          XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
+        finish(xcb_send_event_checked(m_connection, 0, root(), listeners,
                                       reinterpret_cast<const char*>(&event)));
     }
 
     /// The window with a title that a process has on the screen, or none.
     [[nodiscard]] xcb_window_t windowOf(qint64 process) const
     {
-        const auto found = shownWindows(m_root, process);
-        return found.isEmpty() ? xcb_window_t{XCB_NONE} : found.constFirst();
+        return shownWindow(root(), process);
     }
-
-    [[nodiscard]] xcb_window_t root() const { return m_root; }
     [[nodiscard]] xcb_window_t focus() const
     {
         const XcbReply<xcb_get_input_focus_reply_t> reply(
@@ -166,21 +181,25 @@ public:
         const XcbReply<xcb_get_geometry_reply_t> size(
             xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, window), nullptr));
         const XcbReply<xcb_translate_coordinates_reply_t> corner(xcb_translate_coordinates_reply(
-            m_connection, xcb_translate_coordinates(m_connection, window, m_root, 0, 0), nullptr));
+            m_connection, xcb_translate_coordinates(m_connection, window, root(), 0, 0), nullptr));
         return size && corner ? QRect(corner->dst_x, corner->dst_y, size->width, size->height)
                               : QRect();
     }
 
-    /// The bytes of what it shows; empty when it is not on the screen.
+    /// The bytes of what it shows, or of a part of it; empty when it is not on the screen.
     [[nodiscard]] QByteArray picture(xcb_window_t window) const
     {
-        const QSize size = place(window).size();
-        const XcbReply<xcb_get_image_reply_t> reply(
-            xcb_get_image_reply(m_connection,
-                                xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, window, 0, 0,
-                                              static_cast<quint16>(size.width()),
-                                              static_cast<quint16>(size.height()), ~0U),
-                                nullptr));
+        return picture(window, QRect({}, place(window).size()));
+    }
+    [[nodiscard]] QByteArray picture(xcb_window_t window, const QRect& part) const
+    {
+        const XcbReply<xcb_get_image_reply_t> reply(xcb_get_image_reply(
+            m_connection,
+            xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, window,
+                          static_cast<qint16>(part.x()), static_cast<qint16>(part.y()),
+                          static_cast<quint16>(part.width()), static_cast<quint16>(part.height()),
+                          ~0U),
+            nullptr));
         return reply ? QByteArray(reinterpret_cast<const char*>(xcb_get_image_data(reply.get())),
                                   xcb_get_image_data_length(reply.get()))
                      : QByteArray();
@@ -211,11 +230,12 @@ private:
     xcb_window_t create(const QRect& place)
     {
         const xcb_window_t window = xcb_generate_id(m_connection);
+        const quint32 events = XCB_EVENT_MASK_KEY_PRESS;
         finish(xcb_create_window_checked(
-            m_connection, XCB_COPY_FROM_PARENT, window, m_root, static_cast<qint16>(place.x()),
+            m_connection, XCB_COPY_FROM_PARENT, window, root(), static_cast<qint16>(place.x()),
             static_cast<qint16>(place.y()), static_cast<quint16>(place.width()),
             static_cast<quint16>(place.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-            XCB_COPY_FROM_PARENT, 0, nullptr));
+            XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events));
         return window;
     }
 
@@ -235,36 +255,37 @@ private:
     }
 
     /// Window managers put the windows of others into frames of their own.
-    [[nodiscard]] QList<xcb_window_t> shownWindows(xcb_window_t above, qint64 process) const
+    [[nodiscard]] xcb_window_t shownWindow(xcb_window_t above, qint64 process) const
     {
-        QList<xcb_window_t> found;
         const XcbReply<xcb_query_tree_reply_t> tree(
             xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, above), nullptr));
         for (int index = 0; tree && index < tree->children_len; ++index) {
             const xcb_window_t window = xcb_query_tree_children(tree.get())[index];
             if (!isViewable(window))
                 continue;
-            const bool isOurs = property(window, "_NET_WM_PID").value(0) == process;
-            found += isOurs ? QList{window} : shownWindows(window, process);
+            if (property(window, "_NET_WM_PID").value(0) == process)
+                return window;
+            if (const xcb_window_t below = shownWindow(window, process); below != XCB_NONE)
+                return below;
         }
-        return found;
+        return XCB_NONE;
     }
 
     void fake(quint8 type, quint8 detail, const QPoint& place = {})
     {
-        finish(xcb_test_fake_input_checked(m_connection, type, detail, XCB_CURRENT_TIME, m_root,
+        finish(xcb_test_fake_input_checked(m_connection, type, detail, XCB_CURRENT_TIME, root(),
                                            static_cast<qint16>(place.x()),
                                            static_cast<qint16>(place.y()), 0));
     }
 
-    /// Waits until the server has done it.
+    /// Waits until the server has done it; whether it has.
     bool finish(xcb_void_cookie_t request)
     {
         return !XcbReply<xcb_generic_error_t>(xcb_request_check(m_connection, request));
     }
 
     xcb_connection_t* m_connection;
-    xcb_window_t m_root;
+    const xcb_screen_t* m_screen = nullptr;
 };
 
 } // namespace varno
