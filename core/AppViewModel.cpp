@@ -22,9 +22,14 @@ AppViewModel::AppViewModel(Dependencies dependencies)
     , m_preferences(readPreferences(m_dependencies.preferences))
 {
     loadSessionHistory();
-    connect(&m_dependencies.history, &HistoryStore::wasRead, this, &AppViewModel::openSearched);
-    connect(&m_dependencies.preferences, &PreferencesStore::changed, this,
-            &AppViewModel::takeStoredSearches);
+    connect(&m_dependencies.history, &HistoryStore::wasRead, this, [this] {
+        openSearched();
+        publish();
+    });
+    connect(&m_dependencies.preferences, &PreferencesStore::changed, this, [this] {
+        takeStoredSearches();
+        publish();
+    });
 }
 
 const Page* AppViewModel::currentPage() const
@@ -87,13 +92,13 @@ void AppViewModel::search(const QString& query)
     cancelActiveStreams();
     recordSearch(trimmed);
     m_searchInWaiting = trimmed;
+    m_dependencies.history.read();
     if (m_dependencies.history.isRead())
         openSearched();
-    else
-        m_dependencies.history.read();
     publish();
 }
 
+/// The second half of a search, once the history is there to be looked into.
 void AppViewModel::openSearched()
 {
     const QString query = std::exchange(m_searchInWaiting, {});
@@ -103,7 +108,6 @@ void AppViewModel::openSearched()
         reopen(*saved);
     else
         startEntry(query);
-    publish();
 }
 
 void AppViewModel::reopen(const Session& saved)
@@ -215,7 +219,6 @@ void AppViewModel::takeStoredSearches()
                                .value_or(QStringList());
     if (searches != searchHistory())
         set(m_preferences.searchHistory, std::move(searches), Change::searchHistory);
-    publish();
 }
 
 const Session* AppViewModel::savedSession(const QString& query)

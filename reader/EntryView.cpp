@@ -34,7 +34,6 @@ EntryView::EntryView(AppViewModel& viewModel, QWidget* parent)
 {
     setLayout(
         column({}, {m_breadcrumbBar, m_findBar, row({}, {m_sidebar, m_divider, grow(m_column)})}));
-    setFocusProxy(&m_column);
     m_nextFlush.setSingleShot(true);
     m_nextFlush.setTimerType(Qt::PreciseTimer);
 
@@ -130,7 +129,7 @@ void EntryView::showPage()
     const Page* page = shownPage(m_viewModel);
     const QUuid id = page ? page->id : QUuid();
     if (std::exchange(m_shownPageId, id) != id || displayContent(m_viewModel).isEmpty())
-        m_column.scrollToTop();
+        m_column.beginPage();
 
     QList<Breadcrumb> crumbs;
     const Page* root = page ? m_viewModel.session()->rootPage() : nullptr;
@@ -221,6 +220,13 @@ bool EntryView::event(QEvent* event)
         return true;
     }
     return QWidget::event(event);
+}
+
+/// A focus proxy would be a stop for Tab: from the last widget it would lead back to the text, past
+/// the bars above it.
+void EntryView::focusInEvent(QFocusEvent* event)
+{
+    m_column.setFocus(event->reason());
 }
 
 void EntryView::keyPressEvent(QKeyEvent* event)

@@ -100,8 +100,9 @@ void ReadingColumn::showStatus()
     m_status.setVisible(m_text.textLength() == 0);
 }
 
-void ReadingColumn::scrollToTop()
+void ReadingColumn::beginPage()
 {
+    m_text.clearSelection();
     m_scroll.stop();
     verticalScrollBar()->setValue(0);
 }

@@ -43,7 +43,8 @@ public:
     };
     void setPageState(const PageState& state);
 
-    void scrollToTop();
+    /// For another page: it is read from its top, and nothing is selected.
+    void beginPage();
     /// Brings the middle of that block of the text to the middle of the view, smoothly.
     void scrollToBlock(int index);
     /// Scrolls if it is a key that does.

@@ -3,12 +3,12 @@
 #include "kit/Layout.h"
 #include "platform/fake/FakeAnimationSetting.h"
 #include "platform/linux/PortalAnimationSetting.h"
+#include "tests/TestMain.h"
 
 #include <QDBusConnection>
 #include <QDBusMetaType>
 #include <QDBusVariant>
 #include <QSignalSpy>
-#include <QTest>
 
 #include <memory>
 

@@ -3,26 +3,25 @@
 #include "core/AppViewModel.h"
 #include "platform/fake/FakePreferencesStore.h"
 #include "tests/ModelServiceByHand.h"
+#include "tests/Patience.h"
 
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <memory>
 
 namespace varno {
 
-using namespace Qt::StringLiterals;
+inline constexpr QLatin1StringView article("the history of the roman empire");
+inline constexpr QLatin1StringView articleTitle("The History Of The Roman Empire");
 
 /// A controller on a history file of its own, with model services played by the test.
 class ControllerFixture {
 public:
     using Change = AppViewModel::Change;
 
-    ControllerFixture() { start(); }
-
-    /// On the history file of another.
-    explicit ControllerFixture(const QString& path)
-        : m_path(path)
+    /// On the history file of another, if it is told of one.
+    explicit ControllerFixture(const QString& otherPath = {})
+        : path(otherPath.isEmpty() ? folder.filePath(QStringLiteral("history.json")) : otherPath)
     {
         start();
     }
@@ -32,7 +31,7 @@ public:
     {
         model.reset();
         history.reset(); // finishes what is being written
-        history = std::make_unique<HistoryStore>(path());
+        history = std::make_unique<HistoryStore>(path);
         model = std::make_unique<AppViewModel>(
             AppViewModel::Dependencies{.preferences = preferences,
                                        .history = *history,
@@ -41,11 +40,8 @@ public:
                                        .now = [this] { return now; }});
         QObject::connect(model.get(), &AppViewModel::changed, model.get(),
                          [this](AppViewModel::Changes what) { announced |= what; });
-    }
-
-    [[nodiscard]] QString path() const
-    {
-        return m_path.isEmpty() ? folder.filePath(u"history.json"_s) : m_path;
+        history->read();
+        QTRY_VERIFY(history->isRead());
     }
 
     /// Sends `text` as the answer to the newest request for an entry, and ends it.
@@ -66,7 +62,7 @@ public:
     }
 
     /// A finished entry for `query`.
-    void write(const QString& query, const QString& text = u"Text."_s)
+    void write(const QString& query, const QString& text = QStringLiteral("Text."))
     {
         model->search(query);
         answer(text);
@@ -77,8 +73,16 @@ public:
     {
         model->search(query);
         claude.tocs.back().sink.finish(sections);
-        answer(u"Overview."_s);
+        answer(QStringLiteral("Overview."));
         QTRY_VERIFY(!model->tocIsLoading());
+    }
+
+    /// Opens a section, and writes it if it has to be written.
+    void openSection(const QString& section, const QString& text = QStringLiteral("Section."))
+    {
+        model->navigateTo(section);
+        if (model->isStreaming())
+            answer(text);
     }
 
     /// The titles of the pages on the trail.
@@ -91,16 +95,14 @@ public:
     }
 
     QTemporaryDir folder;
+    const QString path;
     FakePreferencesStore preferences;
     ModelServiceByHand claude;
     ModelServiceByHand gemini;
-    QDateTime now = QDateTime::fromString(u"2026-05-20T12:00:00Z"_s, Qt::ISODate);
+    QDateTime now = QDateTime::fromString(QStringLiteral("2026-05-20T12:00:00Z"), Qt::ISODate);
     AppViewModel::Changes announced;
     std::unique_ptr<HistoryStore> history;
     std::unique_ptr<AppViewModel> model;
-
-private:
-    QString m_path;
 };
 
 } // namespace varno

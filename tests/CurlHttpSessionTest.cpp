@@ -2,9 +2,9 @@
 
 #include "demo/StandInService.h"
 #include "tests/ScriptedServer.h"
+#include "tests/TestMain.h"
 
 #include <QSet>
-#include <QTest>
 
 #include <atomic>
 #include <future>

@@ -1,9 +1,9 @@
 #include "platform/Platform.h"
 #include "providers/KeychainService.h"
+#include "tests/TestMain.h"
 
 #include <QProcess>
 #include <QRegularExpression>
-#include <QTest>
 
 using namespace varno;
 using namespace Qt::StringLiterals;

@@ -3,6 +3,7 @@
 #include "kit/Theme.h"
 #include "reader/EntryView.h"
 #include "tests/ControllerFixture.h"
+#include "tests/Patience.h"
 
 #include <QKeyEvent>
 #include <QLabel>
@@ -14,11 +15,7 @@
 
 namespace varno {
 
-using namespace Qt::StringLiterals;
-
-inline constexpr QLatin1StringView article = "the history of the roman empire"_L1;
-inline constexpr QLatin1StringView relatedTopicsLine =
-    "\nSEE_ALSO_JSON: [\"Carthage\", \"Latin\"]"_L1;
+inline constexpr QLatin1StringView relatedTopicsLine("\nSEE_ALSO_JSON: [\"Carthage\", \"Latin\"]");
 
 /// A text much longer than the screen.
 inline QString longText()
@@ -65,6 +62,11 @@ struct Screen : ControllerFixture {
     {
         return {widget.mapTo(&view, QPoint()), widget.size()};
     }
+    template <typename Widget>
+    [[nodiscard]] QRect place() const
+    {
+        return place(part<Widget>());
+    }
     /// The first button with that text, or else that tool tip, that can be seen.
     [[nodiscard]] PlainButton* button(const QString& name) const
     {
@@ -96,16 +98,18 @@ struct Screen : ControllerFixture {
         return *part<ReadingColumn>().verticalScrollBar();
     }
     [[nodiscard]] qsizetype shownLength() const { return part<ReadingColumn>().textLength(); }
-    /// The block of text at the upper edge.
-    [[nodiscard]] int topBlock() const
-    {
-        const auto& text = part<MarkdownContentView>();
-        return text.blockAt(scrollBar().value() - text.y());
-    }
     void find(const QString& text)
     {
         model->setShowingFind(true);
         QTest::keyClicks(QApplication::focusWidget(), text);
+    }
+    /// Leads the pressed pointer over `widget`, to a place of the window.
+    void drag(QWidget& widget, const QPoint& place) const
+    {
+        const QPoint position = widget.mapFrom(&window, place);
+        QMouseEvent move(QEvent::MouseMove, position, widget.mapToGlobal(position), Qt::NoButton,
+                         Qt::LeftButton, Qt::NoModifier);
+        QCoreApplication::sendEvent(&widget, &move);
     }
 
     Window window;

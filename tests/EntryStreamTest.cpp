@@ -1,7 +1,8 @@
 #include "core/EntryStream.h"
 
+#include "tests/TestMain.h"
+
 #include <QSignalSpy>
-#include <QTest>
 
 #include <thread>
 

@@ -1,10 +1,11 @@
 #include "platform/Files.h"
 
+#include "tests/TestMain.h"
+
 #include <QDir>
 #include <QFile>
 #include <QScopeGuard>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <sys/resource.h>
 #include <sys/stat.h>

@@ -1,5 +1,6 @@
 #include "reader/text/FindMatches.h"
 #include "tests/EntryScreen.h"
+#include "tests/TestMain.h"
 
 #include <QRandomGenerator>
 #include <QShortcut>

@@ -1,15 +1,17 @@
 #include "core/EntryText.h"
 #include "core/SessionCodec.h"
+#include "platform/linux/IniPreferencesStore.h"
 #include "tests/ControllerFixture.h"
 #include "tests/Scarcity.h"
+#include "tests/Table.h"
+#include "tests/TestMain.h"
 
 #include <QDir>
 #include <QFile>
 
-#include <sys/stat.h>
-
 using namespace varno;
 using namespace Qt::StringLiterals;
+using namespace std::chrono_literals;
 
 namespace {
 
@@ -29,12 +31,17 @@ void setContents(const QString& path, const QByteArray& bytes)
 QStringList savedQueries(const ControllerFixture& fixture)
 {
     fixture.history->waitForDone();
-    const QByteArray bytes = contents(fixture.path());
-    const auto decoded = decodeSessions(bytes).value_or(DecodedSessions());
+    const auto decoded = decodeSessions(contents(fixture.path)).value_or(DecodedSessions());
     QStringList queries;
     for (const Session& session : decoded.sessions)
         queries.append(session.rootQuery);
     return queries;
+}
+
+QStringList filesBeside(const ControllerFixture& fixture)
+{
+    return QDir(fixture.folder.path())
+        .entryList(QDir::AllEntries | QDir::Hidden | QDir::NoDotAndDotDot);
 }
 
 } // namespace
@@ -44,48 +51,34 @@ class HistoryTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void sessionsReopenAfterARestart_data()
-    {
-        QTest::addColumn<int>("days");
-        QTest::addColumn<bool>("kept");
-        QTest::newRow("29 days") << 29 << true;
-        QTest::newRow("30 days to the second") << 30 << true;
-        QTest::newRow("31 days") << 31 << false;
-        QTest::newRow("made in the future") << -400 << true;
-    }
     void sessionsReopenAfterARestart()
     {
-        QFETCH(int, days);
-        ControllerFixture fixture;
-        fixture.write(u"rome"_s);
-        fixture.model->newSearch();
-        fixture.now = fixture.now.addDays(days);
-        fixture.start();
-        fixture.model->search(u"Rome"_s);
-        QTEST(!fixture.model->isStreaming(), "kept");
-        QCOMPARE(savedQueries(fixture), QStringList({u"rome"_s})); // only a save rewrites it
-    }
-
-    void oneSessionForEachQueryNewestFirst()
-    {
-        ControllerFixture fixture;
-        for (const QString& query : {u"rome"_s, u"carthage"_s, u"ROME"_s})
-            fixture.write(query + u' ' + QString(), u"Text."_s);
-        fixture.model->newSearch();
-        QCOMPARE(savedQueries(fixture), QStringList({u"rome"_s, u"carthage"_s}));
-    }
-
-    void hundredSessionsAtMost()
-    {
-        ControllerFixture fixture;
-        for (int i = 0; i <= 100; ++i) {
-            fixture.write(u"query %1"_s.arg(i));
+        for (const auto& [days, kept] : {std::pair(30, true), {31, false}, {-400, true}}) {
+            const InRow row(days);
+            ControllerFixture fixture;
+            fixture.write(u"rome"_s);
             fixture.model->newSearch();
+            fixture.now = fixture.now.addDays(days);
+            fixture.start();
+            fixture.model->search(u"Rome"_s);
+            QCOMPARE(!fixture.model->isStreaming(), kept);
+            QCOMPARE(savedQueries(fixture), QStringList({u"rome"_s})); // only a save rewrites it
         }
-        const QStringList saved = savedQueries(fixture);
-        QCOMPARE(saved.size(), 100);
-        QCOMPARE(saved.first(), u"query 100"_s);
-        QCOMPARE(saved.last(), u"query 1"_s);
+    }
+
+    void hundredSessionsOneForEachQuery()
+    {
+        ControllerFixture fixture;
+        QStringList expected;
+        for (int i = 0; i <= 100; ++i) {
+            expected.prepend(u"query %1"_s.arg(i));
+            fixture.write(expected.first());
+        }
+        fixture.write(u"QUERY 50"_s); // opens the one there is
+        expected.removeAt(50);
+        expected.prepend(u"query 50"_s);
+        fixture.model->newSearch();
+        QCOMPARE(savedQueries(fixture), expected.first(100));
     }
 
     void clearedHistoryIsEmptyOnDisk()
@@ -97,27 +90,32 @@ private Q_SLOTS:
         QVERIFY(fixture.model->searchHistory().isEmpty());
         QVERIFY(fixture.model->session()); // the open one stays
         fixture.history->waitForDone();
-        QCOMPARE(contents(fixture.path()), QByteArray("[]"));
+        QCOMPARE(contents(fixture.path), QByteArray("[]"));
         QCOMPARE(fixture.preferences.values[u"searchHistory"_s].toStringList(), QStringList());
         fixture.model->newSearch();
         QCOMPARE(savedQueries(fixture), QStringList({u"carthage"_s}));
+        fixture.model->search(u"rome"_s);
+        QVERIFY(fixture.model->isStreaming());
     }
 
     void clearedHistoryStaysClearedAtQuit()
     {
         ControllerFixture fixture;
-        setContents(fixture.path() + u".unfinished-aB3dE6"_s, "of a killed write");
-        setContents(fixture.path(), "damaged");
+        setContents(fixture.path + u".unfinished-aB3dE6"_s, "of a killed write");
+        setContents(fixture.path, "damaged");
         fixture.write(u"rome"_s);
         fixture.write(u"carthage"_s);
         fixture.model->clearHistory();
         fixture.model->prepareToQuit();
-        QCOMPARE(contents(fixture.path()), QByteArray("[]"));
-        QCOMPARE(QDir(fixture.folder.path()).entryList(QDir::Files | QDir::Hidden),
-                 QStringList({u"history.json"_s}));
+        QCOMPARE(contents(fixture.path), QByteArray("[]"));
+        QCOMPARE(filesBeside(fixture), QStringList({u"history.json"_s}));
         fixture.write(u"syracuse"_s);
         fixture.model->prepareToQuit();
         QCOMPARE(savedQueries(fixture), QStringList({u"syracuse"_s, u"carthage"_s}));
+        QCOMPARE(filesBeside(fixture), QStringList({u"history.json"_s}));
+        const auto forTheUserAlone =
+            QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
+        QCOMPARE(QFile::permissions(fixture.path), forTheUserAlone);
     }
 
     void quitKeepsWhatWasWholeAlone()
@@ -149,7 +147,7 @@ private Q_SLOTS:
         fixture.write(u"rome"_s);
         fixture.model->newSearch();
         QCOMPARE(savedQueries(fixture), QStringList({u"rome"_s}));
-        ControllerFixture other(fixture.path());
+        ControllerFixture other(fixture.path);
         other.write(u"carthage"_s);
         other.model->prepareToQuit();
         fixture.write(u"syracuse"_s);
@@ -157,7 +155,7 @@ private Q_SLOTS:
         QCOMPARE(savedQueries(fixture), QStringList({u"syracuse"_s, u"carthage"_s, u"rome"_s}));
 
         fixture.preferences.values[u"searchHistory"_s] = QStringList({u"delphi"_s});
-        fixture.model->refreshHistory();
+        Q_EMIT fixture.preferences.changed();
         QCOMPARE(fixture.model->searchHistory(), QStringList({u"delphi"_s}));
         fixture.preferences.values[u"searchHistory"_s] = QStringList();
         fixture.model->search(u"sparta"_s);
@@ -180,11 +178,10 @@ private Q_SLOTS:
     {
         ControllerFixture fixture;
         fixture.model->search(u"rome"_s);
-        const auto& sink = fixture.claude.entries.back().sink;
-        for (int i = 0; i < 3; ++i)
-            sink.send(QString(longestEntryText / 2 + 1, u'x'));
-        sink.finish(EntryStream::Completed());
-        QTRY_VERIFY(!fixture.model->isStreaming());
+        const QString half(longestEntryText / 2 + 1, u'x');
+        fixture.send(half);
+        fixture.claude.entries.back().sink.send(half);
+        fixture.answer(half);
         QCOMPARE(fixture.model->currentPage()->content.size(), longestEntryText);
         fixture.model->search(QString(100'000, u'y')); // not kept among the searches
         QCOMPARE(fixture.model->searchHistory(), QStringList({u"rome"_s}));
@@ -199,71 +196,79 @@ private Q_SLOTS:
         QCOMPARE(savedQueries(fixture), QStringList({u"rome"_s}));
     }
 
-    void fileIsForTheUserAlone()
-    {
-        ControllerFixture fixture;
-        fixture.write(u"rome"_s);
-        fixture.model->prepareToQuit();
-        struct stat status = {};
-        QCOMPARE(::stat(QFile::encodeName(fixture.path()).constData(), &status), 0);
-        QCOMPARE(status.st_mode & 07777U, 0600U);
-        QCOMPARE(QDir(fixture.folder.path()).entryList(QDir::Files | QDir::Hidden),
-                 QStringList({u"history.json"_s}));
-    }
-
-    void damagedFileIsAnEmptyHistoryAndKeptAside_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::newRow("half-written") << QByteArray("[{\"id\":\"11111111-2222");
-        QTest::newRow("empty") << QByteArray();
-        QTest::newRow("other format") << QByteArray("PK\x03\x04\0\0", 6);
-        QTest::newRow("one bad session") << QByteArray("[{}]");
-        QTest::newRow("nested deeply") << QByteArray(1'000'000, '[');
-    }
     void damagedFileIsAnEmptyHistoryAndKeptAside()
     {
-        QFETCH(QByteArray, bytes);
-        ControllerFixture fixture;
-        setContents(fixture.path(), bytes);
-        fixture.start();
-        fixture.write(u"rome"_s);
-        QCOMPARE(contents(fixture.path()), bytes); // untouched until the first save
-        fixture.model->newSearch();
-        fixture.write(u"carthage"_s);
-        fixture.model->newSearch();
-        QCOMPARE(savedQueries(fixture), QStringList({u"carthage"_s, u"rome"_s}));
+        for (const char* bytes : {"[{\"id\":\"11111111-2222", "", "[{}]"}) {
+            const InRow row(bytes);
+            ControllerFixture fixture;
+            setContents(fixture.path, bytes);
+            fixture.start();
+            fixture.write(u"rome"_s);
+            QCOMPARE(contents(fixture.path), QByteArray(bytes)); // untouched until the first save
+            fixture.write(u"carthage"_s);
+            fixture.model->newSearch();
+            QCOMPARE(savedQueries(fixture), QStringList({u"carthage"_s, u"rome"_s}));
+            QCOMPARE(filesBeside(fixture),
+                     QStringList({u"history.json"_s, u"history.json.damaged-1"_s}));
+            QCOMPARE(contents(fixture.path + u".damaged-1"_s), QByteArray(bytes));
+        }
+    }
 
-        const QStringList others =
-            QDir(fixture.folder.path())
-                .entryList({u"history.json.*"_s}, QDir::Files | QDir::Hidden);
-        QCOMPARE(others.size(), 1);
-        QCOMPARE(contents(fixture.folder.filePath(others.first())), bytes);
+    /// The lock stands for a disk that keeps whoever uses it waiting.
+    void mainThreadNeverWaitsForTheDisk()
+    {
+        ControllerFixture fixture;
+        const QString path = fixture.folder.filePath(u"Varno.conf"_s);
+        IniPreferencesStore preferences(path);
+        fixture.write(u"rome"_s);
+        std::optional<FolderLock> lock(std::in_place, fixture.folder.path(), 0ms);
+        QVERIFY(lock->held());
+        fixture.model->newSearch();
+        preferences.setBoolean(u"a"_s, true);
+        preferences.refresh();
+        QVERIFY(preferences.boolean(u"a"_s).value_or(false));
+        fixture.model->search(u"rome"_s);
+        QVERIFY(!fixture.model->isStreaming());
+        QVERIFY(!QFile::exists(path) && !QFile::exists(fixture.path));
+        lock.reset();
+        preferences.waitForDone();
+        QVERIFY(contents(path).contains("a=true"));
+        QCOMPARE(savedQueries(fixture), QStringList({u"rome"_s}));
+    }
+
+    void searchBeforeTheHistoryIsRead()
+    {
+        ControllerFixture fixture;
+        fixture.write(u"rome"_s, u"Saved."_s);
+        fixture.model->newSearch();
+        HistoryStore history((fixture.history->waitForDone(), fixture.path));
+        AppViewModel model({.preferences = fixture.preferences,
+                            .history = history,
+                            .claude = fixture.claude,
+                            .gemini = fixture.gemini,
+                            .now = [&fixture] { return fixture.now; }});
+        model.search(u"delphi"_s);
+        model.newSearch(); // takes that back
+        model.search(u"rome"_s);
+        QVERIFY(!model.isShowingEntry());
+        QTRY_VERIFY(model.isShowingEntry());
+        QCOMPARE(model.streamingContent(), u"Saved."_s);
+        QCOMPARE(model.searchHistory().first(2), QStringList({u"rome"_s, u"delphi"_s}));
+        QCOMPARE(fixture.claude.entries.size(), 1U);
     }
 
     void folderInPlaceOfTheFileLosesNothing()
     {
         ControllerFixture fixture;
-        QVERIFY(QDir().mkpath(fixture.path() + u"/inside"_s));
+        QVERIFY(QDir().mkpath(fixture.path + u"/inside"_s));
         fixture.start();
         fixture.write(u"rome"_s);
         fixture.model->newSearch();
         fixture.model->search(u"rome"_s); // still there in memory
         QVERIFY(!fixture.model->isStreaming());
         fixture.model->prepareToQuit();
-        QVERIFY(QDir(fixture.path() + u".damaged-1/inside"_s).exists());
+        QVERIFY(QDir(fixture.path + u".damaged-1/inside"_s).exists());
         QCOMPARE(savedQueries(fixture), QStringList({u"rome"_s}));
-    }
-
-    void newestListIsTheOneThatStays()
-    {
-        ControllerFixture fixture;
-        QStringList expected;
-        for (int i = 0; i < 60; ++i) {
-            fixture.write(u"query %1"_s.arg(i), QString(20'000, u'x'));
-            fixture.model->newSearch();
-            expected.prepend(u"query %1"_s.arg(i));
-        }
-        QCOMPARE(savedQueries(fixture), expected);
     }
 
     void preferencesSurviveARestart()
@@ -285,32 +290,25 @@ private Q_SLOTS:
         QCOMPARE(fixture.model->searchHistory(), QStringList({u"rome"_s}));
     }
 
-    void unknownPreferencesReadAsTheDefaultsAndStay_data()
-    {
-        QTest::addColumn<QVariant>("stored");
-        QTest::newRow("absent") << QVariant();
-        QTest::newRow("a retired model") << QVariant(u"claude-2"_s);
-        QTest::newRow("other case") << QVariant(u"LARGE"_s);
-        QTest::newRow("a number") << QVariant(42);
-        QTest::newRow("a list of numbers") << QVariant(QVariantList({1, 2}));
-    }
     void unknownPreferencesReadAsTheDefaultsAndStay()
     {
-        QFETCH(QVariant, stored);
-        ControllerFixture fixture;
-        const QStringList keys = {u"aiModel"_s,          u"theme"_s,         u"fontSize"_s,
-                                  u"webSearchEnabled"_s, u"imagesEnabled"_s, u"searchHistory"_s};
-        for (const QString& key : keys)
-            fixture.preferences.values[key] = stored;
-        const QVariantMap before = fixture.preferences.values;
-        fixture.start();
-        QCOMPARE(fixture.model->aiModel(), AIModel::sonnet);
-        QCOMPARE(fixture.model->theme(), AppTheme::cream);
-        QCOMPARE(fixture.model->fontSize(), FontSize::medium);
-        QVERIFY(!fixture.model->webSearchEnabled());
-        QVERIFY(!fixture.model->imagesEnabled());
-        QVERIFY(fixture.model->searchHistory().isEmpty());
-        QCOMPARE(fixture.preferences.values, before);
+        for (const QVariant& stored :
+             {QVariant(), QVariant(u"LARGE"_s), QVariant(42), QVariant(QVariantList({1, 2}))}) {
+            const InRow row(stored);
+            ControllerFixture fixture;
+            for (const auto* key : {u"aiModel", u"theme", u"fontSize", u"webSearchEnabled",
+                                    u"imagesEnabled", u"searchHistory"})
+                fixture.preferences.values[QStringView(key).toString()] = stored;
+            const QVariantMap before = fixture.preferences.values;
+            fixture.start();
+            QCOMPARE(fixture.model->aiModel(), AIModel::sonnet);
+            QCOMPARE(fixture.model->theme(), AppTheme::cream);
+            QCOMPARE(fixture.model->fontSize(), FontSize::medium);
+            QVERIFY(!fixture.model->webSearchEnabled());
+            QVERIFY(!fixture.model->imagesEnabled());
+            QVERIFY(fixture.model->searchHistory().isEmpty());
+            QCOMPARE(fixture.preferences.values, before);
+        }
     }
 };
 

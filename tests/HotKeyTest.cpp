@@ -3,9 +3,9 @@
 #include "platform/fake/FakePreferencesStore.h"
 #include "shortcuts/ShortcutEvents.h"
 #include "tests/Table.h"
+#include "tests/TestMain.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 #include <iostream>
 #include <sstream>

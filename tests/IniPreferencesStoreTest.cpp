@@ -1,10 +1,11 @@
 #include "platform/linux/IniPreferencesStore.h"
 
+#include "tests/TestMain.h"
+
 #include <QDir>
 #include <QFile>
 #include <QSettings>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <sys/stat.h>
 #include <unistd.h>
@@ -203,7 +204,7 @@ private Q_SLOTS:
         const QString path = unusedPath();
         write(QFileInfo(path).path(), "no folder");
         IniPreferencesStore store(path);
-        store.setString(u"long"_s, QString(IniPreferencesStore::limit, u'x'));
+        store.setString(u"long"_s, QString(IniFile::limit, u'x'));
         store.setString(u"a"_s, u"1"_s);
         QCOMPARE(store.string(u"a"_s), u"1"_s);
         QVERIFY(QFile::remove(QFileInfo(path).path()));

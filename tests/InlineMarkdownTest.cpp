@@ -1,10 +1,11 @@
 #include "reader/text/InlineMarkdown.h"
 
+#include "tests/TestMain.h"
+
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
-#include <QTest>
 #include <QXmlStreamReader>
 
 using namespace Qt::StringLiterals;

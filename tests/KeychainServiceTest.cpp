@@ -4,13 +4,13 @@
 #include "platform/linux/SecretServiceKeyStore.h"
 #include "tests/PrivateBus.h"
 #include "tests/Scarcity.h"
+#include "tests/TestMain.h"
 
 #include <QDataStream>
 #include <QLibrary>
 #include <QLocalSocket>
 #include <QProcess>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <array>
 #include <atomic>
@@ -252,7 +252,7 @@ private Q_SLOTS:
     {
         const KeyName name{.service = m_keychain.service, .account = m_account};
         const QByteArray bytes = "key\xe2\x82";
-        m_store.replace(name, bytes);
+        m_store.replace(name, bytes, {});
         QCOMPARE(m_store.find(name, {}), std::optional(bytes));
         QCOMPARE(m_keychain.load(m_account), Key());
         QCOMPARE(m_keychain.presence(m_account), KeyPresence::absent);

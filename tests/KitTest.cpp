@@ -5,6 +5,7 @@
 #include "kit/SymbolView.h"
 #include "kit/TextCuts.h"
 #include "kit/ThemedText.h"
+#include "tests/TestMain.h"
 
 #include <QApplication>
 #include <QHelpEvent>
@@ -12,7 +13,6 @@
 #include <QLineEdit>
 #include <QPainter>
 #include <QSignalSpy>
-#include <QTest>
 #include <QToolTip>
 
 #include <algorithm>

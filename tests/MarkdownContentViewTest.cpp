@@ -1,12 +1,12 @@
 #include "reader/text/MarkdownContentView.h"
 
 #include "kit/Theme.h"
+#include "tests/TestMain.h"
 
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QRandomGenerator>
-#include <QTest>
 #include <QTextLayout>
 
 using namespace Qt::StringLiterals;

@@ -1,24 +1,12 @@
 #include "core/Prompts.h"
 #include "tests/ControllerFixture.h"
+#include "tests/Table.h"
+#include "tests/TestMain.h"
 
 using namespace varno;
 using namespace Qt::StringLiterals;
 
-namespace {
-
-constexpr auto article = "the history of the roman empire"_L1;
-constexpr auto title = "The History Of The Roman Empire"_L1;
-
-void openWritten(ControllerFixture& fixture, const QString& section)
-{
-    const std::size_t before = fixture.claude.entries.size();
-    fixture.model->navigateTo(section);
-    if (fixture.claude.entries.size() > before)
-        fixture.answer(section + u" text."_s);
-}
-
-} // namespace
-
+/// Sections, the trail, and the ways back.
 class NavigationTest : public QObject {
     Q_OBJECT
 
@@ -34,7 +22,8 @@ private Q_SLOTS:
         QCOMPARE(page->parentSectionName, u"Kings"_s);
         QCOMPARE(page->parentPageId, fixture.model->session()->rootPage()->id);
         QCOMPARE(page->entryType, EntryType::full);
-        QCOMPARE(fixture.claude.entries.back().request.prompt, sectionPrompt(u"Kings"_s, title));
+        QCOMPARE(fixture.claude.entries.back().request.prompt,
+                 sectionPrompt(u"Kings"_s, articleTitle));
         QCOMPARE(fixture.claude.tocs.size(), 1U);
         QVERIFY(!fixture.model->tocIsLoading());
         QCOMPARE(fixture.model->streamingTOC(), QStringList({u"Kings"_s, u"Republic"_s}));
@@ -45,28 +34,20 @@ private Q_SLOTS:
     {
         ControllerFixture fixture;
         fixture.writeArticle(article, {u"Kings"_s, u"Republic"_s});
-        openWritten(fixture, u"Kings"_s);
-        openWritten(fixture, u"Republic"_s);
-        const std::size_t requests = fixture.claude.entries.size();
+        fixture.openSection(u"Kings"_s, u"Seven of them."_s);
+        fixture.openSection(u"Republic"_s);
         fixture.model->navigateTo(u"Kings"_s);
-        QCOMPARE(fixture.claude.entries.size(), requests);
-        QCOMPARE(fixture.trail(), QStringList({title, u"Kings"_s, u"Republic"_s, u"Kings"_s}));
+        QCOMPARE(fixture.claude.entries.size(), 3U);
+        QCOMPARE(fixture.trail(),
+                 QStringList({articleTitle, u"Kings"_s, u"Republic"_s, u"Kings"_s}));
         QCOMPARE(fixture.model->streamingTitle(), u"Kings"_s);
-        QCOMPARE(fixture.model->streamingContent(), u"Kings text."_s);
-        fixture.model->navigateTo(u"kings"_s);
-        QCOMPARE(fixture.claude.entries.size(), requests + 1);
-    }
-
-    void sectionWithoutTextIsWrittenAnew()
-    {
-        ControllerFixture fixture;
-        fixture.writeArticle(article, {u"Kings"_s});
-        fixture.model->navigateTo(u"Kings"_s);
-        const QUuid empty = fixture.model->currentPage()->id;
-        fixture.model->goBack();
-        fixture.model->navigateTo(u"Kings"_s);
-        QVERIFY(fixture.model->currentPage()->id != empty);
-        QCOMPARE(fixture.model->session()->pages.size(), 3);
+        QCOMPARE(fixture.model->streamingContent(), u"Seven of them."_s);
+        fixture.model->navigateTo(u"kings"_s); // another one
+        QCOMPARE(fixture.claude.entries.size(), 4U);
+        fixture.model->jumpTo(*fixture.model->session()->rootPage());
+        fixture.model->navigateTo(u"kings"_s); // not written yet
+        QCOMPARE(fixture.claude.entries.size(), 5U);
+        QCOMPARE(fixture.model->session()->pages.size(), 5);
     }
 
     void leavingAStreamKeepsItsRawText()
@@ -81,50 +62,37 @@ private Q_SLOTS:
         QCOMPARE(fixture.model->session()->page(root)->content, u"Half <"_s);
     }
 
-    void jumpCutsTheTrail_data()
-    {
-        QTest::addColumn<int>("position"); // on the trail root, Kings, Republic, Kings
-        QTest::addColumn<int>("length");
-        QTest::newRow("to the root") << 0 << 1;
-        QTest::newRow("to its last occurrence") << 1 << 4;
-        QTest::newRow("to the middle") << 2 << 3;
-    }
     void jumpCutsTheTrail()
     {
-        QFETCH(int, position);
         ControllerFixture fixture;
         fixture.writeArticle(article, {u"Kings"_s, u"Republic"_s});
         for (const QString& section : {u"Kings"_s, u"Republic"_s, u"Kings"_s})
-            openWritten(fixture, section);
-        const Session& session = *fixture.model->session();
-        fixture.model->jumpTo(*session.page(session.navigationHistory.at(position)));
-        QTEST(int(session.navigationHistory.size()), "length");
-        QCOMPARE(fixture.model->streamingTitle(), fixture.model->currentPage()->title);
-        QCOMPARE(fixture.model->streamingContent(), fixture.model->currentPage()->content);
-        QCOMPARE(fixture.model->streamingTOC(), QStringList({u"Kings"_s, u"Republic"_s}));
-    }
-
-    void jumpToAStrangerStaysPut()
-    {
-        ControllerFixture fixture;
-        fixture.writeArticle(article, {u"Kings"_s});
-        openWritten(fixture, u"Kings"_s);
-        Page stranger;
-        stranger.id = QUuid::createUuid();
-        fixture.model->jumpTo(stranger);
-        QCOMPARE(fixture.trail(), QStringList({title, u"Kings"_s}));
+            fixture.openSection(section);
+        // To the last occurrence of Kings, to Republic, to a page that is not there, to the root.
+        const QList<QUuid> whole = fixture.model->session()->navigationHistory;
+        for (const auto& [id, length] : std::initializer_list<std::pair<QUuid, int>>{
+                 {whole[1], 4}, {whole[2], 3}, {QUuid::createUuid(), 3}, {whole[0], 1}}) {
+            const InRow row(length);
+            Page page;
+            page.id = id;
+            fixture.model->jumpTo(page);
+            QCOMPARE(fixture.model->session()->navigationHistory, whole.first(length));
+            QCOMPARE(fixture.model->streamingTitle(), fixture.model->currentPage()->title);
+            QCOMPARE(fixture.model->streamingContent(), fixture.model->currentPage()->content);
+            QCOMPARE(fixture.model->streamingTOC(), QStringList({u"Kings"_s, u"Republic"_s}));
+        }
     }
 
     void backLeadsToTheRootAndOut()
     {
         ControllerFixture fixture;
         fixture.writeArticle(article, {u"Kings"_s, u"Republic"_s});
-        openWritten(fixture, u"Kings"_s);
-        openWritten(fixture, u"Republic"_s);
+        fixture.openSection(u"Kings"_s);
+        fixture.openSection(u"Republic"_s);
         fixture.model->setShowingFind(true);
 
         fixture.model->goBack();
-        QCOMPARE(fixture.trail(), QStringList({title}));
+        QCOMPARE(fixture.trail(), QStringList({articleTitle}));
         QCOMPARE(fixture.model->streamingContent(), u"Overview."_s);
         QVERIFY(fixture.model->isShowingEntry());
 
@@ -159,8 +127,36 @@ private Q_SLOTS:
         fixture.model->jumpTo(Page());
         fixture.model->goBack();
         fixture.model->newSearch();
+        fixture.model->reloadCurrentPage();
+        fixture.model->upgradeToFullEntry();
         QVERIFY(!fixture.model->session());
         QVERIFY(fixture.claude.entries.empty());
+    }
+
+    /// What the controller never asks of a session, a file may.
+    void sessionWithPagesThatAreNotThere()
+    {
+        Session session;
+        QVERIFY(!session.currentPage());
+        QVERIFY(!session.rootPage());
+        session.revisit(QUuid::createUuid());
+        QVERIFY(session.navigationHistory.isEmpty());
+        session.navigationHistory = {QUuid::createUuid()};
+        QVERIFY(!session.currentPage());
+        QVERIFY(!session.rootPage());
+
+        Page section;
+        section.id = QUuid::createUuid();
+        section.content = u"Text."_s;
+        section.parentPageId = QUuid::createUuid();
+        section.parentSectionName = u"Kings"_s;
+        session.push(section);
+        section.content = u"Other text."_s;
+        session.push(section);
+        QCOMPARE(session.navigationHistory.size(), 3);
+        const Page* page = session.cachedSectionPage(*section.parentPageId, u"Kings"_s);
+        QVERIFY(page && page->content == section.content);
+        QVERIFY(!session.cachedSectionPage(QUuid::createUuid(), u"Kings"_s));
     }
 };
 

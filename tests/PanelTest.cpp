@@ -3,9 +3,9 @@
 #include "app/VarnoPanel.h"
 #include "reader/EntryView.h"
 #include "tests/ControllerFixture.h"
+#include "tests/TestMain.h"
 
 #include <QApplication>
-#include <QTest>
 
 using namespace varno;
 using namespace Qt::StringLiterals;

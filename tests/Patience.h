@@ -11,7 +11,7 @@ inline constexpr int patience = 60000;
 
 } // namespace varno
 
-// Included before each test, in place of QtTest's own, which give up after five seconds and in some
+// In place of QtTest's own, which give up after five seconds and in some
 // versions do not compile without warnings.
 #undef QTRY_VERIFY
 #undef QTRY_VERIFY2

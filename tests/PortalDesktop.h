@@ -1,6 +1,7 @@
 #pragma once
 
 #include "platform/linux/PortalShortcut.h"
+#include "tests/Patience.h"
 #include "tests/PrivateBus.h"
 
 #include <QDBusConnection>
@@ -10,7 +11,6 @@
 #include <QFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
-#include <QTest>
 
 #include <map>
 #include <memory>

@@ -6,6 +6,7 @@
 #include "tests/PortalDesktop.h"
 #include "tests/PortalRecorder.h"
 #include "tests/Table.h"
+#include "tests/TestMain.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMetaType>

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "tests/Patience.h"
 #include "tests/RunningProgram.h"
 
 #include <QObject>

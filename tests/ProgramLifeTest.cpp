@@ -4,6 +4,7 @@
 #include "tests/PrivateBus.h"
 #include "tests/ProgramFixture.h"
 #include "tests/Table.h"
+#include "tests/TestMain.h"
 
 #include <QDateTime>
 

@@ -1,4 +1,5 @@
 #include "tests/ProgramFixture.h"
+#include "tests/TestMain.h"
 
 using namespace varno;
 using namespace Qt::StringLiterals;

@@ -1,11 +1,32 @@
 #include "tests/EntryScreen.h"
+#include "tests/Table.h"
+#include "tests/TestMain.h"
 
 #include <QElapsedTimer>
 
 using namespace varno;
 using namespace Qt::StringLiterals;
 
-using Change = std::function<void(Screen&)>;
+namespace {
+
+/// The screen with a finished page of many lines, scrolled to `position`.
+struct LongPage : Screen {
+    explicit LongPage(int position)
+    {
+        write(u"rome"_s, longText());
+        QTRY_VERIFY(part<MarkdownContentView>().blockRect(59).isValid());
+        QTRY_VERIFY(scrollBar().maximum() > 2000);
+        scrollBar().setValue(position);
+    }
+    /// The block of text at the upper edge.
+    [[nodiscard]] int topBlock() const
+    {
+        const auto& text = part<MarkdownContentView>();
+        return text.blockAt(scrollBar().value() - text.y());
+    }
+};
+
+} // namespace
 
 class ReadingColumnTest : public QObject {
     Q_OBJECT
@@ -72,95 +93,79 @@ private Q_SLOTS:
         QCOMPARE(screen.scrollBar().value(), 700);
     }
 
-    void lineAtTheTopStays_data()
-    {
-        QTest::addColumn<Change>("change");
-        QTest::newRow("smaller text")
-            << Change([](Screen& screen) { screen.model->setFontSize(FontSize::small); });
-        QTest::newRow("larger text")
-            << Change([](Screen& screen) { screen.model->setFontSize(FontSize::large); });
-        QTest::newRow("theme") << Change(
-            [](Screen& screen) { setTheme(screen.window, AppTheme::dark); });
-        QTest::newRow("narrower") << Change([](Screen& screen) { screen.window.resize(500, 500); });
-        QTest::newRow("wider") << Change([](Screen& screen) { screen.window.resize(1000, 500); });
-    }
     void lineAtTheTopStays()
     {
-        QFETCH(Change, change);
-        Screen screen;
-        screen.write(article, longText());
-        QTRY_VERIFY(screen.part<MarkdownContentView>().blockRect(59).isValid());
-        QTRY_VERIFY(screen.scrollBar().maximum() > 2000);
-        screen.scrollBar().setValue(1500);
-        const int block = screen.topBlock();
+        LongPage page(1500);
+        const int block = page.topBlock();
         QVERIFY(block > 5);
-        change(screen);
-        QTest::qWait(50);
-        QCOMPARE(screen.topBlock(), block);
+        const std::function<void()> changes[] = {[&] { page.model->setFontSize(FontSize::small); },
+                                                 [&] { page.model->setFontSize(FontSize::large); },
+                                                 [&] { setTheme(page.window, AppTheme::dark); },
+                                                 [&] { page.window.resize(500, 500); },
+                                                 [&] { page.window.resize(1000, 500); }};
+        for (const auto& change : changes) {
+            const InRow row(&change - &changes[0]);
+            change();
+            QTest::qWait(50);
+            QCOMPARE(page.topBlock(), block);
+        }
     }
 
     void anotherPageStartsAtItsTop()
     {
-        Screen screen;
-        screen.model->search(article);
-        screen.claude.tocs.back().sink.finish(QStringList{u"Kings"_s});
-        screen.answer(longText());
-        screen.model->navigateTo(u"Kings"_s);
-        screen.answer(longText());
-        QTRY_VERIFY(screen.scrollBar().maximum() > 1000);
-        screen.scrollBar().setValue(700);
-        screen.model->goBack();
-        QCOMPARE(screen.scrollBar().value(), 0);
-        screen.scrollBar().setValue(700);
-        screen.model->reloadCurrentPage();
-        QCOMPARE(screen.scrollBar().value(), 0);
+        LongPage page(700);
+        page.openSection(u"Kings"_s, longText());
+        QCOMPARE(page.scrollBar().value(), 0);
+        QTRY_VERIFY(page.scrollBar().maximum() > 1000);
+        page.scrollBar().setValue(700);
+        page.model->goBack();
+        QCOMPARE(page.scrollBar().value(), 0);
+        page.scrollBar().setValue(700);
+        page.model->reloadCurrentPage();
+        QCOMPARE(page.scrollBar().value(), 0);
     }
 
-    void keysScroll_data()
-    {
-        QTest::addColumn<Qt::Key>("key");
-        QTest::addColumn<int>("direction");
-        QTest::newRow("Page Down") << Qt::Key_PageDown << 1;
-        QTest::newRow("Page Up") << Qt::Key_PageUp << -1;
-        QTest::newRow("Space") << Qt::Key_Space << 1;
-        QTest::newRow("Down") << Qt::Key_Down << 1;
-        QTest::newRow("Up") << Qt::Key_Up << -1;
-        QTest::newRow("Home") << Qt::Key_Home << -1;
-        QTest::newRow("End") << Qt::Key_End << 1;
-    }
     void keysScroll()
     {
-        QFETCH(Qt::Key, key);
-        Screen screen;
-        screen.write(u"rome"_s, longText());
-        QTRY_VERIFY(screen.scrollBar().maximum() > 2000);
-        screen.scrollBar().setValue(1000);
-        screen.key(key);
-        const int moved = screen.scrollBar().value() - 1000;
-        QTEST(moved > 0 ? 1 : moved < 0 ? -1 : 0, "direction");
-        QVERIFY(screen.window.keys.isEmpty());
+        LongPage page(1000);
+        const int height = page.scrollBar().pageStep();
+        for (const auto& [key, value] : std::initializer_list<std::pair<Qt::Key, int>>{
+                 {Qt::Key_PageDown, 1000 + height},
+                 {Qt::Key_PageUp, 1000 - height},
+                 {Qt::Key_Space, 1000 + height},
+                 {Qt::Key_Down, 1024},
+                 {Qt::Key_Up, 976},
+                 {Qt::Key_Home, 0},
+                 {Qt::Key_End, page.scrollBar().maximum()}}) {
+            const InRow row(key);
+            page.scrollBar().setValue(1000);
+            page.key(key);
+            QCOMPARE(page.scrollBar().value(), value);
+        }
+        QVERIFY(page.window.keys.isEmpty());
+        page.scrollBar().setValue(1000);
+        page.key(Qt::Key_Space, Qt::ShiftModifier);
+        QCOMPARE(page.scrollBar().value(), 1000 - height);
+        page.key(Qt::Key_Down, Qt::AltModifier);
+        QCOMPARE(page.scrollBar().value(), 1000 - height);
+        QVERIFY(page.window.keys.contains(Qt::Key_Down));
     }
 
     void selectionDraggedBeyondTheEdgeScrolls()
     {
-        Screen screen;
-        screen.write(u"rome"_s, longText());
-        QTRY_VERIFY(screen.scrollBar().maximum() > 2000);
-        const auto& text = screen.part<MarkdownContentView>();
+        LongPage page(0);
+        const auto& text = page.part<MarkdownContentView>();
         QWidget* surface = text.childAt(0, 0);
-        const QPoint below = surface->mapFrom(&screen.window, QPoint(400, 520));
         QTest::mousePress(surface, Qt::LeftButton, {}, {10, 10});
-        QMouseEvent move(QEvent::MouseMove, below, surface->mapToGlobal(below), Qt::NoButton,
-                         Qt::LeftButton, Qt::NoModifier);
-        QCoreApplication::sendEvent(surface, &move);
+        page.drag(*surface, {400, 520});
         const qsizetype selected = text.selectedText().size();
-        QTRY_VERIFY(screen.scrollBar().value() > 100);
+        QTRY_VERIFY(page.scrollBar().value() > 100);
         QVERIFY(text.selectedText().size() > selected);
 
-        QTest::mouseRelease(surface, Qt::LeftButton, {}, below);
-        const int value = screen.scrollBar().value();
+        QTest::mouseRelease(surface, Qt::LeftButton);
+        const int value = page.scrollBar().value();
         QTest::qWait(100);
-        QCOMPARE(screen.scrollBar().value(), value);
+        QCOMPARE(page.scrollBar().value(), value);
     }
 };
 

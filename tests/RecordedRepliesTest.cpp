@@ -1,18 +1,14 @@
-#include "core/JsonReader.h"
-#include "platform/fake/FakeKeyStore.h"
-#include "providers/ClaudeService.h"
-#include "providers/GeminiService.h"
-#include "providers/LineSplitter.h"
-#include "tests/HttpByHand.h"
-#include "tests/Received.h"
+#include "reader/text/MarkdownContentView.h"
+#include "tests/BothClients.h"
+#include "tests/Table.h"
+#include "tests/TestMain.h"
 
 #include <QDir>
 #include <QFile>
-#include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRandomGenerator>
-#include <QTest>
+#include <QRegularExpression>
 
 using namespace varno;
 using namespace Qt::StringLiterals;
@@ -72,52 +68,58 @@ void forEachPart(const QByteArray& bytes, const Cut& cut,
 /// Replays `body` to the real client of its service.
 Received replay(bool isGemini, int status, const QByteArray& body, const Cut& cut)
 {
-    FakeKeyStore store;
-    const KeychainService keychain(store);
-    keychain.save(u"made-up"_s, keychain.anthropicAccount);
-    keychain.save(u"made-up"_s, keychain.geminiAccount);
-    HttpByHand http;
-    http.respond = [&](const HttpRequest&, HttpReceiver& receiver) -> std::optional<Failure> {
+    ClientsByHand clients;
+    clients.respond = [&](const HttpRequest&, HttpReceiver& receiver) -> std::optional<Failure> {
         if (receiver.onStatus(status))
             forEachPart(body, cut, [&](std::string_view part) { return receiver.onBytes(part); });
         return std::nullopt;
     };
-    const ClaudeService claude("https://example.invalid", http, keychain);
-    const GeminiService gemini("https://example.invalid", http, keychain);
-    return receive(isGemini ? gemini.streamEntry({}) : claude.streamEntry({}));
+    return clients.ask(isGemini);
 }
 
-/// The events that the rules of the event stream format make of `bytes`, over our lines.
-QJsonArray events(const QByteArray& bytes, const Cut& cut)
+/// All of it: the text, its formats, and what of its rows goes with a selection.
+QString described(MarkdownContentView& view)
 {
-    QJsonArray dispatched;
-    QByteArray data;
-    QByteArray type;
-    LineSplitter splitter;
-    const auto onLine = [&](std::string_view text) {
-        const QByteArray line(text.data(), static_cast<qsizetype>(text.size()));
-        if (line.isEmpty()) {
-            if (!data.isEmpty())
-                dispatched.append(QJsonObject{
-                    {u"type"_s, type.isEmpty() ? u"message"_s : QString::fromUtf8(type)},
-                    {u"data"_s, QString::fromUtf8(data.chopped(1))}});
-            data.clear();
-            type.clear();
-            return true;
-        }
-        const qsizetype colon = line.indexOf(':');
-        const QByteArray field = colon < 0 ? line : line.first(colon);
-        QByteArray value = colon < 0 ? QByteArray() : line.sliced(colon + 1);
-        if (value.startsWith(' '))
-            value.remove(0, 1);
-        if (field == "data")
-            data += value + '\n';
-        else if (field == "event")
-            type = value;
-        return true;
-    };
-    forEachPart(bytes, cut, [&](std::string_view part) { return splitter.feed(part, onLine); });
-    return dispatched;
+    // Asking for what stands behind any end has all of it written.
+    static_cast<void>(view.blockRect(1000000));
+    view.findChild<QTextBrowser*>()->selectAll();
+    return view.document().toHtml() + view.selectedText();
+}
+
+QString lettersAndDigits(QString text)
+{
+    static const QRegularExpression others(u"[^\\p{L}\\p{N}]+"_s);
+    return text.remove(others);
+}
+
+/// Of a block that begins as a list, headings aside, the lines that are items; else all of it.
+QString shownLines(const QString& block)
+{
+    static const QRegularExpression bullet(u"^[ \t]*[-*] "_s);
+    static const QRegularExpression number(u"^[ \t]*\\p{N}.*\\. "_s);
+    static const QRegularExpression body(u"^(#{1,3} .*\n\\s*)*"_s);
+    const qsizetype begin = body.match(block).capturedLength();
+    const QString first = block.sliced(begin).section(u'\n', 0, 0);
+    const bool isBulletList = bullet.match(first).hasMatch();
+    if (!isBulletList && !number.match(first).hasMatch())
+        return block;
+    QString shown = block.first(begin);
+    for (const QString& line : block.sliced(begin).split(u'\n')) {
+        if (isBulletList ? bullet.match(line).hasMatch() : line.trimmed().contains(u". "_s))
+            shown += line;
+    }
+    return shown;
+}
+
+/// What of a reply the reader should see, less its marks.
+QString visible(QString text)
+{
+    static const QRegularExpression address(u"(?<=\\])\\([^)\\s]*\\)"_s);
+    static const QRegularExpression entity(u"&(#[0-9]+|#x[0-9a-f]+|[a-z]+);"_s);
+    QString shown;
+    for (const QString& block : text.remove(address).remove(entity).split(u"\n\n"_s))
+        shown += shownLines(block.trimmed());
+    return lettersAndDigits(shown);
 }
 
 } // namespace
@@ -134,37 +136,26 @@ private Q_SLOTS:
             QSKIP("there is no folder of recorded replies here");
     }
 
-    void streams_data()
-    {
-        QTest::addColumn<bool>("isGemini");
-        QTest::addColumn<QString>("file");
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<int>("thoughtLength");
-        for (const bool isGemini : {false, true}) {
-            const QString folder = isGemini ? u"gemini"_s : u"anthropic"_s;
-            for (const QJsonObject& expected : jsonLines(folder + u"/expected.dev.jsonl"_s)) {
-                const QString file = expected[u"file"_s].toString();
-                QTest::newRow(qPrintable(file))
-                    << isGemini << file << expected[u"text"_s].toString()
-                    << expected[u"thought_chars"_s].toInt();
-            }
-        }
-    }
     void streams()
     {
-        QFETCH(bool, isGemini);
-        QFETCH(QString, file);
-        QFETCH(QString, text);
-        QFETCH(int, thoughtLength);
-        const QByteArray body = contents(file);
-        // A recorded refusal, whose status is not in the file.
-        const bool isError = body.trimmed().startsWith('{');
-        for (const Cut& cut : cuts()) {
-            const Received received = replay(isGemini, isError ? 400 : 200, body, cut);
-            QCOMPARE(received.error.isEmpty(), !isError);
-            // A thought stands in a first part like any other text, so it is text to us.
-            QCOMPARE(received.text().size(), thoughtLength + text.size());
-            QVERIFY2(received.text().sliced(thoughtLength) == text, cut.name);
+        for (const QString& folder : {u"anthropic"_s, u"gemini"_s}) {
+            for (const QJsonObject& expected : jsonLines(folder + u"/expected.dev.jsonl"_s)) {
+                const QString file = expected[u"file"_s].toString();
+                const QString text = expected[u"text"_s].toString();
+                // A thought stands in a first part like any other text, so it is text to us.
+                const int thoughtLength = expected[u"thought_chars"_s].toInt();
+                const QByteArray body = contents(file);
+                // A recorded refusal, whose status is not in the file.
+                const bool isError = body.trimmed().startsWith('{');
+                for (const Cut& cut : cuts()) {
+                    const InRow row(file, cut.name);
+                    const Received received =
+                        replay(folder == u"gemini", isError ? 400 : 200, body, cut);
+                    QCOMPARE(received.error.isEmpty(), !isError);
+                    QCOMPARE(received.text().size(), thoughtLength + text.size());
+                    QCOMPARE(received.text().sliced(thoughtLength), text);
+                }
+            }
         }
     }
 
@@ -180,71 +171,49 @@ private Q_SLOTS:
         }
     }
 
-    void errors_data()
-    {
-        QTest::addColumn<QString>("file");
-        for (const QString& folder : {u"anthropic/errors"_s, u"gemini/errors"_s}) {
-            for (const QString& file : QDir(corpora() + u'/' + folder).entryList(QDir::Files))
-                QTest::newRow(qPrintable(file)) << QString(folder + u'/' + file);
-        }
-    }
     void errors()
     {
-        QFETCH(QString, file);
-        const QByteArray body = contents(file);
-        const QJsonObject error = QJsonDocument::fromJson(body).object()[u"error"_s].toObject();
-        const bool isGemini = file.startsWith(u"gemini"_s);
-        const QString expected = !isGemini ? u"API error (HTTP 400). Please try again."_s
-                                 : error.contains(u"message"_s)
-                                     ? u"Gemini error: "_s + error[u"message"_s].toString()
-                                     : u"Gemini API error (HTTP 400). Please try again."_s;
-        for (const Cut& cut : cuts())
-            QCOMPARE(replay(isGemini, 400, body, cut).error, expected);
-    }
-
-    void eventStreamFormat_data()
-    {
-        QTest::addColumn<QByteArray>("bytes");
-        QTest::addColumn<QJsonArray>("expected");
-        for (const QJsonObject& example : jsonLines(u"wpt-sse/wpt-cases.jsonl"_s)) {
-            QByteArray bytes;
-            for (const auto& chunk : example[u"chunks_b64"_s].toArray())
-                bytes += QByteArray::fromBase64(chunk.toString().toLatin1());
-            QTest::newRow(qPrintable(example[u"id"_s].toString()))
-                << bytes << example[u"expect"_s].toArray();
+        for (const QString& folder : {u"anthropic/errors/"_s, u"gemini/errors/"_s}) {
+            for (const QString& file : QDir(corpora() + u'/' + folder).entryList(QDir::Files)) {
+                const InRow row(folder, file);
+                const QByteArray body = contents(folder + file);
+                const auto error = QJsonDocument::fromJson(body).object()[u"error"_s].toObject();
+                const bool isGemini = folder.startsWith(u"gemini"_s);
+                const QString expected = !isGemini ? u"API error (HTTP 400). Please try again."_s
+                                         : error.contains(u"message"_s)
+                                             ? u"Gemini error: "_s + error[u"message"_s].toString()
+                                             : u"Gemini API error (HTTP 400). Please try again."_s;
+                for (const Cut& cut : cuts())
+                    QCOMPARE(replay(isGemini, 400, body, cut).error, expected);
+            }
         }
     }
-    void eventStreamFormat()
-    {
-        QFETCH(QByteArray, bytes);
-        QFETCH(QJsonArray, expected);
-        for (const Cut& cut : cuts())
-            QCOMPARE(events(bytes, cut), expected);
-    }
 
-    void jsonTexts_data()
+    void isShownInWhole()
     {
-        QTest::addColumn<QString>("file");
-        for (const QString& folder : {u"json/test_parsing"_s, u"json/test_transform"_s}) {
-            for (const QString& file : QDir(corpora() + u'/' + folder).entryList(QDir::Files))
-                QTest::newRow(qPrintable(file)) << QString(folder + u'/' + file);
+        QRandomGenerator random(11);
+        for (const QString& folder : {u"anthropic"_s, u"gemini"_s}) {
+            for (const QJsonObject& expected : jsonLines(folder + u"/expected.dev.jsonl"_s)) {
+                const InRow row(expected[u"file"_s].toString());
+                const QString text = expected[u"text"_s].toString();
+                MarkdownContentView atOnce;
+                atOnce.setText(text);
+                const QString whole = described(atOnce);
+                QCOMPARE(lettersAndDigits(atOnce.selectedText()), visible(text));
+                for (const int longest : {1, 12, 300}) {
+                    MarkdownContentView streamed;
+                    for (qsizetype begin = 0; begin < text.size();) {
+                        const qsizetype length = std::min<qsizetype>(random.bounded(1, longest + 1),
+                                                                     text.size() - begin);
+                        streamed.appendText(QStringView(text).sliced(begin, length));
+                        begin += length;
+                    }
+                    QCOMPARE(described(streamed), whole);
+                }
+            }
         }
-    }
-    void jsonTexts()
-    {
-        QFETCH(QString, file);
-        const QByteArray text = contents(file);
-        json::Parser parser;
-        const bool valid = json::parse(parser, text).has_value();
-        const QString name = file.section(u'/', -1);
-        if (name.startsWith(u"y_"_s))
-            QVERIFY(valid);
-        else if (name.startsWith(u"n_"_s))
-            QVERIFY(!valid);
-        else
-            qInfo("%s", valid ? "accepted" : "refused");
     }
 };
 
-VARNO_TEST(QCoreApplication, RecordedRepliesTest)
+VARNO_TEST(QApplication, RecordedRepliesTest)
 #include "RecordedRepliesTest.moc"

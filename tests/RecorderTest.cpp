@@ -6,12 +6,12 @@
 #include "platform/linux/XcbKeyboard.h"
 #include "recorder/RecorderCocoa.h"
 #include "recorder/RefusalAlert.h"
+#include "tests/TestMain.h"
 
 #include <QApplication>
 #include <QPointer>
 #include <QShortcut>
 #include <QSignalSpy>
-#include <QTest>
 #include <QVBoxLayout>
 
 #include <xcb/xtest.h>

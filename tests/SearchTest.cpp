@@ -1,12 +1,10 @@
 #include "core/Prompts.h"
 #include "tests/ControllerFixture.h"
-
-#include <QFile>
+#include "tests/Table.h"
+#include "tests/TestMain.h"
 
 using namespace varno;
 using namespace Qt::StringLiterals;
-
-using Change = AppViewModel::Change;
 
 /// Searching, streaming, reloading.
 class SearchTest : public QObject {
@@ -24,39 +22,34 @@ private Q_SLOTS:
         QCOMPARE(fixture.model->searchHistory(), QStringList({u"rome"_s}));
     }
 
-    void newEntry_data()
-    {
-        QTest::addColumn<QString>("query");
-        QTest::addColumn<EntryType>("type");
-        QTest::newRow("definition") << u"photosynthesis"_s << EntryType::definition;
-        QTest::newRow("short answer") << u"black HOLES"_s << EntryType::shortAnswer;
-        QTest::newRow("article") << u"the history of the roman empire"_s << EntryType::full;
-    }
     void newEntry()
     {
-        QFETCH(QString, query);
-        QFETCH(EntryType, type);
-        ControllerFixture fixture;
-        AppViewModel& model = *fixture.model;
-        model.search(u"  "_s + query + u"\n"_s);
+        for (const QString& query : {u"photosynthesis"_s, u"black HOLES"_s, QString(article)}) {
+            const InRow row(query);
+            ControllerFixture fixture;
+            AppViewModel& model = *fixture.model;
+            model.search(u"  "_s + query + u"\n"_s);
 
-        QVERIFY(model.isShowingEntry());
-        QVERIFY(model.isStreaming());
-        QCOMPARE(model.session()->rootQuery, query);
-        QCOMPARE(model.session()->createdAt, double(fixture.now.toSecsSinceEpoch() - 978307200));
-        QCOMPARE(model.currentPage()->entryType, type);
-        QCOMPARE(model.currentPage()->title, model.streamingTitle());
-        QVERIFY(model.streamingTitle().startsWith(query.first(1).toUpper()));
-        QCOMPARE(model.tocIsLoading(), type == EntryType::full);
+            const EntryType type = detectEntryType(query);
+            QVERIFY(model.isShowingEntry());
+            QVERIFY(model.isStreaming());
+            QCOMPARE(model.session()->rootQuery, query);
+            QCOMPARE(model.session()->createdAt,
+                     double(fixture.now.toSecsSinceEpoch() - 978307200));
+            QCOMPARE(model.currentPage()->entryType, type);
+            QCOMPARE(model.currentPage()->title, model.streamingTitle());
+            QVERIFY(model.streamingTitle().startsWith(query.first(1).toUpper()));
+            QCOMPARE(model.tocIsLoading(), type == EntryType::full);
 
-        QCOMPARE(fixture.claude.entries.size(), 1U);
-        const ModelRequest& request = fixture.claude.entries.front().request;
-        QCOMPARE(request.prompt, entryPrompt(type, query));
-        QCOMPARE(request.systemPrompt, entrySystemPrompt());
-        QCOMPARE(request.model, u"claude-sonnet-5"_s);
-        QVERIFY(!request.webSearch);
-        QCOMPARE(fixture.claude.tocs.size(), type == EntryType::full ? 1U : 0U);
-        QVERIFY(fixture.gemini.entries.empty());
+            QCOMPARE(fixture.claude.entries.size(), 1U);
+            const ModelRequest& request = fixture.claude.entries.front().request;
+            QCOMPARE(request.prompt, entryPrompt(type, query));
+            QCOMPARE(request.systemPrompt, entrySystemPrompt());
+            QCOMPARE(request.model, u"claude-sonnet-5"_s);
+            QVERIFY(!request.webSearch);
+            QCOMPARE(fixture.claude.tocs.size(), type == EntryType::full ? 1U : 0U);
+            QVERIFY(fixture.gemini.entries.empty());
+        }
     }
 
     void modelAndWebSearchOfTheMoment()
@@ -64,13 +57,13 @@ private Q_SLOTS:
         ControllerFixture fixture;
         fixture.model->setAIModel(AIModel::geminiFlash);
         fixture.model->setWebSearchEnabled(true);
-        fixture.model->search(u"why do cats always land upright"_s);
+        fixture.model->search(article);
         fixture.model->setAIModel(AIModel::opus); // concerns the next request
         QCOMPARE(fixture.gemini.entries.front().request.model, u"gemini-3.6-flash"_s);
         QVERIFY(fixture.gemini.entries.front().request.webSearch);
         QCOMPARE(fixture.gemini.tocs.front().model, u"gemini-3.6-flash"_s);
         QVERIFY(fixture.gemini.tocs.front().webSearch);
-        QCOMPARE(fixture.gemini.tocs.front().topic, u"Why Do Cats Always Land Upright"_s);
+        QCOMPARE(fixture.gemini.tocs.front().topic, articleTitle);
         fixture.model->reloadCurrentPage();
         QCOMPARE(fixture.claude.entries.front().request.model, u"claude-opus-4-8"_s);
     }
@@ -87,33 +80,21 @@ private Q_SLOTS:
         QVERIFY(fixture.model->isStreaming());
     }
 
-    void finishedEntry_data()
-    {
-        QTest::addColumn<QString>("answer");
-        QTest::addColumn<QString>("content");
-        QTest::addColumn<QStringList>("seeAlso");
-        QTest::newRow("as asked") << u"Text.\nSEE_ALSO_JSON: [\"A\", \"B\"]\n</entry>"_s
-                                  << u"Text."_s << QStringList({u"A"_s, u"B"_s});
-        QTest::newRow("no topics") << u" Text.</entry>"_s << u"Text."_s << QStringList();
-        QTest::newRow("malformed topics")
-            << u"Text.\nSEE_ALSO_JSON: [\"A\", B]</entry>"_s << u"Text."_s << QStringList();
-        QTest::newRow("topics cut off")
-            << u"Text.\nSEE_ALSO_JSON: [\"A\""_s << u"Text."_s << QStringList();
-        QTest::newRow("brackets the wrong way round")
-            << u"Text.\nSEE_ALSO_JSON: none ] [ none"_s << u"Text."_s << QStringList();
-        QTest::newRow("topics behind the tag")
-            << u"Text.</entry>\nSEE_ALSO_JSON: [\"A\"]"_s << u"Text."_s << QStringList({u"A"_s});
-        QTest::newRow("nothing") << QString() << QString() << QStringList();
-    }
     void finishedEntry()
     {
-        QFETCH(QString, answer);
-        ControllerFixture fixture;
-        fixture.write(u"rome"_s, answer);
-        QTEST(fixture.model->streamingContent(), "content");
-        QTEST(fixture.model->currentPage()->content, "content");
-        QTEST(fixture.model->currentPage()->seeAlso, "seeAlso");
-        QVERIFY(!fixture.model->errorMessage());
+        for (const auto& [topics, seeAlso] : std::initializer_list<std::pair<QString, QStringList>>{
+                 {u"[\"A\", \"B\"]\n</entry>"_s, {u"A"_s, u"B"_s}},
+                 {u"[\"A\", B]</entry>"_s, {}},
+                 {u"none ] [ none"_s, {}},
+             }) {
+            const InRow row(topics);
+            ControllerFixture fixture;
+            fixture.write(u"rome"_s, u" Text.\nSEE_ALSO_JSON: "_s + topics);
+            QCOMPARE(fixture.model->streamingContent(), u"Text."_s);
+            QCOMPARE(fixture.model->currentPage()->content, u"Text."_s);
+            QCOMPARE(fixture.model->currentPage()->seeAlso, seeAlso);
+            QVERIFY(!fixture.model->errorMessage());
+        }
     }
 
     void failureKeepsWhatArrived()
@@ -131,31 +112,27 @@ private Q_SLOTS:
         QVERIFY(fixture.model->isStreaming());
     }
 
-    void tableOfContents_data()
-    {
-        QTest::addColumn<bool>("fails");
-        QTest::newRow("list") << false;
-        QTest::newRow("failure") << true;
-    }
     void tableOfContents()
     {
-        QFETCH(bool, fails);
-        ControllerFixture fixture;
-        fixture.model->search(u"the history of the roman empire"_s);
         const QStringList sections = {u"Kings"_s, u"Republic"_s};
-        fixture.claude.tocs.back().sink.finish(fails ? Result<QStringList>(Failure{u"lost"_s})
-                                                     : Result<QStringList>(sections));
-        QTRY_VERIFY(!fixture.model->tocIsLoading());
-        QCOMPARE(fixture.model->streamingTOC(), fails ? QStringList() : sections);
-        QCOMPARE(fixture.model->currentPage()->tableOfContents, fixture.model->streamingTOC());
-        QVERIFY(!fixture.model->errorMessage());
-        QVERIFY(fixture.model->isStreaming());
+        for (const Result<QStringList>& outcome :
+             {Result<QStringList>(sections), Result<QStringList>(Failure{u"lost"_s})}) {
+            ControllerFixture fixture;
+            fixture.model->search(article);
+            fixture.claude.tocs.back().sink.finish(outcome);
+            QTRY_VERIFY(!fixture.model->tocIsLoading());
+            QCOMPARE(fixture.model->streamingTOC(),
+                     outcome.index() == 0 ? sections : QStringList());
+            QCOMPARE(fixture.model->currentPage()->tableOfContents, fixture.model->streamingTOC());
+            QVERIFY(!fixture.model->errorMessage());
+            QVERIFY(fixture.model->isStreaming());
+        }
     }
 
     void newSearchSilencesTheOldOne()
     {
         ControllerFixture fixture;
-        fixture.model->search(u"the history of the roman empire"_s);
+        fixture.model->search(article);
         const auto old = fixture.claude.entries.back();
         const auto oldTOC = fixture.claude.tocs.back();
         old.sink.send(u"queued"_s);
@@ -175,7 +152,8 @@ private Q_SLOTS:
     {
         ControllerFixture fixture;
         fixture.write(u"black holes"_s, u"Dense.\nSEE_ALSO_JSON: [\"Stars\"]"_s);
-        fixture.write(u"carthage"_s);
+        fixture.model->search(u"carthage"_s);
+        fixture.answer(QString(), Failure{u"It broke."_s});
         fixture.model->search(u" Black HOLES "_s);
         QCOMPARE(fixture.claude.entries.size(), 2U);
         QVERIFY(!fixture.model->isStreaming());
@@ -184,6 +162,7 @@ private Q_SLOTS:
         QCOMPARE(fixture.model->currentPage()->seeAlso, QStringList({u"Stars"_s}));
         QCOMPARE(fixture.model->session()->rootQuery, u"black holes"_s);
         QCOMPARE(fixture.model->searchHistory(), QStringList({u"Black HOLES"_s, u"carthage"_s}));
+        QCOMPARE(fixture.model->errorMessage(), u"It broke."_s); // stays on show
     }
 
     void sameQueryWhileOpenReopensItself()
@@ -197,28 +176,17 @@ private Q_SLOTS:
         QCOMPARE(fixture.model->streamingContent(), u"Raw, half"_s);
     }
 
-    void reopeningKeepsAnErrorOnShow()
-    {
-        ControllerFixture fixture;
-        fixture.write(u"rome"_s);
-        fixture.model->search(u"carthage"_s);
-        fixture.answer(QString(), Failure{u"It broke."_s});
-        fixture.model->search(u"rome"_s);
-        QCOMPARE(fixture.model->errorMessage(), u"It broke."_s);
-    }
-
     void reopenedSectionSessionShowsItsRoot()
     {
         ControllerFixture fixture;
-        fixture.writeArticle(u"the history of the roman empire"_s, {u"Kings"_s});
-        fixture.model->navigateTo(u"Kings"_s);
-        fixture.answer(u"Seven of them."_s);
+        fixture.writeArticle(article, {u"Kings"_s});
+        fixture.openSection(u"Kings"_s);
         fixture.write(u"carthage"_s);
-        fixture.model->search(u"the history of the roman empire"_s);
-        QCOMPARE(fixture.model->streamingTitle(), u"The History Of The Roman Empire"_s);
+        fixture.model->search(article);
+        QCOMPARE(fixture.model->streamingTitle(), articleTitle);
         QCOMPARE(fixture.model->streamingContent(), u"Overview."_s);
         QCOMPARE(fixture.model->streamingTOC(), QStringList({u"Kings"_s}));
-        QCOMPARE(fixture.trail(), QStringList({u"The History Of The Roman Empire"_s, u"Kings"_s}));
+        QCOMPARE(fixture.trail(), QStringList({articleTitle, u"Kings"_s}));
     }
 
     void emptySessionIsNeitherSavedNorReopened()
@@ -265,67 +233,55 @@ private Q_SLOTS:
     void reloadOfSectionKeepsTheContents()
     {
         ControllerFixture fixture;
-        fixture.writeArticle(u"the history of the roman empire"_s, {u"Kings"_s});
-        fixture.model->navigateTo(u"Kings"_s);
-        fixture.answer(u"Seven."_s);
+        fixture.writeArticle(article, {u"Kings"_s});
+        fixture.openSection(u"Kings"_s);
         const QUuid page = fixture.model->currentPage()->id;
         fixture.model->upgradeToFullEntry(); // not for a section
         QCOMPARE(fixture.claude.entries.size(), 2U);
         fixture.model->reloadCurrentPage();
         QCOMPARE(fixture.claude.entries.size(), 3U);
         QCOMPARE(fixture.claude.entries.back().request.prompt,
-                 sectionPrompt(u"Kings"_s, u"The History Of The Roman Empire"_s));
+                 sectionPrompt(u"Kings"_s, articleTitle));
         QCOMPARE(fixture.claude.tocs.size(), 1U);
         QCOMPARE(fixture.model->currentPage()->id, page);
         QCOMPARE(fixture.model->streamingTOC(), QStringList({u"Kings"_s}));
     }
 
-    void operationsWithoutASessionDoNothing()
-    {
-        ControllerFixture fixture;
-        fixture.model->reloadCurrentPage();
-        fixture.model->upgradeToFullEntry();
-        QVERIFY(!fixture.model->session());
-        QVERIFY(fixture.claude.entries.empty());
-    }
-
-    void observerMayCallBackAtAnyMoment_data()
-    {
-        QTest::addColumn<Change>("moment");
-        QTest::newRow("session") << Change::session;
-        QTest::newRow("piece") << Change::streamingPiece;
-        QTest::newRow("contents") << Change::streamingTOC;
-        QTest::newRow("end") << Change::isStreaming;
-    }
     void observerMayCallBackAtAnyMoment()
     {
-        QFETCH(Change, moment);
-        for (const bool destroys : {false, true}) {
-            ControllerFixture fixture;
-            bool done = false;
-            connect(fixture.model.get(), &AppViewModel::changed, this,
-                    [&](AppViewModel::Changes what) {
-                        if (!what.testFlag(moment) || std::exchange(done, true))
-                            return;
-                        if (destroys)
-                            fixture.model.reset();
-                        else
-                            fixture.model->newSearch();
-                    });
-            fixture.model->search(u"the history of the roman empire"_s);
-            fixture.claude.entries.back().sink.send(u"Text."_s);
-            fixture.claude.entries.back().sink.finish(EntryStream::Completed());
-            fixture.claude.tocs.back().sink.finish(QStringList({u"Kings"_s}));
-            QTest::qWait(20);
-            QVERIFY(done);
-            QCOMPARE(fixture.model == nullptr, destroys);
-            if (fixture.model) {
-                QVERIFY(!fixture.model->session());
-                QVERIFY(!fixture.model->isStreaming());
-                QVERIFY(fixture.model->streamingContent().isEmpty());
+        for (const Change moment :
+             {Change::session, Change::streamingPiece, Change::streamingTOC, Change::isStreaming}) {
+            for (const bool destroys : {false, true}) {
+                const InRow row(static_cast<quint32>(moment), destroys);
+                ControllerFixture fixture;
+                bool done = false;
+                connect(fixture.model.get(), &AppViewModel::changed, this,
+                        [&](AppViewModel::Changes what) {
+                            if (!what.testFlag(moment) || std::exchange(done, true))
+                                return;
+                            if (destroys)
+                                fixture.model.reset();
+                            else
+                                fixture.model->newSearch();
+                        });
+                fixture.model->search(article);
+                fixture.claude.entries.back().sink.send(u"Text."_s);
+                fixture.claude.entries.back().sink.finish(EntryStream::Completed());
+                fixture.claude.tocs.back().sink.finish(QStringList({u"Kings"_s}));
+                QTest::qWait(20);
+                QVERIFY(done);
+                QCOMPARE(fixture.model == nullptr, destroys);
+                if (fixture.model) {
+                    QVERIFY(!fixture.model->session());
+                    QVERIFY(!fixture.model->isStreaming());
+                    QVERIFY(fixture.model->streamingContent().isEmpty());
+                }
             }
         }
     }
+
+private:
+    using Change = AppViewModel::Change;
 };
 
 VARNO_TEST(QCoreApplication, SearchTest)

@@ -4,11 +4,11 @@
 #include "tests/ControllerFixture.h"
 #include "tests/ScreenReading.h"
 #include "tests/TestKeychain.h"
+#include "tests/TestMain.h"
 
 #include <QApplication>
 #include <QLineEdit>
 #include <QScrollBar>
-#include <QTest>
 
 using namespace varno;
 using namespace Qt::StringLiterals;

@@ -3,12 +3,12 @@
 #include "tests/Scarcity.h"
 #include "tests/ScreenReading.h"
 #include "tests/TestKeychain.h"
+#include "tests/TestMain.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QMenu>
-#include <QTest>
 
 using namespace varno;
 using namespace Qt::StringLiterals;
@@ -20,13 +20,13 @@ const QString noStoreText = u"No key store answers on this system, so keys canno
 
 class UnreachableKeyStore final : public KeyStore {
 public:
-    void replace(const KeyName&, const QByteArray&) override {}
-    void remove(const KeyName&) override {}
+    void replace(const KeyName&, const QByteArray&, std::stop_token) override {}
+    void remove(const KeyName&, std::stop_token) override {}
     [[nodiscard]] std::optional<QByteArray> find(const KeyName&, std::stop_token) const override
     {
         return std::nullopt;
     }
-    [[nodiscard]] KeyGlance look(const KeyName&) const override { return {}; }
+    [[nodiscard]] KeyGlance look(const KeyName&, std::stop_token) const override { return {}; }
 };
 
 struct SettingsFixture : ControllerFixture {

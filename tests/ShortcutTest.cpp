@@ -6,9 +6,9 @@
 #include "shortcuts/KeyLabel.h"
 #include "shortcuts/KeyboardShortcuts.h"
 #include "tests/Table.h"
+#include "tests/TestMain.h"
 
 #include <QSignalSpy>
-#include <QTest>
 
 #include <set>
 

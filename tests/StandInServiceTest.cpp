@@ -3,10 +3,10 @@
 #include "demo/ModelAnswer.h"
 #include "demo/Question.h"
 #include "tests/StandInClient.h"
+#include "tests/TestMain.h"
 
 #include <QDirIterator>
 #include <QRegularExpression>
-#include <QTest>
 
 #include <deque>
 

@@ -9,7 +9,6 @@
 #include <QDBusVariant>
 #include <QDBusVirtualObject>
 #include <QStringList>
-#include <QTest>
 #include <QUuid>
 #include <QVariantMap>
 

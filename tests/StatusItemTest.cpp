@@ -1,5 +1,6 @@
 #include "tests/ProgramFixture.h"
 #include "tests/StatusHost.h"
+#include "tests/TestMain.h"
 
 #include <QDBusArgument>
 

@@ -1,7 +1,8 @@
 #pragma once
 
+#include "tests/Patience.h"
+
 #include <QDebug>
-#include <QTest>
 
 namespace varno {
 

@@ -13,13 +13,12 @@ struct TestKeychain {
     KeychainService service{store};
 };
 
-/// Empty, and there as long as the process, which those who are asked in the background may need.
+/// Empty, and there until the process exits.
 template <typename Store = FakeKeyStore>
 KeychainService& newKeychain()
 {
-    // Never destroyed. NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables)
-    static auto* const all = new std::deque<TestKeychain<Store>>;
-    return all->emplace_back().service;
+    static std::deque<TestKeychain<Store>> all;
+    return all.emplace_back().service;
 }
 
 } // namespace varno

@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QTest>
+#include "tests/Patience.h"
 
 namespace varno {
 

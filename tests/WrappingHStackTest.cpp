@@ -1,6 +1,7 @@
 #include "reader/WrappingHStack.h"
 
-#include <QTest>
+#include "tests/Table.h"
+#include "tests/TestMain.h"
 
 using namespace varno;
 using namespace Qt::StringLiterals;
@@ -15,17 +16,10 @@ QWidget* box(int width)
     return widget;
 }
 
-/// A box that would like to be that wide.
+/// A box that would like to be wide.
 class Shrinkable : public QWidget {
 public:
-    explicit Shrinkable(int width)
-        : m_width(width)
-    {
-    }
-    [[nodiscard]] QSize sizeHint() const override { return {m_width, 20}; }
-
-private:
-    int m_width;
+    [[nodiscard]] QSize sizeHint() const override { return {500, 20}; }
 };
 
 } // namespace
@@ -34,44 +28,38 @@ class WrappingHStackTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void positions_data()
-    {
-        QTest::addColumn<QList<int>>("items"); // widths; equal widths are equal items
-        QTest::addColumn<QList<QPoint>>("positions");
-        QTest::addColumn<int>("height");
-        using Widths = QList<int>;
-        using Points = QList<QPoint>;
-
-        QTest::newRow("empty") << Widths() << Points() << 0;
-        QTest::newRow("one row") << Widths{30, 28, 26} << Points{{0, 0}, {38, 0}, {74, 0}} << 30;
-        QTest::newRow("ends at the edge") << Widths{41, 51} << Points{{0, 0}, {49, 0}} << 30;
-        QTest::newRow("one point too wide") << Widths{42, 51} << Points{{0, 0}, {0, 38}} << 68;
-        QTest::newRow("three rows")
-            << Widths{60, 61, 62} << Points{{0, 0}, {0, 38}, {0, 76}} << 106;
-        QTest::newRow("as wide as all") << Widths{100} << Points{{0, 0}} << 30;
-        QTest::newRow("first too wide") << Widths{101, 20} << Points{{0, 38}, {0, 76}} << 106;
-        QTest::newRow("only one, too wide") << Widths{150} << Points{{0, 38}} << 68;
-        QTest::newRow("later too wide")
-            << Widths{20, 150, 30} << Points{{0, 0}, {0, 38}, {0, 76}} << 106;
-        QTest::newRow("equal to the last")
-            << Widths{60, 50, 20, 30, 50} << Points{{0, 0}, {0, 38}, {0, 0}, {28, 0}, {0, 38}}
-            << 68;
-        QTest::newRow("all equal") << Widths{20, 20, 20} << Points{{0, 0}, {0, 0}, {0, 0}} << 30;
-    }
     void positions()
     {
-        QFETCH(QList<int>, items);
-        QFETCH(QList<QPoint>, positions);
+        struct Row {
+            QList<int> items; // widths; equal widths are equal items
+            QList<QPoint> positions;
+            int height;
+        };
         QList<QWidget*> boxes;
         WrappingHStack<int> stack([&](int width) { return boxes.emplace_back(box(width)); });
         stack.resize(100, 10);
-        stack.setItems(items);
-
-        QList<QPoint> found;
-        for (const QWidget* widget : boxes)
-            found.append(widget->pos());
-        QCOMPARE(found, positions);
-        QTEST(stack.heightForWidth(100), "height");
+        for (const auto& [items, positions, height] : {
+                 Row{{30, 28, 26}, {{0, 0}, {38, 0}, {74, 0}}, 30},
+                 Row{{41, 51}, {{0, 0}, {49, 0}}, 30}, // ends at the edge
+                 Row{{42, 51}, {{0, 0}, {0, 38}}, 68},
+                 Row{{60, 61, 62}, {{0, 0}, {0, 38}, {0, 76}}, 106},
+                 Row{{100}, {{0, 0}}, 30},
+                 Row{{101, 20}, {{0, 38}, {0, 76}}, 106}, // too wide for the first row
+                 Row{{20, 150, 30}, {{0, 0}, {0, 38}, {0, 76}}, 106},
+                 Row{{60, 50, 20, 30, 50}, {{0, 0}, {0, 38}, {0, 0}, {28, 0}, {0, 38}}, 68},
+                 Row{{20, 20, 20}, {{0, 0}, {0, 0}, {0, 0}}, 30},
+                 Row{{}, {}, 0},
+             }) {
+            const InRow row(items);
+            boxes.clear();
+            stack.setItems(items);
+            QList<QPoint> found;
+            for (const QWidget* widget : boxes)
+                found.append(widget->pos());
+            QCOMPARE(found, positions);
+            QCOMPARE(stack.heightForWidth(100), height);
+            QTRY_COMPARE(stack.children().size(), items.size()); // those before are gone
+        }
     }
 
     void narrowerWidthNeedsMoreRows()
@@ -85,25 +73,11 @@ private Q_SLOTS:
 
     void shrinkableItemStaysInItsRow()
     {
-        QWidget* item = nullptr;
-        WrappingHStack<QString> stack(
-            [&](const QString&) -> QWidget* { return item = new Shrinkable(500); });
+        WrappingHStack<int> stack([](int) { return new Shrinkable; });
         stack.resize(100, 10);
-        stack.setItems({u"Long"_s});
-        QCOMPARE(item->geometry(), QRect(0, 0, 100, 20));
+        stack.setItems({1});
+        QCOMPARE(stack.findChild<QWidget*>()->geometry(), QRect(0, 0, 100, 20));
         QCOMPARE(stack.heightForWidth(100), 20);
-    }
-
-    void otherItemsReplaceThoseBefore()
-    {
-        WrappingHStack<int> stack(box);
-        stack.resize(100, 10);
-        stack.setItems({60, 61});
-        stack.setItems({62});
-        QCOMPARE(stack.heightForWidth(100), 30);
-        QTRY_COMPARE(stack.children().size(), 1);
-        stack.setItems({});
-        QCOMPARE(stack.heightForWidth(100), 0);
     }
 
     void mirroredForRightToLeft()

@@ -6,7 +6,6 @@
 #include <QByteArray>
 #include <QList>
 #include <QRect>
-#include <QTest>
 
 #include <xcb/xtest.h>
 

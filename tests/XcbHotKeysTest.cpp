@@ -2,12 +2,12 @@
 #include "platform/linux/XcbHotKeyEvents.h"
 #include "platform/linux/XcbKeyboard.h"
 #include "shortcuts/Shortcut.h"
+#include "tests/TestMain.h"
 #include "tests/XDesktop.h"
 
 #include <QAbstractEventDispatcher>
 #include <QProcess>
 #include <QSignalSpy>
-#include <QTest>
 
 #include <algorithm>
 #include <array>

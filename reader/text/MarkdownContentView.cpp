@@ -114,6 +114,11 @@ QString MarkdownContentView::selectedText() const
     return varno::selectedText(m_surface.textCursor());
 }
 
+void MarkdownContentView::clearSelection()
+{
+    m_surface.setTextCursor(QTextCursor(m_surface.document()));
+}
+
 void MarkdownContentView::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);

@@ -35,6 +35,7 @@ public:
     /// How many characters of text it was given.
     [[nodiscard]] qsizetype textLength() const { return m_textLength; }
     [[nodiscard]] QString selectedText() const;
+    void clearSelection();
 
     /// Where the block of that index stands, in this widget's coordinates; null when there is no
     /// such block.
