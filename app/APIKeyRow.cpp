@@ -13,41 +13,32 @@ namespace {
 
 const TextStyle helpStyle{.size = 11, .opacity = 0.45};
 
-/// The help text and its link, which shows the address without its scheme. A link takes no colour
-/// from the palette of its place.
-QString helpText(const APIKeyDescription& description, const QColor& linkColor)
-{
-    const QString address = description.page.toString();
-    const QString shown = description.page.toString(QUrl::RemoveScheme).remove(0, 2);
-    return u"%1<a href=\"%2\" style=\"color: %3; text-decoration: none\">%4</a>."_s.arg(
-        description.help.toHtmlEscaped(), address.toHtmlEscaped(), linkColor.name(),
-        shown.toHtmlEscaped());
-}
-
 } // namespace
 
-APIKeyDescription anthropicKey(const KeychainService& keychain)
+APIKeyRow::APIKeyRow(KeychainTasks& keys, QWidget* parent)
+    : APIKeyRow({.account = keys.keychain().anthropicAccount,
+                 .fieldName = tr("Anthropic API key"),
+                 .help = tr("Varno doesn't include an API key — you supply your own, and "
+                            "Anthropic bills your account for what you use. Create a key "
+                            "at "),
+                 .keyPage = QUrl(u"https://console.anthropic.com/settings/keys"_s)},
+                keys, parent)
 {
-    return {.account = keychain.anthropicAccount,
-            .fieldName = APIKeyRow::tr("Anthropic API key"),
-            .help = APIKeyRow::tr("Varno doesn't include an API key — you supply your own, and "
-                                  "Anthropic bills your account for what you use. Create a key "
-                                  "at "),
-            .page = QUrl(u"https://console.anthropic.com/settings/keys"_s)};
 }
 
-APIKeyDescription geminiKey(const KeychainService& keychain)
+GeminiAPIKeyRow::GeminiAPIKeyRow(KeychainTasks& keys, QWidget* parent)
+    : APIKeyRow({.account = keys.keychain().geminiAccount,
+                 .fieldName = tr("Gemini API key"),
+                 .help = tr("Required only for Gemini models. Varno doesn't include a key — "
+                            "supply your own from "),
+                 .keyPage = QUrl(u"https://aistudio.google.com/apikey"_s)},
+                keys, parent)
 {
-    return {.account = keychain.geminiAccount,
-            .fieldName = APIKeyRow::tr("Gemini API key"),
-            .help = APIKeyRow::tr("Required only for Gemini models. Varno doesn't include a key — "
-                                  "supply your own from "),
-            .page = QUrl(u"https://aistudio.google.com/apikey"_s)};
 }
 
-APIKeyRow::APIKeyRow(const APIKeyDescription& description, KeychainTasks& keys, QWidget* parent)
+APIKeyRow::APIKeyRow(const Provider& provider, KeychainTasks& keys, QWidget* parent)
     : QWidget(parent)
-    , m_description(description)
+    , m_provider(provider)
     , m_keys(keys)
     , m_save(tr("Save Key"), {.text = {.size = 13, .role = ColorRole::accent},
                               .horizontal = 12,
@@ -68,7 +59,7 @@ APIKeyRow::APIKeyRow(const APIKeyDescription& description, KeychainTasks& keys, 
                                    m_stored,
                                    m_help,
                                }));
-    m_key.setAccessibleName(description.fieldName);
+    m_key.setAccessibleName(provider.fieldName);
     m_saved.hide();
     m_savedTimer.setSingleShot(true);
     m_savedTimer.setInterval(2s);
@@ -94,7 +85,7 @@ void APIKeyRow::connectParts()
 void APIKeyRow::refresh()
 {
     const int question = ++m_presenceQuestion;
-    m_keys.askPresence(m_description.account, this, [this, question](KeyPresence presence) {
+    m_keys.askPresence(m_provider.account, this, [this, question](KeyPresence presence) {
         if (question == m_presenceQuestion)
             setPresence(presence);
     });
@@ -117,7 +108,7 @@ void APIKeyRow::toggleRevealed()
         return;
     }
     m_loading.emplace();
-    m_keys.load(m_description.account, m_loading->get_token(), this,
+    m_keys.load(m_provider.account, m_loading->get_token(), this,
                 [this, mine = m_loading->get_token()](const std::optional<QString>& key) {
                     if (!mine.stop_requested())
                         reveal(key);
@@ -147,7 +138,7 @@ void APIKeyRow::save()
         return;
     stopLoading();
     setChanging(true);
-    m_keys.save(key, m_description.account, this, [this](KeyPresence presence) {
+    m_keys.save(key, m_provider.account, this, [this](KeyPresence presence) {
         endChange(presence);
         if (presence != KeyPresence::present)
             return; // the user may try again with what is still in the field
@@ -160,8 +151,7 @@ void APIKeyRow::remove()
 {
     forget();
     setChanging(true);
-    m_keys.remove(m_description.account, this,
-                  [this](KeyPresence presence) { endChange(presence); });
+    m_keys.remove(m_provider.account, this, [this](KeyPresence presence) { endChange(presence); });
 }
 
 void APIKeyRow::endChange(KeyPresence presence)
@@ -202,12 +192,23 @@ void APIKeyRow::showState()
     m_stored.setVisible(present && !m_key.isRevealed());
 }
 
+/// The help and its link, which shows the address without its scheme. A link takes no colour from
+/// the palette of its place.
+QString APIKeyRow::helpText(const QColor& linkColor) const
+{
+    const QString address = m_provider.keyPage.toString();
+    const QString shown = m_provider.keyPage.toString(QUrl::RemoveScheme).remove(0, 2);
+    return u"%1<a href=\"%2\" style=\"color: %3; text-decoration: none\">%4</a>."_s.arg(
+        m_provider.help.toHtmlEscaped(), address.toHtmlEscaped(), linkColor.name(),
+        shown.toHtmlEscaped());
+}
+
 void APIKeyRow::takeColors()
 {
     QPalette help = palette();
     help.setColor(QPalette::WindowText, themeColor(help, ColorRole::text, helpStyle.opacity));
     m_help.setPalette(help);
-    m_help.setText(helpText(m_description, themeColor(help, ColorRole::accent)));
+    m_help.setText(helpText(themeColor(help, ColorRole::accent)));
 }
 
 void APIKeyRow::changeEvent(QEvent* event)

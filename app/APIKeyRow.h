@@ -12,24 +12,13 @@
 
 namespace varno {
 
-/// What is different in one provider's row from another's.
-struct APIKeyDescription {
-    QString account;
-    QString fieldName; ///< for a screen reader
-    QString help;      ///< stands before the link
-    QUrl page;         ///< where the provider makes keys
-};
-
-[[nodiscard]] APIKeyDescription anthropicKey(const KeychainService& keychain);
-[[nodiscard]] APIKeyDescription geminiKey(const KeychainService& keychain);
-
-/// Stores, shows and removes the key of one provider.
-class APIKeyRow final : public QWidget {
+/// Stores, shows and removes the key of one provider: of Anthropic.
+class APIKeyRow : public QWidget {
     Q_OBJECT
 
 public:
     /// The key tasks outlive the row.
-    APIKeyRow(const APIKeyDescription& description, KeychainTasks& keys, QWidget* parent = nullptr);
+    explicit APIKeyRow(KeychainTasks& keys, QWidget* parent = nullptr);
 
     /// Asks the key store what it holds.
     void refresh();
@@ -40,6 +29,15 @@ Q_SIGNALS:
     void presenceChanged(varno::KeyPresence presence);
 
 protected:
+    /// What is different in one provider's row from another's.
+    struct Provider {
+        QString account;
+        QString fieldName; ///< for a screen reader
+        QString help;      ///< stands before the link
+        QUrl keyPage;      ///< where the provider makes keys
+    };
+    APIKeyRow(const Provider& provider, KeychainTasks& keys, QWidget* parent);
+
     void changeEvent(QEvent* event) override;
 
 private:
@@ -56,8 +54,9 @@ private:
     void showSaved();
     void showState();
     void takeColors();
+    [[nodiscard]] QString helpText(const QColor& linkColor) const;
 
-    APIKeyDescription m_description;
+    Provider m_provider;
     KeychainTasks& m_keys;
     KeyPresence m_presence = KeyPresence::absent;
     int m_presenceQuestion = 0; ///< the answer to an earlier one does not count
@@ -73,6 +72,14 @@ private:
     ThemedText m_savedText;
     ThemedText m_stored;
     QLabel m_help;
+};
+
+/// The same for Google.
+class GeminiAPIKeyRow final : public APIKeyRow {
+    Q_OBJECT
+
+public:
+    explicit GeminiAPIKeyRow(KeychainTasks& keys, QWidget* parent = nullptr);
 };
 
 } // namespace varno

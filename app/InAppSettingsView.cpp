@@ -27,8 +27,8 @@ InAppSettingsView::InAppSettingsView(AppViewModel& viewModel, KeychainTasks& key
     , m_viewModel(viewModel)
     , m_title(tr("SETTINGS"), {.size = 12, .tracking = 3, .opacity = 0.6})
     , m_done(tr("Done"), {.text = {.size = 13, .role = ColorRole::accent}})
-    , m_anthropicKey(anthropicKey(keys.keychain()), keys)
-    , m_geminiKey(geminiKey(keys.keychain()), keys)
+    , m_anthropicKey(keys)
+    , m_geminiKey(keys)
     , m_noKeyStore(tr("No key store answers on this system, so keys cannot be kept."),
                    {.size = 11, .role = StandardColor::orange}, Overflow::wrap)
     , m_shortcutTitle(tr("Open Varno"), rowStyle)

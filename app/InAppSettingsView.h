@@ -47,7 +47,7 @@ private:
     VerticalScrollArea m_scrollArea;
 
     APIKeyRow m_anthropicKey;
-    APIKeyRow m_geminiKey;
+    GeminiAPIKeyRow m_geminiKey;
     ThemedText m_noKeyStore;
     ThemedText m_shortcutTitle;
     ThemedText m_shortcutHelp;
