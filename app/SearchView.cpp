@@ -19,13 +19,13 @@ SearchView::SearchView(AppViewModel& viewModel, KeychainTasks& keys,
     , m_warningSymbol(Symbol::exclamationmarkTriangle, {.size = 11, .role = StandardColor::orange})
     , m_warningText(tr("Add your Anthropic API key in Settings to get started."),
                     {.size = 12, .role = StandardColor::orange})
-    , m_bottomBarText({}, {.size = 11, .opacity = 0.35})
+    , m_bottomBar({}, {.size = 11, .opacity = 0.35})
     , m_settings(Symbol::gearshape, {.symbol = {.size = 13, .opacity = 0.45}})
 {
     m_scrollArea.setContent(*page());
     setLayout(column({}, {
                              grow(m_scrollArea),
-                             row({.horizontal = 24}, {m_bottomBarText, stretch(), m_settings}),
+                             row({.horizontal = 24}, {m_bottomBar, stretch(), m_settings}),
                              gap(16),
                          }));
     setFocusProxy(&m_box);
@@ -101,13 +101,13 @@ void SearchView::showRecentSearches()
     m_recentSearches.setVisible(m_box.query().isEmpty() && !m_viewModel.searchHistory().isEmpty());
 }
 
-void SearchView::showShortcut()
+QString SearchView::bottomBarText() const
 {
     QStringList hints = {tr("⌘K  New search")};
     const QString label = m_shortcutLabel();
     if (!label.isEmpty())
         hints.append(label + tr("  Open from anywhere"));
-    m_bottomBarText.setText(hints.join(u"    "_s));
+    return hints.join(u"    "_s);
 }
 
 void SearchView::askForKey()
@@ -120,7 +120,7 @@ void SearchView::askForKey()
 void SearchView::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    showShortcut();
+    m_bottomBar.setText(bottomBarText());
     askForKey();
     m_box.setFocus();
 }

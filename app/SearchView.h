@@ -33,7 +33,7 @@ private:
     void searchAgain(const QString& search);
     void takeNote(AppViewModel::Changes what);
     void showRecentSearches();
-    void showShortcut();
+    [[nodiscard]] QString bottomBarText() const;
     void askForKey();
 
     AppViewModel& m_viewModel;
@@ -48,7 +48,7 @@ private:
     SymbolView m_warningSymbol;
     ThemedText m_warningText;
     RecentSearches m_recentSearches;
-    ThemedText m_bottomBarText;
+    ThemedText m_bottomBar;
     PlainButton m_settings;
 };
 

@@ -20,7 +20,7 @@ QStringView displayContent(const AppViewModel& viewModel)
     return isOnShow ? QStringView(viewModel.streamingContent()) : QStringView();
 }
 
-bool showsSidebar(const AppViewModel& viewModel)
+bool showSidebar(const AppViewModel& viewModel)
 {
     const Page* page = viewModel.currentPage();
     if (!page)
@@ -28,6 +28,12 @@ bool showsSidebar(const AppViewModel& viewModel)
     const bool isToCome =
         viewModel.isStreaming() && page->entryType == EntryType::full && !page->parentPageId;
     return viewModel.tocIsLoading() || !viewModel.streamingTOC().isEmpty() || isToCome;
+}
+
+bool isOnSection(const AppViewModel& viewModel)
+{
+    const Page* page = shownPage(viewModel);
+    return page && page->parentPageId;
 }
 
 bool offersFullEntry(const AppViewModel& viewModel)

@@ -15,7 +15,10 @@ namespace varno {
 [[nodiscard]] QStringView displayContent(const AppViewModel& viewModel);
 
 /// Whether there is a table of contents beside the page, or one to come.
-[[nodiscard]] bool showsSidebar(const AppViewModel& viewModel);
+[[nodiscard]] bool showSidebar(const AppViewModel& viewModel);
+
+/// Whether the page on show is a section of another.
+[[nodiscard]] bool isOnSection(const AppViewModel& viewModel);
 
 /// Whether an article could be made of the page.
 [[nodiscard]] bool offersFullEntry(const AppViewModel& viewModel);

@@ -168,10 +168,10 @@ void EntryView::showContents()
     const Page* page = shownPage(m_viewModel);
     m_sidebar.setSections(m_viewModel.streamingTOC());
     m_sidebar.setLoading(m_viewModel.tocIsLoading());
-    m_sidebar.setActiveSection(page && page->parentPageId ? page->parentSectionName : std::nullopt);
+    m_sidebar.setActiveSection(isOnSection(m_viewModel) ? page->parentSectionName : std::nullopt);
     m_sidebar.setFixedWidth(qRound(m_sidebarWidth));
-    m_sidebar.setVisible(showsSidebar(m_viewModel));
-    m_divider.setVisible(showsSidebar(m_viewModel));
+    m_sidebar.setVisible(showSidebar(m_viewModel));
+    m_divider.setVisible(showSidebar(m_viewModel));
 }
 
 void EntryView::showFind()

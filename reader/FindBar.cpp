@@ -72,10 +72,10 @@ void FindBar::setFindText(const QString& text)
         m_field.setText(text);
 }
 
-void FindBar::setMatches(int current, int total)
+void FindBar::setMatches(int currentMatchIndex, int totalMatchCount)
 {
-    m_current = current;
-    m_total = total;
+    m_currentMatchIndex = currentMatchIndex;
+    m_totalMatchCount = totalMatchCount;
     showCounter();
 }
 
@@ -87,16 +87,18 @@ void FindBar::takeFocus()
 
 void FindBar::step(int matches)
 {
-    if (m_total > 0)
-        Q_EMIT currentMatchIndexChanged((m_current + matches + m_total) % m_total);
+    if (m_totalMatchCount > 0)
+        Q_EMIT currentMatchIndexChanged((m_currentMatchIndex + matches + m_totalMatchCount) %
+                                        m_totalMatchCount);
 }
 
 void FindBar::showCounter()
 {
     m_counter.setVisible(!m_field.text().isEmpty());
-    m_counter.setTextStyle(m_total > 0 ? counterStyle : noResultsStyle);
-    m_counter.setText(m_total > 0 ? tr("%1 of %2").arg(m_current + 1).arg(m_total)
-                                  : tr("No results"));
+    m_counter.setTextStyle(m_totalMatchCount > 0 ? counterStyle : noResultsStyle);
+    m_counter.setText(m_totalMatchCount > 0
+                          ? tr("%1 of %2").arg(m_currentMatchIndex + 1).arg(m_totalMatchCount)
+                          : tr("No results"));
 }
 
 } // namespace varno

@@ -18,7 +18,7 @@ public:
 
     void setFindText(const QString& text);
     /// Which match is the current one, from 0, of how many.
-    void setMatches(int current, int total);
+    void setMatches(int currentMatchIndex, int totalMatchCount);
     /// Gives the field the keyboard, its text selected.
     void takeFocus();
 
@@ -31,8 +31,8 @@ private:
     void step(int matches);
     void showCounter();
 
-    int m_current = 0;
-    int m_total = 0;
+    int m_currentMatchIndex = 0;
+    int m_totalMatchCount = 0;
 
     SymbolView m_symbol;
     QLineEdit m_field;
