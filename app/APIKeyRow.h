@@ -12,7 +12,7 @@
 
 namespace varno {
 
-/// Stores, shows and removes the key of one provider: of Anthropic.
+/// Stores, shows and removes the key of Anthropic.
 class APIKeyRow : public QWidget {
     Q_OBJECT
 
@@ -22,14 +22,14 @@ public:
 
     /// Asks the key store what it holds.
     void refresh();
-    /// Drops what was typed or revealed, and what is about to be.
+    /// Drops a key that was typed or revealed, or that is being loaded.
     void forget();
 
 Q_SIGNALS:
     void presenceChanged(varno::KeyPresence presence);
 
 protected:
-    /// What is different in one provider's row from another's.
+    /// The differences between the rows of two providers.
     struct Provider {
         QString account;
         QString fieldName; ///< for a screen reader
@@ -74,7 +74,7 @@ private:
     QLabel m_help;
 };
 
-/// The same for Google.
+/// Stores, shows and removes the key of Google.
 class GeminiAPIKeyRow final : public APIKeyRow {
     Q_OBJECT
 

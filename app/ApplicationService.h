@@ -7,7 +7,7 @@
 
 namespace varno {
 
-/// The program on the session bus, where there is one of it at most.
+/// The program's name on the session bus, which one program at a time has.
 class ApplicationService final : public QObject {
     Q_OBJECT
 
@@ -18,10 +18,10 @@ public:
         silent,  ///< another one runs, and does not answer
     };
 
-    /// `busName` is its name there; the path of its object follows from that.
+    /// `busName` is that name; the path of the object is derived from it.
     explicit ApplicationService(const QString& busName, QObject* parent = nullptr);
 
-    /// Waits for the bus, and for the other program five seconds at most.
+    /// Waits for the bus, and at most five seconds for the other program.
     [[nodiscard]] Claim claim();
 
 Q_SIGNALS:

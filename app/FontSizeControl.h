@@ -8,7 +8,7 @@
 
 namespace varno {
 
-/// The sizes of text side by side, of which one is chosen.
+/// A segmented control for the text size.
 class FontSizeControl final : public QWidget {
     Q_OBJECT
 

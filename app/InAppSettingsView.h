@@ -18,12 +18,12 @@ class InAppSettingsView final : public QWidget {
     Q_OBJECT
 
 public:
-    /// The view model and the key tasks outlive the view, which takes over the recorder of the
-    /// shortcut that opens the panel.
+    /// The view model and the key tasks outlive the view, which owns the recorder of the shortcut
+    /// that opens the panel.
     InAppSettingsView(AppViewModel& viewModel, KeychainTasks& keys, QWidget* shortcutRecorder,
                       QWidget* parent = nullptr);
 
-    /// Makes it as new, for the moment when it is left: drops every key that was typed or revealed.
+    /// Resets the screen when it is left: drops every key that was typed or revealed.
     void reset();
 
 protected:

@@ -6,9 +6,8 @@
 
 namespace varno {
 
-/// A field for a secret, masked until it is revealed, with the button that does so over its end.
-/// Nothing that was in it can be brought back by undoing once it is `forget`ed, and what is
-/// selected goes to the clipboard only when it is copied.
+/// A text field for a secret, masked until its button reveals it. Once forgotten its text cannot be
+/// restored by undoing; a selection reaches the clipboard only when it is copied.
 class KeyField final : public QLineEdit {
     Q_OBJECT
 
@@ -18,7 +17,7 @@ public:
     [[nodiscard]] bool isRevealed() const { return echoMode() == Normal; }
     void setRevealed(bool revealed);
     void forget();
-    /// Whether the secret can be typed and the button be pressed.
+    /// Enables or disables typing and the button.
     void setUsable(bool usable);
 
 Q_SIGNALS:

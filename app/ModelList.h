@@ -7,7 +7,7 @@
 
 namespace varno {
 
-/// The models on offer, of which one is chosen.
+/// A list of the models, of which one is selected.
 class ModelList final : public QWidget {
     Q_OBJECT
 

@@ -5,11 +5,10 @@
 
 namespace varno {
 
-/// The combination that opens the panel from anywhere: Option, Command and F, unless the user chose
-/// another.
+/// The shortcut that opens the panel from anywhere: Option, Command and F by default.
 const KeyboardShortcuts::Name& openVarno();
 
-/// The same, for the screens.
+/// The same shortcut, for the screens.
 [[nodiscard]] PanelShortcut panelShortcut();
 
 } // namespace varno

@@ -5,7 +5,7 @@
 
 namespace varno {
 
-/// The latest searches, each a row that searches for it again.
+/// A list of the latest searches; pressing one searches for it again.
 class RecentSearches final : public QWidget {
     Q_OBJECT
 

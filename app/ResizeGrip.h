@@ -4,14 +4,14 @@
 
 namespace varno {
 
-/// A strip or corner along the edge of a window without a frame, where the mouse takes hold to
-/// resize it. Nothing of it is seen but the pointer.
+/// An invisible strip along an edge, or in a corner, of a window without a frame; dragging it
+/// resizes the window.
 class ResizeGrip final : public QWidget {
     Q_OBJECT
 
 public:
-    /// `edges` are those that it moves: one, or two that meet. Stands above what its siblings are
-    /// when it is raised, and follows the size of `window`.
+    /// `edges` are those that it moves: one, or two that meet. It follows the size of `window`;
+    /// raise it above its siblings.
     ResizeGrip(Qt::Edges edges, QWidget& window);
 
     bool eventFilter(QObject* window, QEvent* event) override;

@@ -4,20 +4,20 @@
 
 namespace varno {
 
-/// A button that is laid out like any widget: what is in it is to look at only. It answers to
-/// hovering and pressing with a faint fill.
+/// A button with a layout of widgets that only show something. Hovering and pressing fill it
+/// faintly.
 class RowButton : public PressableButton {
     Q_OBJECT
 
 public:
-    /// `name` is what a screen reader says.
+    /// `name` is the accessible name.
     explicit RowButton(const QString& name = {}, QWidget* parent = nullptr);
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
 
 protected:
-    /// Takes the mouse from everything in the layout: call it when the layout is complete.
+    /// Sets the layout, which is complete, and makes its widgets transparent for the mouse.
     void setContent(QLayout* content);
 
     void paintEvent(QPaintEvent* event) override;

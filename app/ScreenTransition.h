@@ -8,8 +8,8 @@
 
 namespace varno {
 
-/// Leads from one screen to the next: a picture of the old one fades over the new one, which is in
-/// use already. Covers its parent while it lasts.
+/// Animates the change of screens: a picture of the old screen fades over the new one, which is in
+/// use already. It covers its parent while it runs.
 class ScreenTransition final : public QWidget {
     Q_OBJECT
 
@@ -22,9 +22,9 @@ public:
 
     explicit ScreenTransition(QWidget* parent);
 
-    /// `next` fills the parent, and does so again at the end.
+    /// `next` fills the parent, before and after.
     void start(const QPixmap& previous, QWidget& next, Kind kind);
-    /// Goes to the end at once.
+    /// Ends the animation at once.
     void finish();
 
 protected:

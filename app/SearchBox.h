@@ -8,22 +8,22 @@
 
 namespace varno {
 
-/// The field that a search is typed into, with its frame and, around that, room for its shadow.
+/// The search field with its frame, and room for the shadow around it.
 class SearchBox final : public QWidget {
     Q_OBJECT
 
 public:
-    /// How far the widget reaches beyond the frame on each side, in points.
+    /// The margin around the frame on each side, in points.
     static constexpr int shadowRoom = 9;
 
-    /// Of the frame, where there is room for it.
+    /// The width of the frame, in points, where there is room for it.
     static constexpr int mostWidth = 560;
 
     explicit SearchBox(QWidget* parent = nullptr);
 
     [[nodiscard]] QString query() const { return m_field.text(); }
     void setQuery(const QString& query) { m_field.setText(query); }
-    /// Of the query, in points.
+    /// Sets the text size of the query, in points.
     void setTextSize(int size);
 
     [[nodiscard]] QSize sizeHint() const override;

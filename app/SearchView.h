@@ -11,14 +11,14 @@
 
 namespace varno {
 
-/// The screen with the search field, the latest searches, and what there is to know before the
-/// first of them.
+/// The screen with the search field, a warning while there is no key, and the latest searches.
 class SearchView final : public QWidget {
     Q_OBJECT
 
 public:
-    /// The view model and the key tasks outlive the view. `shortcutLabel` gives the keys that open
-    /// the panel from anywhere, as they are shown, or nothing; it is asked when the screen appears.
+    /// The view model and the key tasks outlive the view. `shortcutLabel` returns the display form
+    /// of the shortcut that opens the panel, empty if there is none; it is called when the screen
+    /// appears.
     SearchView(AppViewModel& viewModel, KeychainTasks& keys, std::function<QString()> shortcutLabel,
                QWidget* parent = nullptr);
 

@@ -10,7 +10,7 @@ class SettingsSection final : public QWidget {
     Q_OBJECT
 
 public:
-    /// Takes over the content's layout.
+    /// Owns the layout of the content.
     SettingsSection(const QString& title, QLayout* content, QWidget* parent = nullptr);
 
 private:

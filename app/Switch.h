@@ -6,7 +6,7 @@
 
 namespace varno {
 
-/// On or off, in the accent colour when on. Needs an accessible name.
+/// A switch, in the accent colour while it is on. It needs an accessible name.
 class Switch final : public QCheckBox {
     Q_OBJECT
 

@@ -7,7 +7,7 @@
 
 namespace varno {
 
-/// The name of the theme, which opens the menu of all of them.
+/// A button that shows the name of the theme and opens the menu of themes.
 class ThemeMenuButton final : public RowButton {
     Q_OBJECT
 

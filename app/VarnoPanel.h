@@ -5,13 +5,13 @@
 namespace varno {
 
 /// The one window: a floating panel without a frame, above all others and on every desktop. Closing
-/// hides it. What nothing else in it wants of the mouse moves it; its edges resize it.
+/// hides it. Dragging its background moves it, dragging its edges resizes it.
 class VarnoPanel final : public QWidget {
     Q_OBJECT
 
 public:
-    /// The view model and the key tasks outlive the panel. It stands in the middle of the screen,
-    /// and after that where and as large as the user leaves it.
+    /// The view model and the key tasks outlive the panel. It is centred on the screen at first,
+    /// and keeps the position and the size that the user gives it.
     VarnoPanel(AppViewModel& viewModel, KeychainTasks& keys, const PanelShortcut& shortcut);
 
     /// Shows it above all others and gives it the keyboard. `time`: see `activateForUser`.

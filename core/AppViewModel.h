@@ -34,7 +34,7 @@ public:
         std::function<QDateTime()> now = [] { return QDateTime::currentDateTime(); };
     };
 
-    /// What an announcement says has changed.
+    /// The state that an announcement says has changed.
     enum class Change : quint32 {
         isShowingEntry = 1U << 0U,
         isShowingSettings = 1U << 1U,
@@ -108,7 +108,7 @@ public:
     /// Goes back to a page of the trail.
     void jumpTo(const Page& breadcrumb);
 
-    /// From a section to the root entry, from the root entry out of the session.
+    /// Goes from a section to the root entry, and from the root entry out of the session.
     void goBack();
 
     /// Closes the session.
@@ -117,7 +117,7 @@ public:
     /// Empties both histories; the open session stays open.
     void clearHistory();
 
-    /// Takes in what other programs on the same files have saved and cleared since.
+    /// Reads again what other programs have saved and cleared in the same files.
     void refreshHistory();
 
     /// Saves the open session and waits for all pending writes: for the end of the process. Of a

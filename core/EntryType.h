@@ -22,8 +22,8 @@ struct RawValues<EntryType> {
     }};
 };
 
-/// One word is defined, two to four get a short answer, all else a full article. Only the blank
-/// U+0020 separates words.
+/// The kind of entry for a query: a definition for one word, a short answer for two to four,
+/// otherwise a full article. Only the blank U+0020 separates words.
 EntryType detectEntryType(const QString& query);
 
 } // namespace varno

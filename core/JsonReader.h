@@ -24,7 +24,7 @@ class Parser : public simdjson::dom::parser {};
 
 inline constexpr std::string_view byteOrderMark = "\xEF\xBB\xBF";
 
-/// All of `utf8`: QString::fromUtf8 would drop a U+FEFF at the beginning.
+/// Converts all of `utf8`: QString::fromUtf8 would drop a U+FEFF at the beginning.
 inline QString toQString(std::string_view utf8)
 {
     QString text = QString::fromUtf8(utf8.data(), static_cast<qsizetype>(utf8.size()));
@@ -33,8 +33,8 @@ inline QString toQString(std::string_view utf8)
     return text;
 }
 
-/// Nothing unless `bytes` are one whole valid JSON value, with or without a byte-order mark; good
-/// until `parser` reads the next one. A number is not refused for its size.
+/// The one JSON value that `bytes` are, with or without a byte-order mark; nothing when they are
+/// not valid. It is valid until `parser` reads the next one. A number is not refused for its size.
 std::optional<Value> parse(Parser& parser, QByteArrayView bytes);
 
 /// The same without a copy of `bytes`, if they have room to spare behind their end.

@@ -26,7 +26,7 @@ struct Preferences {
     AppTheme theme = AppTheme::cream;
 };
 
-/// What `store` holds; the default for each value that is absent or unknown. Stores nothing.
+/// Reads the preferences from `store`, with defaults for values that are absent or unknown.
 Preferences readPreferences(const PreferencesStore& store);
 
 } // namespace varno

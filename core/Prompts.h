@@ -10,13 +10,13 @@ namespace varno {
 // element whose last line is "SEE_ALSO_JSON:" and an array of related topics, so every character
 // counts. Topics go in as they are, quotes and all.
 
-/// Asks for a new entry on `query`.
+/// The prompt for a new entry on `query`.
 QString entryPrompt(EntryType type, const QString& query);
 
-/// Asks for one section, as its parent's table of contents names it.
+/// The prompt for a section, which its parent's table of contents names so.
 QString sectionPrompt(const QString& section, const QString& parentTopic);
 
-/// Goes with every entry and every section.
+/// The system prompt of every entry and every section.
 QString entrySystemPrompt();
 
 QString tocPrompt(const QString& topic);

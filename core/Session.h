@@ -12,7 +12,7 @@
 
 namespace varno {
 
-/// One piece of text on show: the entry for a query, or a section of it.
+/// A page: the entry for a query, or a section of it.
 struct Page {
     QUuid id;
     QString title;
@@ -50,14 +50,14 @@ struct Session {
     /// Stores `page`, in place of one with the same id, and shows it.
     void push(const Page& page);
 
-    /// Shows a page that the session holds once more; without effect for any other.
+    /// Shows a page of the session again; without effect for any other.
     void revisit(const QUuid& pageId);
 
     /// Cuts the trail after the last time that `pageId` was shown; without effect when it never
     /// was.
     void cutHistoryAfter(const QUuid& pageId);
 
-    /// Forgets a page and every time that it was shown.
+    /// Removes a page, also from the trail.
     void remove(const QUuid& pageId);
 
     /// A written page for that section of `parentId`, by its exact name.

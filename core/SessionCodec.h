@@ -8,8 +8,8 @@
 
 namespace varno {
 
-/// The most bytes that a history file may have, for those who write it and those who read it: more
-/// than a full history of the longest entries.
+/// The most bytes that a history file may have, written or read: more than a full history of the
+/// longest entries.
 inline constexpr qsizetype largestHistory = 256LL * 1024 * 1024;
 
 /// The history file: a JSON array of sessions, as they stand in the list. Those that would make it

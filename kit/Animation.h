@@ -9,7 +9,7 @@ namespace varno {
 
 class AnimationSetting;
 
-/// A number that goes from one value to another, slowly at both ends.
+/// A change of a number from one value to another, eased at both ends.
 struct Motion {
     double from = 0;
     double to = 1;
@@ -18,12 +18,11 @@ struct Motion {
     enum class Repeat { never, backAndForth } repeat = Repeat::never;
 };
 
-/// Moves a number on behalf of a widget. The only means of animation there is.
+/// Animates a number on behalf of a widget. Nothing else in the program animates.
 ///
-/// It moves only while the widget can be seen: nothing runs while the widget, one of its ancestors
-/// or its window is hidden or minimised, and it goes on from there when it is shown. Where
-/// the desktop wants no animations it is at its end at once, and one that repeats stays at its
-/// start.
+/// It runs only while the widget can be seen: it pauses while the widget, one of its ancestors or
+/// its window is hidden or minimised, and resumes when that is shown. Where the desktop wants no
+/// animations it ends at once, and one that repeats stays at its start.
 ///
 ///     Animation m_pulse{*this, [this](double opacity) { setOpacity(opacity); }};
 ///     m_pulse.start({.from = 0.5, .to = 0.25, .duration = 900ms,
@@ -33,21 +32,21 @@ public:
     /// `apply` is called with each value, on the main thread, the first time from within `start`.
     /// It may destroy the widget and the animation.
     Animation(QWidget& widget, std::function<void(double)> apply);
-    /// With another setting than the desktop's. It must outlive the animation.
+    /// Follows `setting`, which outlives the animation, in place of the desktop's.
     Animation(QWidget& widget, std::function<void(double)> apply, AnimationSetting& setting);
-    /// Ends it where it is; `apply` is not called again. The widget may be gone by then.
+    /// Stops it; `apply` is not called again. The widget may be gone by then.
     ~Animation();
     Animation(const Animation&) = delete;
     Animation& operator=(const Animation&) = delete;
 
-    /// Begins anew. A widget that is not shown yet is at `from` until it is.
+    /// Starts anew. The value stays at `from` until the widget is shown.
     void start(const Motion& motion);
-    /// Ends it where it is.
+    /// Stops it at the value that it has.
     void stop();
 
-    /// Whether it was started and has not come to its end; one that repeats never does.
+    /// Whether it was started and has not ended; one that repeats never ends.
     [[nodiscard]] bool isActive() const;
-    /// Whether it moves at this moment.
+    /// Whether it runs: it is active and not paused.
     [[nodiscard]] bool isMoving() const;
 
 private:

@@ -4,8 +4,8 @@ class QWidget;
 
 namespace varno {
 
-/// Draws the ground and the frame of a field to type into, as large as the widget. To be called
-/// while that is painted.
+/// Paints the background and the outline of a text field over all of `field`, from within its paint
+/// event.
 void paintFieldFrame(QWidget& field, bool isActive);
 
 } // namespace varno

@@ -6,11 +6,11 @@
 
 namespace varno {
 
-/// Keeps what a field holds to what it can lay out at every letter that is typed; the rest of a
-/// longer text is dropped.
+/// Limits the text of a field to what can be laid out at every keystroke; the rest of a longer text
+/// is dropped.
 class InputLimit final : public QValidator {
 public:
-    /// `mostCost` is a layout cost.
+    /// `mostCost`: see `layoutCost`.
     explicit InputLimit(qsizetype mostCost, QObject* parent = nullptr);
 
     [[nodiscard]] State validate(QString& input, int& position) const override;

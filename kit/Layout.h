@@ -7,9 +7,9 @@
 
 namespace varno {
 
-/// One thing in a row or a column: a widget, a nested row or column, or empty space. A widget that
-/// is less wide than its column, or less high than its row, stands in the middle of it. Space that
-/// is left over spreads between the things: end with `stretch()`, or let one of them `grow`.
+/// An item of a row or a column: a widget, a nested layout, or empty space. A widget narrower than
+/// its column, or lower than its row, is centred in it. Space that is left over is spread between
+/// the items: end with `stretch()`, or let one of them `grow`.
 ///
 ///     setLayout(column({.spacing = 12}, {
 ///         m_title,
@@ -33,23 +33,23 @@ private:
     std::function<void(QBoxLayout&)> m_add;
 };
 
-/// Takes the space that is left.
+/// An item that takes the space that is left.
 [[nodiscard]] LayoutItem grow(QWidget& widget);
-/// Keeps its own size, at that edge of the space it is given.
+/// An item of its own size, at that edge of the space it is given.
 [[nodiscard]] LayoutItem aligned(QWidget& widget, Qt::Alignment alignment);
 /// Empty space of a fixed length, in addition to the spacing.
 [[nodiscard]] LayoutItem gap(int points);
 /// Empty space that takes what is left.
 [[nodiscard]] LayoutItem stretch();
 
-/// The space around and between. All lengths in points.
+/// The space around the items and between them, in points.
 struct Spacing {
     int spacing = 0;
     int horizontal = 0; ///< padding left and right
     int vertical = 0;   ///< padding above and below
 };
 
-/// The caller, or the layout it is put into, owns the result.
+/// The result belongs to the caller, or to the layout it is added to.
 [[nodiscard]] QBoxLayout* row(const Spacing& spacing, std::initializer_list<LayoutItem> items);
 [[nodiscard]] QBoxLayout* column(const Spacing& spacing, std::initializer_list<LayoutItem> items);
 

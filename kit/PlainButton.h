@@ -11,7 +11,7 @@
 
 namespace varno {
 
-/// How a button looks. All lengths in points.
+/// The look of a button; all lengths in points.
 struct ButtonStyle {
     TextStyle text{};
     SymbolStyle symbol{};
@@ -27,13 +27,13 @@ struct ButtonStyle {
     Overflow overflow = Overflow::none;        ///< of the text: a button has one line, or elides
 };
 
-/// A button that is its symbol, its text, or the one before the other, and nothing else. It answers
-/// to hovering and pressing with its opacity, and with a faint fill where it has room around its
-/// content. Return and Space press it.
+/// A button that shows a symbol, a text, or the symbol before the text, and nothing else. Hovering
+/// and pressing change its opacity, and fill it faintly where it has padding. Return and Space
+/// press it.
 ///
-/// The keyboard gives it the focus and a ring around it, the mouse does not; `setFocusPolicy` says
-/// otherwise. No character of the text is a shortcut. An elided text shows the whole of itself when
-/// there is no other tool tip; no more than that can tell is kept of it. A button without text
+/// It takes the focus from the keyboard alone, and then has a focus ring; `setFocusPolicy` changes
+/// that. No character of its text is a mnemonic. An elided text is told by a tool tip unless there
+/// is another; of a longer text only as much is kept as a tool tip shows. A button without text
 /// needs an accessible name: its tool tip serves as one.
 class PlainButton : public PressableButton {
     Q_OBJECT

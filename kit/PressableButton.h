@@ -4,8 +4,8 @@
 
 namespace varno {
 
-/// The base of all buttons: one that Return presses as Space does, and that follows the mouse. An
-/// elided text in it shows the whole of itself when there is no other tool tip.
+/// The base of all buttons: Return presses it as Space does, and hovering repaints it. A text in it
+/// that is elided is told by a tool tip unless there is another.
 class PressableButton : public QAbstractButton {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ protected:
     bool event(QEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 
-    /// How strong the fill is that answers to the mouse.
+    /// The opacity of the fill while the pointer hovers or presses.
     [[nodiscard]] double hoverOpacity() const { return isDown() ? 0.12 : 0.06; }
 };
 

@@ -12,11 +12,12 @@ namespace varno {
 
 void fillRounded(QPainter& painter, const QRectF& place, double radius, const QColor& color);
 
-/// Draws a line of that width just inside the edge, which has the radius, over `ground`.
+/// Draws a line of `width` along the inside of the edge, whose corners have `radius`, and fills
+/// `ground` within.
 void outlineRounded(QPainter& painter, const QRectF& place, double radius, double width,
                     const QColor& color, const QBrush& ground = Qt::NoBrush);
 
-/// Keeps what is painted next inside the middle of such a line.
+/// Clips what is painted next to the inner side of the middle of such a line.
 void clipRounded(QPainter& painter, const QRectF& place, double radius, double width);
 
 } // namespace varno

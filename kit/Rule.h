@@ -11,7 +11,7 @@ class Rule : public QWidget {
     Q_OBJECT
 
 public:
-    /// A line of less than a device pixel is drawn as one that is as much paler.
+    /// A line thinner than a device pixel is drawn one device pixel wide, and paler by as much.
     explicit Rule(Qt::Orientation orientation = Qt::Horizontal, double thickness = 1,
                   const Ink& ink = {.role = ColorRole::border}, QWidget* parent = nullptr);
 

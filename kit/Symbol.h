@@ -9,7 +9,7 @@ class QRectF;
 
 namespace varno {
 
-/// Our own drawings, on one grid and of one hand. Each is the file of its name in assets/symbols.
+/// The symbols of the interface; each is drawn in the file of its name in assets/symbols.
 enum class Symbol {
     arrowClockwise,
     arrowUpLeft,
@@ -31,7 +31,7 @@ enum class Symbol {
     xmarkCircleFill,
 };
 
-/// How a symbol looks. It fills a square whose side is its size.
+/// The look of a symbol, which fills a square of `size`.
 struct SymbolStyle {
     double size = 13; ///< points
     QFont::Weight weight = QFont::Normal;
@@ -39,8 +39,8 @@ struct SymbolStyle {
     double opacity = 1;
 };
 
-/// Draws a symbol as large as `box` allows, in its middle, in whole device pixels. A heavier weight
-/// is a thicker line. Main thread only.
+/// Draws a symbol centred in `box`, as large as fits, in whole device pixels. A heavier weight has
+/// thicker lines. Main thread only.
 void drawSymbol(QPainter& painter, Symbol symbol, const QRectF& box, const QColor& color,
                 QFont::Weight weight = QFont::Normal);
 

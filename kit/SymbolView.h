@@ -6,8 +6,8 @@
 
 namespace varno {
 
-/// A symbol by itself, of a fixed size, in the colours of the palette that it inherits. It says
-/// nothing to a screen reader: the text beside it does.
+/// A symbol as a widget of a fixed size, in the colours of the inherited palette. Screen readers
+/// skip it: the text beside it says as much.
 class SymbolView : public QWidget {
     Q_OBJECT
 

@@ -14,33 +14,32 @@ class QPainter;
 
 namespace varno {
 
-/// What becomes of a text that is wider than its place.
+/// The treatment of a text that is wider than its place.
 enum class Overflow {
     none,  ///< it keeps its width
     elide, ///< it ends in "…"
     wrap,  ///< it goes on in the next line, breaking words that are wider than a line
 };
 
-/// A plain text laid out in a width, as far as the limit of its style. Its characters keep their
-/// order whatever their script, and no mark in it means anything. Only a text that wraps keeps its
-/// line breaks.
+/// A plain text laid out in a width, up to the limit of its style. Bidirectional controls and
+/// markup in it have no effect. Line breaks in it are kept only where it wraps.
 class TextBlock {
 public:
     static constexpr double unlimited = 1 << 24;
 
-    /// `font` is that of the place where it is drawn, made from the style.
+    /// `font` is the widget's font, which was made from the style.
     TextBlock(const QString& text, const TextStyle& style, const QFont& font, Overflow overflow,
               double width = unlimited);
 
-    /// Lays it out in another width. That costs little: the letters keep their shapes.
+    /// Lays it out in another width, without shaping its glyphs again.
     void setWidth(double width);
 
-    /// What it covers: up to the end of the longest line, without the tracking behind it.
+    /// The size of the laid-out text: as wide as its longest line, without the tracking at the end.
     [[nodiscard]] QSizeF size() const { return m_size; }
-    /// Whether it is not all of the text.
+    /// Whether a part of the text is not shown.
     [[nodiscard]] bool isElided() const { return m_isShortened || m_elided; }
 
-    /// Lines stand in `place` as `alignment` says; left is left, in every script.
+    /// Draws the lines in `place`, aligned by `alignment`; left means left in every script.
     void draw(QPainter& painter, const QRectF& place, Qt::Alignment alignment,
               const QColor& color) const;
 
@@ -58,24 +57,24 @@ private:
     bool m_isShortened = false;
 };
 
-/// What a text takes up in a width.
+/// The size of a text in a width.
 struct TextMeasure {
     double width = TextBlock::unlimited;
     QSizeF size;
     bool isElided = false;
 };
 
-/// The layout of a text that is asked for more often than it changes.
+/// A cache of the layout of one text.
 class LaidOutText {
 public:
-    /// Makes it that of another text, if it is another one.
+    /// Switches to that text, and drops the cache if it is another one.
     LaidOutText& of(const QString& text, const TextStyle& style, const QFont& font,
                     Overflow overflow);
 
     [[nodiscard]] TextMeasure measure(double width = TextBlock::unlimited);
-    /// Good until the next call of any of these.
+    /// The layout in that width, valid until the next call of any of these.
     [[nodiscard]] const TextBlock& block(double width);
-    /// To be called when the style has changed.
+    /// Drops the cache: the style has changed.
     void reset() { m_block.reset(); }
 
 private:
@@ -85,8 +84,8 @@ private:
     QList<TextMeasure> m_measures; ///< in the widths that were asked for last
 };
 
-/// A plain text as a tool tip: shown as it is, as far as the limit of tool tips, and in several
-/// lines if it is long.
+/// A plain text as the text of a tool tip: not read as HTML, up to the limit of tool tips, and
+/// wrapped if it is long.
 [[nodiscard]] QString plainToolTip(const QString& text);
 
 } // namespace varno

@@ -11,7 +11,7 @@ namespace varno {
 // others; each entry of a list takes its own. All figures are beyond any text that is meant to be
 // read where it stands. Letters are UTF-16 units.
 
-/// Where a line is cut, to go on in another row.
+/// The limits beyond which a line goes on in another row.
 struct RowLimit {
     qsizetype cost; ///< layout cost of the row, which ends at the next blank then
     qsizetype word; ///< letters of a word
@@ -20,22 +20,22 @@ inline constexpr RowLimit pageRow{.cost = 8192, .word = 1024};
 /// Tool tips wrap between words only.
 inline constexpr RowLimit toolTipRow{.cost = std::numeric_limits<qsizetype>::max(), .word = 48};
 
-/// How much of a text is shown before "…".
+/// The limits of a text; what is beyond them is shown as "…".
 struct TextLimit {
     qsizetype letters = std::numeric_limits<qsizetype>::max();
     qsizetype lines = letters; ///< that its own breaks make, where it keeps them
 };
-/// Where nothing else is said.
+/// The limit of a text that has no other.
 inline constexpr TextLimit textLimit{.letters = 1024, .lines = 16};
 inline constexpr TextLimit titleLimit{.letters = 240, .lines = 4};
 inline constexpr TextLimit contentsEntryLimit{.letters = 128, .lines = 4};
-/// A crumb, a topic, a recent search.
+/// The limit of a crumb, a topic and a recent search.
 inline constexpr TextLimit lineLimit{.letters = 256};
 inline constexpr TextLimit messageLimit{.letters = 1024, .lines = 16};
-/// What tells the whole of a text that is shortened elsewhere: tool tips and screen readers.
+/// The limit of tool tips and accessible names, which tell what is shortened elsewhere.
 inline constexpr TextLimit toolTipLimit{.letters = 2048, .lines = 32};
 
-/// How much of a list is shown.
+/// The limits of a list.
 struct ListLimit {
     qsizetype entries;
     qsizetype letters; ///< of all entries together, each as it is shown

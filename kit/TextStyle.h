@@ -9,7 +9,7 @@ namespace varno {
 
 enum class FontDesign { system, serif };
 
-/// How a text of the interface looks. A point is a device-independent pixel.
+/// The look of a text of the interface. A point is a device-independent pixel.
 struct TextStyle {
     double size = 13; ///< points
     QFont::Weight weight = QFont::Normal;
@@ -21,8 +21,8 @@ struct TextStyle {
     TextLimit limit = textLimit;
 };
 
-/// The style's font. Its size is rounded to whole points. The system's family is not named in it,
-/// so that it stays the application's own. Equal digits are not the font's part: see `TextBlock`.
+/// The font of a style, its size rounded to whole points. It names no family for the system's
+/// design, so that it follows the application's font. `TextBlock` lays out equal digits.
 [[nodiscard]] QFont font(const TextStyle& style);
 
 } // namespace varno

@@ -18,7 +18,7 @@ namespace varno {
 /// A theme's colour out of a palette made by `themePalette`.
 [[nodiscard]] QColor themeColor(const QPalette& palette, ColorRole role, double opacity = 1);
 
-/// Colours that mean the same in every theme, as the platform draws them.
+/// The platform's standard colours, whose meaning is the same in every theme.
 enum class StandardColor {
     yellow,
     red,
@@ -30,7 +30,7 @@ enum class StandardColor {
 [[nodiscard]] QColor standardColor(const QPalette& palette, StandardColor color,
                                    double opacity = 1);
 
-/// What a thing is drawn in. Either kind of colour can be given where this is asked for.
+/// The colour that something is drawn in: of the theme, or a standard colour.
 using InkRole = std::variant<ColorRole, StandardColor>;
 
 struct Ink {
@@ -40,7 +40,7 @@ struct Ink {
 
 [[nodiscard]] QColor inkColor(const QPalette& palette, const Ink& ink);
 
-/// Shows a window, everything in it, and the program's tool tips in the theme.
+/// Sets the palette of a window, and thereby of all its widgets, and that of tool tips.
 void setTheme(QWidget& window, AppTheme theme);
 
 } // namespace varno

@@ -6,10 +6,10 @@
 
 namespace varno {
 
-/// A text of the interface, plain always, in the colours of the palette that it inherits. An elided
-/// text shows the whole of itself as its tool tip, and keeps no more than that can tell. It has no
-/// space around it: its size is that of its text. `QLabel::setAlignment` places it; by default it
-/// starts at the left, centred in height.
+/// A plain text of the interface in the colours of the inherited palette. An elided text is told by
+/// its tool tip; of a longer text only as much is kept as a tool tip shows. The size is that of the
+/// text, without margins. `QLabel::setAlignment` aligns it; by default it is aligned left and
+/// centred vertically.
 class ThemedText : public QLabel {
     Q_OBJECT
 
@@ -22,7 +22,7 @@ public:
     void setTextStyle(const TextStyle& style);
     [[nodiscard]] const TextStyle& textStyle() const { return m_style; }
 
-    /// The style's opacity alone: repaints and does nothing else.
+    /// Changes the opacity of the style, which only repaints.
     void setOpacity(double opacity);
 
     [[nodiscard]] bool isElided() const;

@@ -4,7 +4,7 @@
 
 namespace varno {
 
-/// A vertical scroll bar that is a thumb in the text colour and nothing else.
+/// A vertical scroll bar that shows a thumb in the text colour and nothing else.
 class ThinScrollBar final : public QScrollBar {
     Q_OBJECT
 

@@ -4,15 +4,15 @@
 
 namespace varno {
 
-/// A scroll area whose content is as wide as itself, with a thin bar, without a frame or a
-/// background of its own, and never the one that has the focus.
+/// A scroll area whose content has its width. It has a thin scroll bar, no frame and no background,
+/// and never takes the focus.
 class VerticalScrollArea : public QScrollArea {
     Q_OBJECT
 
 public:
     explicit VerticalScrollArea(QWidget* parent = nullptr);
 
-    /// Takes ownership unless it has a parent by then or is a member of somebody.
+    /// Shows `content`, and owns it unless it is a member of another object.
     void setContent(QWidget& content);
 };
 

@@ -6,8 +6,7 @@
 
 namespace varno {
 
-/// A failure that is neither the service's nor ours to name: of the transport, or of a reply that
-/// is not what the service promises.
+/// A failure of the transport, or a reply in another format than expected.
 struct NetworkError {
     QString description;
 };
@@ -29,7 +28,7 @@ struct APIError {
 };
 using GeminiError = std::variant<APIError, NetworkError, DecodingError, NoAPIKey>;
 
-/// What the user reads.
+/// The description that the user reads.
 QString errorDescription(const NetworkError& error);
 QString errorDescription(const ClaudeError& error);
 QString errorDescription(const GeminiError& error);

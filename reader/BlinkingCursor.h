@@ -6,7 +6,7 @@
 
 namespace varno {
 
-/// The bar at the end of a text that is being written: fades out and in once a second.
+/// The bar at the end of a text that is streaming; it fades out and in once a second.
 class BlinkingCursor final : public QWidget {
     Q_OBJECT
 

@@ -6,15 +6,15 @@
 
 namespace varno {
 
-/// The strip at the top: the way from the search screen to the page on show, and what can be done
-/// with the page.
+/// The bar at the top: the trail from the search screen to the page on show, and buttons for the
+/// page.
 class BreadcrumbBar final : public Surface {
     Q_OBJECT
 
 public:
     explicit BreadcrumbBar(QWidget* parent = nullptr);
 
-    /// The last one is the page on show.
+    /// Shows the trail, whose last crumb is the page on show.
     void setCrumbs(const QList<Breadcrumb>& crumbs) { m_trail.setCrumbs(crumbs); }
 
 Q_SIGNALS:

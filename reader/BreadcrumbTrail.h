@@ -5,7 +5,7 @@
 
 namespace varno {
 
-/// A page on the way to the one on show.
+/// A page of the trail to the page on show.
 struct Breadcrumb {
     QUuid pageId;
     QString title;
@@ -13,8 +13,8 @@ struct Breadcrumb {
     bool operator==(const Breadcrumb&) const = default;
 };
 
-/// The titles on the way to the page on show, a chevron before each. All but the last, the page
-/// itself, can be pressed. Where room is short the longest are shortened first.
+/// The titles of the trail to the page on show, each behind a chevron. All but the last, the page
+/// itself, can be pressed. Where they do not fit, the longest are elided first.
 class BreadcrumbTrail final : public QWidget {
     Q_OBJECT
 
@@ -42,8 +42,8 @@ private:
     QList<QWidget*> m_titles;
 };
 
-/// The widths of things that share a room too small for all: the widest give way, down to the width
-/// of the next.
+/// The widths of items that share the available width: where it is too small, the widest are cut to
+/// a common width.
 [[nodiscard]] QList<int> sharedWidths(QList<int> widths, int available);
 
 } // namespace varno

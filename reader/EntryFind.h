@@ -9,22 +9,22 @@ namespace varno {
 class FindBar;
 class ReadingColumn;
 
-/// Finding in the page on show: knows the find text, its matches and the current one, and has the
-/// bar count them and the column show them.
+/// Finds in the page on show: keeps the find text, its matches and the current one, and updates the
+/// bar and the column.
 class EntryFind final : public QObject {
     Q_OBJECT
 
 public:
-    /// Both outlive it.
+    /// `bar` and `column` outlive it.
     EntryFind(FindBar& bar, ReadingColumn& column, QObject* parent = nullptr);
 
-    /// Looks through another text of the page.
+    /// Finds the matches in another text of the page.
     void pageReplaced(QStringView text);
-    /// Looks at more text at the end of the page.
+    /// Finds the matches in more text at the end of the page.
     void pageGrew(QStringView piece);
-    /// Looks for something else, in `page`.
+    /// Finds the matches of another find text in `page`.
     void setFindText(const QString& text, QStringView page);
-    /// Looks for nothing any more.
+    /// Clears the find text.
     void reset();
 
 private:

@@ -4,7 +4,7 @@
 
 namespace varno {
 
-/// What the entry screen shows of the controller's state. All results are good until its next
+/// What the entry screen derives from the controller's state. All results are valid until its next
 /// operation.
 
 /// The page whose title and text are on show: the current page, but in a session just reopened the
@@ -20,13 +20,13 @@ namespace varno {
 /// Whether the page on show is a section of another.
 [[nodiscard]] bool isOnSection(const AppViewModel& viewModel);
 
-/// Whether an article could be made of the page.
+/// Whether the "Full Entry" button is shown.
 [[nodiscard]] bool offersFullEntry(const AppViewModel& viewModel);
 
-/// Whether the page was written, and there is nothing to read on it.
+/// Whether the page has been written and shows no text.
 [[nodiscard]] bool isWithoutText(const AppViewModel& viewModel);
 
-/// Topics to go on to; none while the page is being written.
+/// The related topics; none while the page is streaming.
 [[nodiscard]] QStringList relatedTopics(const AppViewModel& viewModel);
 
 } // namespace varno

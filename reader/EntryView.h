@@ -16,7 +16,7 @@ namespace varno {
 /// The screen that shows one page of the open session: breadcrumbs, find, contents, and the reading
 /// column. Colours come from its palette; see `themePalette`.
 ///
-/// While it is hidden it takes note of changes and does nothing else.
+/// While it is hidden it only records what has changed.
 class EntryView final : public QWidget {
     Q_OBJECT
 

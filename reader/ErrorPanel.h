@@ -8,7 +8,7 @@
 
 namespace varno {
 
-/// What went wrong or is missing, and the two ways on.
+/// The panel that tells of a failure or of a page without text, with two buttons to go on.
 class ErrorPanel final : public QWidget {
     Q_OBJECT
 
@@ -16,7 +16,7 @@ public:
     explicit ErrorPanel(QWidget* parent = nullptr);
 
     void showFailure(const QString& message);
-    /// Of what is no failure, and has no warning to it.
+    /// Shows a message without the warning symbol.
     void showNotice(const QString& message);
 
 Q_SIGNALS:

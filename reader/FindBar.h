@@ -9,7 +9,7 @@
 
 namespace varno {
 
-/// The strip with the find text, the count of its matches, and the ways from one to the next.
+/// The bar with the find text, the counter of matches, and buttons that step through them.
 class FindBar final : public Surface {
     Q_OBJECT
 
@@ -17,9 +17,9 @@ public:
     explicit FindBar(QWidget* parent = nullptr);
 
     void setFindText(const QString& text);
-    /// Which match is the current one, from 0, of how many.
+    /// Shows the current match, counted from 0, and the number of matches.
     void setMatches(int currentMatchIndex, int totalMatchCount);
-    /// Gives the field the keyboard, its text selected.
+    /// Focuses the field and selects its text.
     void takeFocus();
 
 Q_SIGNALS:

@@ -4,7 +4,7 @@
 
 namespace varno {
 
-/// The offer to make an article of a short answer.
+/// The button that makes an article of a short answer.
 class FullEntryButton final : public PlainButton {
     Q_OBJECT
 

@@ -4,14 +4,14 @@
 
 namespace varno {
 
-/// What stands below a list that is not shown to its end.
+/// The line below a list that tells how many entries are not shown.
 class ListRest final : public ThemedText {
     Q_OBJECT
 
 public:
     explicit ListRest(QWidget* parent = nullptr);
 
-    /// Of the entries that are not shown; nothing is to be seen where that is 0.
+    /// Sets the number of entries that are not shown; the line is hidden where it is 0.
     void setCount(qsizetype count);
 };
 

@@ -6,14 +6,14 @@
 
 namespace varno {
 
-/// One bar in the place of a text that is still to come.
+/// A placeholder bar for a text that is loading.
 class PlaceholderBar final : public QWidget {
     Q_OBJECT
 
 public:
     explicit PlaceholderBar(int width, QWidget* parent = nullptr);
 
-    /// Pulses from now on, after a delay.
+    /// Starts to pulse after a delay.
     void pulse(std::chrono::milliseconds delay);
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -34,7 +34,7 @@ class LoadingPlaceholders final : public QWidget {
 public:
     explicit LoadingPlaceholders(QWidget* parent = nullptr);
 
-    /// Begins the ripple anew.
+    /// Starts the ripple anew.
     void start();
 
 private:

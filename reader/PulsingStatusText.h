@@ -5,7 +5,7 @@
 
 namespace varno {
 
-/// What is being done, in a text that goes paler and back again.
+/// A status text whose opacity pulses.
 class PulsingStatusText final : public ThemedText {
     Q_OBJECT
 

@@ -17,8 +17,7 @@ namespace varno {
 
 /// The page itself, which scrolls: its title, its text and what belongs to it, or what went wrong.
 ///
-/// The line at the upper edge stays there whatever happens to text, sizes and colours, until
-/// something asks to scroll.
+/// Changes of text, sizes and colours do not scroll: the line at the upper edge stays there.
 class ReadingColumn final : public VerticalScrollArea {
     Q_OBJECT
 
@@ -32,8 +31,7 @@ public:
     void setFontSize(int points);
     void setHighlightText(const QString& text) { m_text.setHighlightText(text); }
 
-    /// How the page is doing, and what belongs to it besides its text. A failure stands in the
-    /// place of everything else.
+    /// The state of the page besides its text. A failure is shown in place of everything else.
     struct PageState {
         std::optional<QString> errorMessage{};
         bool isStreaming = false;
@@ -45,9 +43,9 @@ public:
 
     /// For another page: it is read from its top, and nothing is selected.
     void beginPage();
-    /// Brings the middle of that block of the text to the middle of the view, smoothly.
+    /// Scrolls, animated, until that block of the text is centred vertically.
     void scrollToBlock(int index);
-    /// Scrolls if it is a key that does.
+    /// Scrolls if the key is one that scrolls.
     void keyPressEvent(QKeyEvent* event) override;
 
 Q_SIGNALS:
@@ -61,7 +59,7 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    /// What stands at the upper edge.
+    /// The position of the upper edge in the page.
     struct Position {
         int block = -1;    ///< of the text; -1 is the top of the page
         double within = 0; ///< how much of the block is above the edge, from 0 to 1

@@ -7,14 +7,14 @@
 
 namespace varno {
 
-/// Topics to go on to, as links in rows.
+/// The related topics as links in rows.
 class RelatedTopics final : public QWidget {
     Q_OBJECT
 
 public:
     explicit RelatedTopics(QWidget* parent = nullptr);
 
-    /// Shows as many of them as there is a limit for.
+    /// Shows the topics, up to `topicsLimit`.
     void setTopics(const QStringList& topics);
 
 Q_SIGNALS:

@@ -4,8 +4,8 @@
 
 namespace varno {
 
-/// The line beside the sidebar, with room around it to take hold of. Reports how far the pointer
-/// has come since it was pressed.
+/// The divider beside the sidebar, wider than its line so that it can be grabbed. It announces the
+/// translation of a drag.
 class ResizeDivider final : public QWidget {
     Q_OBJECT
 
@@ -13,7 +13,7 @@ public:
     explicit ResizeDivider(QWidget* parent = nullptr);
 
 Q_SIGNALS:
-    /// To the right, in points.
+    /// The translation since the press, to the right, in points.
     void dragged(int translation);
     void dragEnded();
 

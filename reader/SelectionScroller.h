@@ -9,8 +9,8 @@ class QWidget;
 
 namespace varno {
 
-/// Scrolls while a selection is dragged beyond the upper or lower edge, the faster the further, and
-/// takes the selection along.
+/// Scrolls while a selection is dragged beyond the upper or lower edge, faster the further away,
+/// and extends the selection.
 class SelectionScroller final : public QObject {
     Q_OBJECT
 
@@ -18,7 +18,7 @@ public:
     /// `text` is inside of `area`. Both outlive it.
     SelectionScroller(QScrollArea& area, QWidget& text, QObject* parent = nullptr);
 
-    /// The pointer that drags is there, in the text's coordinates.
+    /// Takes the position of the pointer that drags, in the text's coordinates.
     void drag(const QPoint& position);
 
 protected:

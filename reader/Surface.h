@@ -4,7 +4,8 @@
 
 namespace varno {
 
-/// Something on the theme's surface colour, by choice with a hairline along its bottom edge.
+/// A widget with the theme's surface colour as background, and optionally a hairline along its
+/// bottom edge.
 class Surface : public QWidget {
     Q_OBJECT
 

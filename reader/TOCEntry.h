@@ -5,8 +5,7 @@
 
 namespace varno {
 
-/// An entry of the table of contents: its number, and the name of the section, in as many lines as
-/// it takes.
+/// An entry of the table of contents: its number and the name of the section, which wraps.
 class TOCEntry final : public PressableButton {
     Q_OBJECT
 

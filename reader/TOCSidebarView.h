@@ -23,7 +23,7 @@ class TOCSidebarView final : public Surface {
 public:
     explicit TOCSidebarView(QWidget* parent = nullptr);
 
-    /// Shows as many of them as there is a limit for.
+    /// Shows the sections, up to `contentsLimit`.
     void setSections(const QStringList& sections);
     /// Shows placeholders instead of the sections.
     void setLoading(bool loading);

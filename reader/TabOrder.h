@@ -6,8 +6,8 @@ class QWidget;
 
 namespace varno {
 
-/// Lets Tab come to these right after `before`, in this order. Widgets that are made later stand
-/// behind all others of the window by default.
+/// Puts widgets right after `before` in the tab order. By default widgets made later come last in
+/// their window.
 void setTabOrderAfter(QWidget& before, const QList<QWidget*>& widgets);
 
 } // namespace varno

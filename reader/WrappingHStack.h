@@ -13,8 +13,8 @@ struct WrappingLengths {
     int itemGap = 8;
 };
 
-/// Child widgets in rows, exactly as high as the rows are. A child that can shrink is never wider
-/// than a row.
+/// A widget that lays its children out in rows and has their height. A child that can shrink is
+/// never wider than a row.
 class WrappingRows : public QWidget {
     Q_OBJECT
 
@@ -32,7 +32,7 @@ protected:
         bool equalsLast = false;
     };
 
-    /// Shows these in place of those shown before, and owns them.
+    /// Replaces the children, and owns the new ones.
     void setChildren(const QList<Child>& children);
 
     bool event(QEvent* event) override;
@@ -45,7 +45,7 @@ private:
     QList<Child> m_children;
 };
 
-/// A strip of a widget for each item, wrapped into rows.
+/// A widget for each item, wrapped into rows.
 template <typename Item>
 class WrappingHStack final : public WrappingRows {
 public:

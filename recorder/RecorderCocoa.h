@@ -10,8 +10,8 @@ namespace varno {
 
 class RefusalAlert;
 
-/// A field that shows the shortcut of a name and, when it is clicked, takes the next combination
-/// that is pressed for a new one. While it records it has the whole keyboard.
+/// A field that shows the shortcut of a name and, once clicked, records the next combination
+/// pressed as the new one. It grabs the keyboard while it records.
 ///
 /// Escape, Tab and a click elsewhere end recording without a change; Backspace and Delete clear.
 class RecorderCocoa : public QWidget {
@@ -20,8 +20,8 @@ class RecorderCocoa : public QWidget {
 public:
     using Change = std::function<void(const std::optional<Shortcut>&)>;
 
-    /// `shortcuts` outlives it. `onChange` is told of what the user changes here; it may destroy
-    /// the recorder.
+    /// `shortcuts` outlives it. `onChange` is called with what the user records or clears; it may
+    /// destroy the recorder.
     explicit RecorderCocoa(KeyboardShortcuts::Name name, Change onChange = {},
                            KeyboardShortcuts& shortcuts = KeyboardShortcuts::shared(),
                            QWidget* parent = nullptr);
@@ -31,9 +31,9 @@ public:
     /// The shortcut as it is shown; empty while there is none, and while recording.
     [[nodiscard]] QString text() const;
 
-    /// Asked for at each combination: those that the menu has for itself are refused.
+    /// `menuItems` is called at each combination; the shortcuts of its items are refused.
     void setMenuItems(std::function<QList<MenuItem>()> menuItems);
-    /// The system whose peculiarities count; by default the one that it runs on.
+    /// Checks combinations by the rules of that system; by default of the one that it runs on.
     void setSystem(const QOperatingSystemVersion& system) { m_system = system; }
 
     [[nodiscard]] QSize sizeHint() const override;
@@ -45,7 +45,7 @@ public Q_SLOTS:
     void clear();
 
 protected:
-    /// The monitor: sees the program's keys and clicks while recording.
+    /// Monitors the program's keys and clicks while recording.
     bool eventFilter(QObject* watched, QEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;

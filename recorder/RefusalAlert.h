@@ -6,18 +6,18 @@
 
 namespace varno {
 
-/// Tells why a combination is refused. It belongs to the window around `field`, or, where there is
-/// none, to the whole program. Returns at once.
+/// Tells why a combination is refused. It is modal to the window of `field`, or to the program
+/// where there is none, and shown on construction.
 class RefusalAlert : public QMessageBox {
     Q_OBJECT
 
 public:
     RefusalAlert(const ShortcutRefusal& refusal, const QString& description, QWidget& field);
-    /// Gives the keyboard back to its window: not every window manager does.
+    /// Activates its window, which not every window manager does.
     ~RefusalAlert() override;
     Q_DISABLE_COPY_MOVE(RefusalAlert)
 
-    /// The button that takes the combination anyway; none where that is not offered.
+    /// The button that accepts the combination anyway; null where that is not offered.
     [[nodiscard]] QAbstractButton* forceButton() const { return m_force; }
 
 private:

@@ -11,13 +11,13 @@
 
 namespace varno {
 
-/// An item of the program's menu, and the keys that choose it.
+/// An item of the program's menu, with its key equivalent.
 struct MenuItem {
     QString title;
     Shortcut shortcut;
 };
 
-/// Why a combination is not taken.
+/// The reason why a combination is refused.
 struct ShortcutRefusal {
     enum class Reason {
         usedByMenuItem,
@@ -29,14 +29,14 @@ struct ShortcutRefusal {
     QString menuItem{}; ///< its title, if it is one
 };
 
-/// What a combination is checked against.
+/// The rules that a combination is checked against.
 struct ShortcutRules {
     QList<MenuItem> menuItems{};
     QOperatingSystemVersion system = QOperatingSystemVersion::current();
     std::function<bool(const Shortcut&)> isReserved{};
 };
 
-/// Nothing if the combination can be used.
+/// The reason why a combination is refused; nothing if it is accepted.
 [[nodiscard]] std::optional<ShortcutRefusal> refusalOf(const Shortcut& shortcut,
                                                        const ShortcutRules& rules);
 

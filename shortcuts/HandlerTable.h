@@ -9,8 +9,8 @@
 
 namespace varno {
 
-/// Actions under names, in the order in which they were added. An action may change the table or
-/// destroy it: one that is gone by then does not run.
+/// A table of actions by name, which run in the order in which they were added. An action may
+/// change or destroy the table; actions that it removes do not run.
 class HandlerTable {
 public:
     using Action = std::function<void()>;

@@ -11,8 +11,8 @@
 
 namespace varno {
 
-/// The shortcuts that are registered with the system, and the way from its events to their owners.
-/// Destroying it gives all of them back.
+/// Registers shortcuts with the system and dispatches its events to them. Destroying it unregisters
+/// all of them.
 class HotKeyCenter {
 public:
     static constexpr quint32 signature = 0x53534B53;
@@ -24,28 +24,31 @@ public:
 
     using RefusalHandler = std::function<void(const Shortcut&)>;
 
-    /// `events` outlives it. `system` decides which events there are to listen to.
+    /// `events` outlives it. `system` decides which types of events are handled.
     explicit HotKeyCenter(HotKeyEvents& events, const QOperatingSystemVersion& system =
                                                     QOperatingSystemVersion::current());
     ~HotKeyCenter();
     Q_DISABLE_COPY_MOVE(HotKeyCenter)
 
-    /// False if the system refuses. A shortcut can be registered once at a time.
+    /// Registers a shortcut that is not registered yet; false if the system refuses.
     [[nodiscard]] bool add(const Shortcut& shortcut, Callbacks callbacks);
-    /// Without effect for one that is not registered.
+    /// Unregisters a shortcut; without effect if it is not registered.
     void remove(const Shortcut& shortcut);
     [[nodiscard]] bool isRegistered(const Shortcut& shortcut) const;
 
-    /// Told of a shortcut that was added and that the system has refused since; it is forgotten.
+    /// `handler` is called with a shortcut that the system refuses after it was added; it is no
+    /// longer registered then.
     void setRefusalHandler(RefusalHandler handler) { m_refusalHandler = std::move(handler); }
 
-    /// While it is paused the shortcuts stay registered, but nothing is called.
+    /// Pausing keeps the shortcuts registered, but calls nothing.
     void setPaused(bool paused);
 
-    /// Answers an event of the system. A callback may destroy this.
+    /// Dispatches an event, and returns the status that the system expects. A callback may destroy
+    /// this.
     int handle(const HotKeyEvent& event);
 
-    /// The window system's time of the last event, for the activation of a window; 0 before it.
+    /// The window system's time of the last event, with which a window is activated; 0 before the
+    /// first.
     [[nodiscard]] quint32 lastEventTime() const { return m_lastEventTime; }
 
 private:

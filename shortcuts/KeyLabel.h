@@ -4,7 +4,7 @@
 
 namespace varno {
 
-/// What a key is shown as.
+/// The label of a key.
 struct KeyLabel {
     QStringView text;         ///< empty for a code that is no key's
     bool isCharacter = false; ///< the text is the ANSI character: the user's layout goes first

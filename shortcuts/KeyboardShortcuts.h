@@ -47,7 +47,7 @@ public:
         std::optional<Shortcut> m_defaultShortcut;
     };
 
-    /// What it is given outlives it.
+    /// All three outlive it.
     KeyboardShortcuts(PreferencesStore& preferences, HotKeyEvents& events, Keyboard& keyboard);
     ~KeyboardShortcuts() override;
 
@@ -55,15 +55,16 @@ public:
     static KeyboardShortcuts& shared();
 
     [[nodiscard]] std::optional<Shortcut> getShortcut(const Name& name) const;
-    /// With nothing: clears it, so that not even the default comes back at the next start.
+    /// Stores the shortcut of a name. With nothing it is cleared, so that the default does not
+    /// return at the next start.
     void setShortcut(const std::optional<Shortcut>& shortcut, const Name& name);
     void reset(const QList<Name>& names);
-    /// All names that were ever made for this object.
+    /// Resets all names that were made for this object.
     void resetAll();
 
     void onKeyDown(const Name& name, Action action);
     void onKeyUp(const Name& name, Action action);
-    /// Announces presses and releases as long as the result lives.
+    /// The presses and releases of a name, announced as long as the result lives.
     [[nodiscard]] std::unique_ptr<ShortcutEvents> events(const Name& name);
     void removeHandler(const Name& name);
     void removeAllHandlers();
@@ -73,7 +74,7 @@ public:
     /// Whether its shortcut is registered with the system.
     [[nodiscard]] bool isEnabled(const Name& name) const;
 
-    /// The switch for all of them. Off, they stay registered and call nothing.
+    /// The switch of all shortcuts. While it is off they stay registered and call nothing.
     [[nodiscard]] bool isEnabled() const { return m_isEnabled; }
     void setEnabled(bool enabled);
 
@@ -82,7 +83,7 @@ public:
     {
         return shortcut.description(m_keyboard);
     }
-    /// Whether the system or another program has the combination for itself.
+    /// Whether the system or another program has reserved the combination.
     [[nodiscard]] bool isReserved(const Shortcut& shortcut) const;
     /// See `HotKeyCenter::lastEventTime`.
     [[nodiscard]] quint32 lastEventTime() const { return m_center.lastEventTime(); }
@@ -102,7 +103,7 @@ private:
     [[nodiscard]] bool isWanted(const Shortcut& shortcut) const;
     void setLive(const QString& name, bool live);
     void handlersRemoved(const QString& name);
-    /// Registers the shortcut or gives it back, as the live names want it.
+    /// Registers or unregisters the shortcut, as the live names require.
     void update(const std::optional<Shortcut>& shortcut);
     void registerWithSystem(const Shortcut& shortcut);
     void reportRefusal(const Shortcut& shortcut) const;

@@ -20,7 +20,7 @@ enum class Modifier : quint32 {
 Q_DECLARE_FLAGS(Modifiers, Modifier)
 Q_DECLARE_OPERATORS_FOR_FLAGS(Modifiers)
 
-/// Shift, Control, Option, Command and Function; every other bit is dropped.
+/// Converts Shift, Control, Option, Command and Function; every other bit is dropped.
 [[nodiscard]] Modifiers modifiersOf(int carbonModifiers);
 [[nodiscard]] int carbonModifiersOf(Modifiers modifiers);
 
@@ -38,7 +38,7 @@ public:
     [[nodiscard]] int carbonModifiers() const { return m_carbonModifiers; }
     [[nodiscard]] Modifiers modifiers() const { return modifiersOf(m_carbonModifiers); }
 
-    /// As people read it, like "⌥⌘F". A character key shows what it types on `keyboard`.
+    /// The display form, like "⌥⌘F". A character key is shown as what it types on `keyboard`.
     [[nodiscard]] QString description(const Keyboard& keyboard) const;
 
     friend bool operator==(const Shortcut&, const Shortcut&) = default;

@@ -6,8 +6,8 @@
 
 namespace varno {
 
-/// The presses and releases of one name's shortcut. Destroying it ends them; it may outlive the
-/// shortcuts it came from.
+/// Announces the presses and releases of one name's shortcut until it is destroyed. It may outlive
+/// the `KeyboardShortcuts` that made it.
 class ShortcutEvents : public QObject {
     Q_OBJECT
 

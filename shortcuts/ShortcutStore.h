@@ -7,8 +7,8 @@
 
 namespace varno {
 
-/// Shortcuts as the preferences keep them: under "KeyboardShortcuts_" and the name a JSON text, or
-/// false for one that the user does not want although it has a default.
+/// Stores shortcuts in the preferences, under "KeyboardShortcuts_" and the name: a JSON text, or
+/// false for a name with a default that the user has cleared.
 class ShortcutStore {
 public:
     explicit ShortcutStore(PreferencesStore& preferences)
@@ -16,9 +16,9 @@ public:
     {
     }
 
-    /// Whether anything was ever decided about the name.
+    /// Whether a value is stored under the name.
     [[nodiscard]] bool contains(const QString& name) const;
-    /// Nothing if there is none, or what is stored cannot be read.
+    /// The stored shortcut; nothing if there is none or it cannot be decoded.
     [[nodiscard]] std::optional<Shortcut> read(const QString& name) const;
 
     void write(const QString& name, const Shortcut& shortcut);

@@ -4,7 +4,7 @@
 
 namespace varno {
 
-/// What the first characters of a line would open if blocks were read.
+/// The kind of block that the first characters of a line would open in Markdown.
 enum class BlockMark {
     none,
     orderedItem, ///< a list item with a number

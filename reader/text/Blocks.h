@@ -21,18 +21,18 @@ constexpr bool isList(BlockKind kind)
     return kind == BlockKind::bulletList || kind == BlockKind::numberedList;
 }
 
-/// Where a trimmed block is split: the length of a heading on the first of several lines, which is
-/// a block of its own; 0 where there is none.
+/// The length of the heading line that a trimmed block of several lines begins with, and that
+/// becomes a block of its own; 0 if there is none.
 [[nodiscard]] qsizetype splitHeadingFromBody(QStringView block);
 
 [[nodiscard]] bool isBoldHeader(QStringView block);
 [[nodiscard]] bool isBulletList(QStringView block);
 [[nodiscard]] bool isNumberedList(QStringView block);
 
-/// The kind that a block is shown as.
+/// The kind of a block.
 [[nodiscard]] BlockKind blockKind(QStringView block);
 
-/// What of a block that is no list is shown: a heading without the marks that make it one.
+/// The Markdown of a block that is no list, without the marks of its kind.
 [[nodiscard]] QStringView blockText(QStringView block, BlockKind kind);
 
 /// A row of a list: its mark ("•", or a number with its "."), and the text of the item. The mark is
@@ -42,7 +42,7 @@ struct ListItem {
     QStringView text;
 };
 
-/// What a line of a list shows; nothing for a line that is no item.
+/// The item that a line of a list is; nothing for a line that is no item.
 [[nodiscard]] std::optional<ListItem> listItem(QStringView line, BlockKind list);
 
 } // namespace varno

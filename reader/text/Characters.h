@@ -4,7 +4,7 @@
 
 namespace varno {
 
-/// Of those between the words of a line.
+/// Whether a character is a blank within a line.
 [[nodiscard]] constexpr bool isBlank(QChar character)
 {
     return character == u' ' || character == u'\t';
@@ -15,7 +15,7 @@ namespace varno {
 /// Whether the first character has a numeric value in any script ("3", "٣", "三", "Ⅷ", "½").
 [[nodiscard]] bool beginsWithNumeral(QStringView text);
 
-/// What stands for a character in a text document, which keeps some characters for itself.
+/// The character that replaces one in a text document, which reserves some for itself.
 [[nodiscard]] QChar documentCharacter(QChar character);
 
 } // namespace varno

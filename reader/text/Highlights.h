@@ -5,7 +5,7 @@
 
 namespace varno {
 
-/// A stretch of a text, in UTF-16 units.
+/// A range of a text, in UTF-16 units.
 struct TextRange {
     qsizetype begin = 0;
     qsizetype end = 0;
@@ -13,8 +13,8 @@ struct TextRange {
     bool operator==(const TextRange&) const = default;
 };
 
-/// Where `needle` occurs in a text, without overlap and whatever the case of its letters. A range
-/// covers whole user-perceived characters.
+/// The ranges where `needle` occurs in a text, ignoring case and without overlap. A range covers
+/// whole grapheme clusters.
 [[nodiscard]] QList<TextRange> highlightRanges(QStringView shown, const QString& needle);
 
 } // namespace varno

@@ -15,7 +15,7 @@ enum class InlineStyle : quint8 {
 Q_DECLARE_FLAGS(InlineStyles, InlineStyle)
 Q_DECLARE_OPERATORS_FOR_FLAGS(InlineStyles)
 
-/// A stretch of text that looks the same throughout. A line break within it is U+2028.
+/// A run of text in one style. A line break within it is U+2028.
 struct InlineRun {
     QString text;
     InlineStyles styles;
@@ -34,7 +34,7 @@ struct InlineRun {
 /// nested.
 [[nodiscard]] QList<InlineRun> styledText(QStringView markdown);
 
-/// The text of all runs.
+/// The text of the runs, without their styles.
 [[nodiscard]] QString plainText(const QList<InlineRun>& runs);
 
 } // namespace varno

@@ -7,47 +7,46 @@
 
 namespace varno {
 
-/// The text of one page as a column of styled blocks. As high as its text needs at its width; grows
-/// and shrinks by itself, so put it into something that scrolls.
+/// The text of one page as a column of styled blocks. Its height is fixed to that of its text, so
+/// it belongs into a scroll area.
 ///
 /// What it shows depends on its four inputs alone. Text that grows at its end costs the same
 /// however long the page is.
 ///
-/// A long page is written bit by bit, so that nothing else has to wait for it.
+/// A long page is written in slices of some milliseconds, so that the main thread is not blocked.
 class MarkdownContentView final : public QWidget {
     Q_OBJECT
 
 public:
     explicit MarkdownContentView(QWidget* parent = nullptr);
 
-    /// Whether there is nothing to read on a page of that text, whatever marks it is made of.
+    /// Whether a page of that text shows nothing but blanks.
     [[nodiscard]] static bool showsNothing(QStringView text);
 
-    /// Shows another text. What both texts begin with stays as it is, selection included.
+    /// Shows another text. The common beginning of both stays as it is, selection included.
     void setText(QStringView text);
-    /// The same text, with `piece` at its end.
+    /// Appends `piece` to the text.
     void appendText(QStringView piece);
     void setFontSize(int points);
     void setTextColor(const QColor& color);
-    /// What to paint a highlight on wherever it occurs; empty is nothing.
+    /// Highlights every occurrence of `text`; an empty one highlights nothing.
     void setHighlightText(const QString& text);
 
-    /// How many characters of text it was given.
+    /// The length of the text that was set.
     [[nodiscard]] qsizetype textLength() const { return m_textLength; }
     [[nodiscard]] QString selectedText() const;
     void clearSelection();
 
-    /// Where the block of that index stands, in this widget's coordinates; null when there is no
-    /// such block.
+    /// The rectangle of a block, in this widget's coordinates; null when there is no such block.
     [[nodiscard]] QRect blockRect(int index);
-    /// The index of the block at that height, or of the one nearest to it; -1 when there is none.
+    /// The index of the block at `y`, or of the nearest one; -1 when there is none.
     [[nodiscard]] int blockAt(int y) const;
 
     /// The document as it is shown: a text block for each row. Not to be changed.
     [[nodiscard]] const QTextDocument& document() const { return *m_surface.document(); }
 
 Q_SIGNALS:
-    /// The selection is being dragged, and its free end is there, in this widget's coordinates.
+    /// Announces the position of the dragged end of the selection, in this widget's coordinates.
     void selectionDragged(const QPoint& position);
 
 protected:

@@ -9,7 +9,7 @@
 
 namespace varno {
 
-/// What the document's text blocks are told about their rows.
+/// The properties of a document's text blocks that tell of their rows.
 enum RowProperty {
     rowBlock = QTextFormat::UserProperty, ///< index of the block that the row belongs to
     rowEnd,                               ///< a `RowEnd`
@@ -26,7 +26,7 @@ public:
 
     [[nodiscard]] int fontSize() const { return m_fontSize; }
     [[nodiscard]] const QColor& textColor() const { return m_textColor; }
-    /// The font of paragraphs, which the document's own font has to be.
+    /// The font of paragraphs, which is the document's default font.
     [[nodiscard]] const QFont& font() const { return m_font; }
     /// The colour of a list's numbers.
     [[nodiscard]] QColor numberColor() const;
@@ -38,7 +38,7 @@ public:
     [[nodiscard]] QTextBlockFormat block(const Row& row, bool rightToLeft,
                                          double previousMargin) const;
 
-    /// Text of no run: what an empty row is as high as.
+    /// The format of a row's text block, which decides the height of an empty row.
     [[nodiscard]] const QTextCharFormat& plain(BlockKind kind);
     [[nodiscard]] QTextCharFormat run(BlockKind kind, const InlineRun& run);
 
@@ -52,7 +52,7 @@ private:
     QHash<int, QTextCharFormat> m_formats;
 };
 
-/// Where a link may lead when it is pressed: http, https and mailto.
+/// Whether a link to that address is opened when it is pressed: of http, https and mailto alone.
 [[nodiscard]] bool mayBeOpened(const QString& address);
 
 } // namespace varno

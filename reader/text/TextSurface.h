@@ -20,9 +20,9 @@ public:
     void setFormat(const RowFormat& format);
     void setHighlightText(const QString& text);
 
-    /// The row at that height, or the one nearest to it.
+    /// The row at `y`, or the nearest one.
     [[nodiscard]] QTextBlock rowAt(int y) const;
-    /// Where a row's text stands, without the space around it.
+    /// The rectangle of a row's text, without its margins.
     [[nodiscard]] QRectF rowRect(const QTextBlock& row) const;
 
     /// Never anything: no page loads anything, from wherever.
