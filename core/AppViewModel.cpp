@@ -85,12 +85,17 @@ void AppViewModel::setImagesEnabled(bool enabled)
 
 void AppViewModel::search(const QString& query)
 {
+    // 1. A blank query is ignored.
     const QString trimmed = query.trimmed();
     if (trimmed.isEmpty())
         return;
+    // 2. The open session is saved, and what streams for it cancelled.
     saveCurrentSessionToHistory();
     cancelActiveStreams();
+    // 3. The query becomes the latest search.
     recordSearch(trimmed);
+    // 4. A saved session with a text is reopened, or else a new entry started, once the history has
+    // been read.
     m_searchInWaiting = trimmed;
     m_dependencies.history.read();
     if (m_dependencies.history.isRead())

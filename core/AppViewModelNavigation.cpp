@@ -49,12 +49,16 @@ void AppViewModel::jumpTo(const Page& breadcrumb)
 
 void AppViewModel::goBack()
 {
+    // 1. What streams is cancelled.
     cancelActiveStreams();
+    // 2. Without a page there is nowhere to go back from.
     const Page* page = currentPage();
     if (page && !page->parentPageId) {
+        // 3. From the root entry the session is saved and closed.
         saveCurrentSessionToHistory();
         closeSession();
     } else if (page) {
+        // 4. From a section the root entry is shown again.
         if (const Page* root = m_session->rootPage()) {
             m_session->cutHistoryAfter(root->id);
             m_pendingChanges |= Change::session;

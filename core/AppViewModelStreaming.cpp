@@ -100,13 +100,16 @@ void AppViewModel::finishPage(const QUuid& id, const EntryStream::Outcome& outco
     if (const auto* failure = std::get_if<Failure>(&outcome))
         set(m_errorMessage, failure->description, Change::errorMessage);
 
+    // 1. The related topics are parsed.
     const std::optional<QString> topics = relatedTopicsText(m_streamingContent);
     const auto seeAlso = topics ? arrayIn(*topics) : std::nullopt;
+    // 2. The text is cleaned, and both are stored in the page.
     set(m_streamingContent, cleanEntryText(m_streamingContent), Change::streamingContent);
     if (Page* page = sessionPage(id)) {
         page->seeAlso = seeAlso.value_or(QStringList());
         set(page->content, m_streamingContent, Change::session);
     }
+    // 3. The stream has ended.
     set(m_isStreaming, false, Change::isStreaming);
     publish();
 }
