@@ -1,6 +1,7 @@
 #include "app/AppDelegate.h"
 
 #include "app/OpenShortcut.h"
+#include "kit/RoundedShape.h"
 #include "kit/Symbol.h"
 #include "kit/Theme.h"
 #include "platform/Platform.h"
@@ -31,11 +32,8 @@ QIcon statusImage()
         QPixmap image(side, side);
         image.fill(Qt::transparent);
         QPainter painter(&image);
-        painter.setRenderHint(QPainter::Antialiasing);
-        painter.setPen(Qt::NoPen);
-        painter.setBrush(themeColor(colors, ColorRole::accent));
         const QRectF ground(0, 0, side, side);
-        painter.drawRoundedRect(ground, side * 0.2, side * 0.2);
+        fillRounded(painter, ground, side * 0.2, themeColor(colors, ColorRole::accent));
         const double margin = side * 0.14;
         drawSymbol(painter, Symbol::bookClosedFill,
                    ground.adjusted(margin, margin, -margin, -margin),
@@ -62,8 +60,8 @@ void AppDelegate::applicationDidFinishLaunching()
     QTimer::singleShot(startingTime, this, &AppDelegate::warmUp);
 }
 
-/// Has the history read, and draws what a panel shows, for nobody: the fonts, symbols and keymap are
-/// loaded by then.
+/// Has the history read, and draws what a panel shows, for nobody: the fonts, symbols and keymap
+/// are loaded by then.
 void AppDelegate::warmUp()
 {
     m_viewModel.refreshHistory();
