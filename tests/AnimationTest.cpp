@@ -3,6 +3,7 @@
 #include "kit/Layout.h"
 #include "platform/fake/FakeAnimationSetting.h"
 #include "platform/linux/PortalAnimationSetting.h"
+#include "tests/Table.h"
 #include "tests/TestMain.h"
 
 #include <QDBusConnection>
@@ -61,44 +62,41 @@ private Q_SLOTS:
         QVERIFY(std::ranges::is_sorted(values));
     }
 
-    void animationRestsWhileHidden_data()
-    {
-        QTest::addColumn<std::function<void(QWidget&)>>("hide");
-        QTest::addColumn<std::function<void(QWidget&)>>("show");
-        using Action = std::function<void(QWidget&)>;
-        QTest::newRow("itself") << Action([](QWidget& widget) { widget.hide(); })
-                                << Action([](QWidget& widget) { widget.show(); });
-        QTest::newRow("ancestor") << Action([](QWidget& widget) { widget.parentWidget()->hide(); })
-                                  << Action([](QWidget& widget) { widget.parentWidget()->show(); });
-        QTest::newRow("window") << Action([](QWidget& widget) { widget.window()->hide(); })
-                                << Action([](QWidget& widget) { widget.window()->show(); });
-        QTest::newRow("minimised")
-            << Action([](QWidget& widget) { widget.window()->showMinimized(); })
-            << Action([](QWidget& widget) { widget.window()->showNormal(); });
-    }
     void animationRestsWhileHidden()
     {
-        QFETCH(std::function<void(QWidget&)>, hide);
-        QFETCH(std::function<void(QWidget&)>, show);
-        QWidget window;
-        QWidget parent(&window);
-        QWidget widget(&parent);
-        int calls = 0;
-        Animation animation(
-            widget, [&](double) { ++calls; }, m_setting);
-        animation.start({.duration = 50ms, .repeat = Motion::Repeat::backAndForth});
-        QCOMPARE(calls, 1); // not shown yet
-        QVERIFY(!animation.isMoving());
-        window.show();
-        QTRY_VERIFY(calls > 10);
-        hide(widget);
-        QTRY_VERIFY(!animation.isMoving());
-        QVERIFY(animation.isActive());
-        const int before = calls;
-        QTest::qWait(60); // a mistake would show as calls
-        QCOMPARE(calls, before);
-        show(widget);
-        QTRY_VERIFY(calls > before + 5);
+        using Action = void (*)(QWidget&);
+        struct Row {
+            const char* name;
+            Action hide;
+            Action show;
+        };
+        for (const auto& [name, hide, show] :
+             {Row{"itself", [](QWidget& w) { w.hide(); }, [](QWidget& w) { w.show(); }},
+              Row{"ancestor", [](QWidget& w) { w.parentWidget()->hide(); },
+                  [](QWidget& w) { w.parentWidget()->show(); }},
+              Row{"minimised", [](QWidget& w) { w.window()->showMinimized(); },
+                  [](QWidget& w) { w.window()->showNormal(); }}}) {
+            const InRow row(name);
+            QWidget window;
+            QWidget parent(&window);
+            QWidget widget(&parent);
+            int calls = 0;
+            Animation animation(
+                widget, [&](double) { ++calls; }, m_setting);
+            animation.start({.duration = 50ms, .repeat = Motion::Repeat::backAndForth});
+            QCOMPARE(calls, 1); // not shown yet
+            QVERIFY(!animation.isMoving());
+            window.show();
+            QTRY_VERIFY(calls > 10);
+            hide(widget);
+            QTRY_VERIFY(!animation.isMoving());
+            QVERIFY(animation.isActive());
+            const int before = calls;
+            QTest::qWait(60); // a mistake would show as calls
+            QCOMPARE(calls, before);
+            show(widget);
+            QTRY_VERIFY(calls > before + 5);
+        }
     }
 
     void animationHonoursTheDesktop()
@@ -127,36 +125,31 @@ private Q_SLOTS:
         QCOMPARE(value, 4);
     }
 
-    void animationEndsWithWhatItMoves_data()
-    {
-        QTest::addColumn<int>("fatalCall");
-        QTest::newRow("from within start") << 1;
-        QTest::newRow("from within a tick") << 3;
-        QTest::newRow("between ticks") << 0;
-    }
     void animationEndsWithWhatItMoves()
     {
         struct Moving : QWidget {
             std::unique_ptr<Animation> animation;
         };
-        QFETCH(int, fatalCall);
-        auto widget = std::make_unique<Moving>();
-        widget->show();
-        int calls = 0;
-        const auto apply = [&calls, &widget, fatalCall](double) {
-            if (++calls == fatalCall)
+        for (const int fatalCall : {1, 3, 0}) { // within start, within a tick, between ticks
+            const InRow row(fatalCall);
+            auto widget = std::make_unique<Moving>();
+            widget->show();
+            int calls = 0;
+            const auto apply = [&calls, &widget, fatalCall](double) {
+                if (++calls == fatalCall)
+                    widget.reset();
+            };
+            widget->animation = std::make_unique<Animation>(*widget, apply, m_setting);
+            widget->animation->start({.duration = 50ms, .repeat = Motion::Repeat::backAndForth});
+            if (fatalCall == 0) {
+                QTRY_VERIFY(calls > 2);
                 widget.reset();
-        };
-        widget->animation = std::make_unique<Animation>(*widget, apply, m_setting);
-        widget->animation->start({.duration = 50ms, .repeat = Motion::Repeat::backAndForth});
-        if (fatalCall == 0) {
-            QTRY_VERIFY(calls > 2);
-            widget.reset();
+            }
+            QTRY_VERIFY(!widget);
+            const int before = calls;
+            QTest::qWait(50); // a mistake would show as calls, or as a use of freed memory
+            QCOMPARE(calls, before);
         }
-        QTRY_VERIFY(!widget);
-        const int before = calls;
-        QTest::qWait(50); // a mistake would show as calls, or as a use of freed memory
-        QCOMPARE(calls, before);
     }
 
     void animationOutlivesItsWidget()
@@ -173,45 +166,35 @@ private Q_SLOTS:
         QCOMPARE(calls, 1);
     }
 
-    void portalTellsOfAnimations_data()
-    {
-        QTest::addColumn<QString>("space");
-        QTest::addColumn<QString>("key");
-        QTest::addColumn<QVariant>("off");
-        QTest::addColumn<QVariant>("on");
-        QTest::newRow("GNOME") << u"org.gnome.desktop.interface"_s << u"enable-animations"_s
-                               << QVariant(false) << QVariant(true);
-        const auto plasma = u"org.kde.kdeglobals.KDE"_s;
-        const auto factor = u"AnimationDurationFactor"_s;
-        QTest::newRow("Plasma") << plasma << factor << QVariant(0.0) << QVariant(0.5);
-        QTest::newRow("Plasma, as text")
-            << plasma << factor << QVariant(u"0"_s) << QVariant(u"1"_s);
-    }
     void portalTellsOfAnimations()
     {
-        QFETCH(QString, space);
-        QFETCH(QString, key);
-        QFETCH(QVariant, off);
-        QFETCH(QVariant, on);
         auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"portal"_s);
         if (!bus.isConnected())
             QSKIP("no session bus");
         qDBusRegisterMetaType<Settings>();
-        SettingsPortal portal;
-        portal.settings = {{space, {{key, off}}}};
-        QVERIFY(bus.registerObject(u"/org/freedesktop/portal/desktop"_s, &portal,
-                                   QDBusConnection::ExportScriptableContents));
-        QVERIFY(bus.registerService(portalService));
+        const auto gnome = std::pair(u"org.gnome.desktop.interface"_s, u"enable-animations"_s);
+        const auto plasma = std::pair(u"org.kde.kdeglobals.KDE"_s, u"AnimationDurationFactor"_s);
+        for (const auto& [key, off, on] :
+             {std::tuple(gnome, QVariant(false), QVariant(true)),
+              std::tuple(plasma, QVariant(0.0), QVariant(0.5)),
+              std::tuple(plasma, QVariant(u"0"_s), QVariant(u"1"_s))}) {
+            const InRow row(key.first, off);
+            SettingsPortal portal;
+            portal.settings = {{key.first, {{key.second, off}}}};
+            QVERIFY(bus.registerObject(u"/org/freedesktop/portal/desktop"_s, &portal,
+                                       QDBusConnection::ExportScriptableContents));
+            QVERIFY(bus.registerService(portalService));
 
-        PortalAnimationSetting setting;
-        QSignalSpy spy(&setting, &AnimationSetting::changed);
-        QVERIFY(setting.isEnabled()); // until there is an answer
-        QTRY_COMPARE(spy.size(), 1);
-        QVERIFY(!setting.isEnabled());
-        Q_EMIT portal.SettingChanged(space, key, QDBusVariant(on));
-        QTRY_COMPARE(spy.size(), 2);
-        QVERIFY(setting.isEnabled());
-        QVERIFY(bus.unregisterService(portalService));
+            PortalAnimationSetting setting;
+            QSignalSpy spy(&setting, &AnimationSetting::changed);
+            QVERIFY(setting.isEnabled()); // until there is an answer
+            QTRY_COMPARE(spy.size(), 1);
+            QVERIFY(!setting.isEnabled());
+            Q_EMIT portal.SettingChanged(key.first, key.second, QDBusVariant(on));
+            QTRY_COMPARE(spy.size(), 2);
+            QVERIFY(setting.isEnabled());
+            QVERIFY(bus.unregisterService(portalService));
+        }
     }
 
 private:

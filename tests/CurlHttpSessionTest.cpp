@@ -2,6 +2,7 @@
 
 #include "demo/StandInService.h"
 #include "tests/ScriptedServer.h"
+#include "tests/Table.h"
 #include "tests/TestMain.h"
 
 #include <QSet>
@@ -103,93 +104,80 @@ private Q_SLOTS:
             QVERIFY2(!request.head.toLower().contains(name), name);
     }
 
-    void response_data()
-    {
-        QTest::addColumn<QByteArray>("response");
-        QTest::addColumn<QByteArray>("expected");
-        const auto row = [](const char* name, const QByteArray& response,
-                            const QByteArray& expected) {
-            QTest::newRow(name) << response << expected;
-        };
-        row("length", okReply, "200 ok");
-        row("chunks and a trailer", chunked + "1\r\no\r\n1;x=y\r\nk\r\n0\r\nX-T: t\r\n\r\n",
-            "200 ok");
-        row("until the end", "HTTP/1.0 200 OK\r\n\r\nok", "200 ok");
-        row("error without a reason", "HTTP/1.1 529\r\nContent-Length: 2\r\n\r\nno", "529 no");
-        row("after interim ones",
-            "HTTP/1.1 100 Continue\r\n\r\nHTTP/1.1 103 Early Hints\r\nLink: </s>\r\n\r\n" + okReply,
-            "200 ok");
-        const QByteArray gzip = QByteArray::fromHex("1f8b0800000000000203cbcf060047dddc7902000000");
-        row("packed unasked", packed("gzip", gzip), "200 ok");
-        row("deflated", packed("deflate", qCompress("ok").sliced(4)), "200 ok");
-        row("packed, cut", packed("gzip", gzip).chopped(1), "200 ok" + lost);
-        row("packed, with another sum", packed("gzip", QByteArray(gzip).replace("\x47", "x")),
-            "200 ok" + damaged);
-        row("not packed", packed("gzip", "ok"), "200 " + damaged);
-        row("packed by nobody knows what", packed("mystery", "ok"), "200 " + damaged);
-
-        row("nothing", "", lost);
-        row("cut in the status line", "HTTP/1.1 20", lost);
-        row("cut after the status line", "HTTP/1.1 200 OK\r\n", lost);
-        row("cut in a header", "HTTP/1.1 200 OK\r\nContent-Le", lost);
-        row("cut after an interim response", "HTTP/1.1 100 Continue\r\n\r\n", lost);
-        row("cut before the length", okReply.chopped(1), "200 o" + lost);
-        row("cut in a chunk", chunked + "9\r\nok", "200 ok" + lost);
-        row("cut before the last chunk", chunked + "2\r\nok\r\n", "200 ok" + lost);
-        row("no chunk", chunked + "?key=SECRET\r\n", "200 " + lost);
-        row("no HTTP", "220 ready for key=SECRET\r\n", "[Unsupported protocol]");
-    }
-
     void response()
     {
-        QFETCH(QByteArray, response);
-        QList<QByteArray> singleBytes;
-        for (const char byte : response)
-            singleBytes.append(QByteArray(1, byte));
-        for (const QList<QByteArray>& pieces : {singleBytes, {response}}) {
-            const ScriptedServer server({.pieces = pieces, .pause = 1ms});
-            QTEST(post(requestTo(server.url())), "expected");
-            QCOMPARE(server.connectionCount(), 1);
+        const QByteArray gzip = QByteArray::fromHex("1f8b0800000000000203cbcf060047dddc7902000000");
+        const QByteArray informed = "HTTP/1.1 100 Continue\r\n\r\n"
+                                    "HTTP/1.1 103 Early Hints\r\nLink: </s>\r\n\r\n";
+        struct Row {
+            const char* name;
+            QByteArray response;
+            QByteArray expected;
+        };
+        for (const auto& [name, response, expected] :
+             {Row{"length", okReply, "200 ok"},
+              Row{"chunks and a trailer", chunked + "1\r\no\r\n1;x=y\r\nk\r\n0\r\nX-T: t\r\n\r\n",
+                  "200 ok"},
+              Row{"until the end", "HTTP/1.0 200 OK\r\n\r\nok", "200 ok"},
+              Row{"no reason", "HTTP/1.1 529\r\nContent-Length: 2\r\n\r\nno", "529 no"},
+              Row{"after interim ones", informed + okReply, "200 ok"},
+              Row{"packed unasked", packed("gzip", gzip), "200 ok"},
+              Row{"deflated", packed("deflate", qCompress("ok").sliced(4)), "200 ok"},
+              Row{"packed, cut", packed("gzip", gzip).chopped(1), "200 ok" + lost},
+              Row{"another sum", packed("gzip", QByteArray(gzip).replace("\x47", "x")),
+                  "200 ok" + damaged},
+              Row{"not packed", packed("gzip", "ok"), "200 " + damaged},
+              Row{"packed by nobody knows what", packed("mystery", "ok"), "200 " + damaged},
+              Row{"nothing", "", lost},
+              Row{"cut in the status line", "HTTP/1.1 20", lost},
+              Row{"cut in a header", "HTTP/1.1 200 OK\r\nContent-Le", lost},
+              Row{"cut after an interim one", informed, lost},
+              Row{"cut before the length", okReply.chopped(1), "200 o" + lost},
+              Row{"cut in a chunk", chunked + "9\r\nok", "200 ok" + lost},
+              Row{"cut before the last chunk", chunked + "2\r\nok\r\n", "200 ok" + lost},
+              Row{"no chunk", chunked + "?key=SECRET\r\n", "200 " + lost},
+              Row{"no HTTP", "220 ready for key=SECRET\r\n", "[Unsupported protocol]"}}) {
+            const InRow row(name);
+            QList<QByteArray> singleBytes;
+            for (const char byte : response)
+                singleBytes.append(QByteArray(1, byte));
+            for (const QList<QByteArray>& pieces : {singleBytes, {response}}) {
+                const ScriptedServer server({.pieces = pieces, .pause = 1ms});
+                QCOMPARE(post(requestTo(server.url())), expected);
+                QCOMPARE(server.connectionCount(), 1);
+            }
         }
-    }
-
-    void refusedRequest_data()
-    {
-        QTest::addColumn<QByteArray>("url"); // PORT stands for that of the server
-        QTest::addColumn<QByteArray>("header");
-        QTest::addColumn<QByteArray>("value");
-        const auto address = [](const char* name, const QByteArray& url) {
-            QTest::newRow(name) << url << QByteArray("x-api-key") << QByteArray("k");
-        };
-        address("no address", "");
-        address("no host", "http://?key=SECRET");
-        address("no such port", "http://localhost:99999/?key=SECRET");
-        address("line break in the address", "http://127.0.0.1:PORT/?key=SECRET\r\nx: y");
-        address("zero in the address", QByteArray("http://127.0.0.1:PORT/\0?key=SECRET", 34));
-        address("file", "file:///etc/passwd?key=SECRET");
-        address("ftp", "ftp://127.0.0.1:PORT/?key=SECRET");
-        const auto field = [](const char* row, const QByteArray& name, const QByteArray& value) {
-            QTest::newRow(row) << QByteArray("http://127.0.0.1:PORT/") << name << value;
-        };
-        field("line break", "x-api-key", "SECRET\r\nx-other: SECRET");
-        field("zero", "x-api-key", QByteArray("SECRET\0SECRET", 13));
-        field("escape", "x-api-key", "SECRET\x1b[0m");
-        field("delete", "x-api-key", "SECRET\x7f");
-        field("line break in a name", "x\r\ny", "SECRET");
     }
 
     void refusedRequest()
     {
-        QFETCH(QByteArray, url);
-        QFETCH(QByteArray, header);
-        QFETCH(QByteArray, value);
-        const ScriptedServer server({.pieces = {okReply}});
-        HttpRequest request = requestTo(url.replace("PORT", server.port()));
-        request.headers = {{"x-a", "a"}, {header, value}};
-        const QByteArray outcome = post(request);
-        QVERIFY2(outcome.startsWith('[') && outcome.size() > 2, outcome.constData());
-        QVERIFY2(!outcome.toUpper().contains("SECRET"), outcome.constData());
-        QCOMPARE(server.connectionCount(), 0);
+        struct Row {
+            const char* name;
+            QByteArray url; ///< PORT stands for that of the server
+            QByteArrayList header = {"x-api-key", "k"};
+        };
+        const QByteArray good = "http://127.0.0.1:PORT/";
+        for (const auto& [name, url, header] :
+             {Row{"no address", ""}, Row{"no host", "http://?key=SECRET"},
+              Row{"no such port", "http://localhost:99999/?key=SECRET"},
+              Row{"line break in the address", good + "?key=SECRET\r\nx: y"},
+              Row{"zero in the address", good + QByteArray("\0?key=SECRET", 12)},
+              Row{"file", "file:///etc/passwd?key=SECRET"},
+              Row{"ftp", "ftp://127.0.0.1:PORT/?key=SECRET"},
+              Row{"line break", good, {"x-api-key", "SECRET\r\nx-other: SECRET"}},
+              Row{"zero", good, {"x-api-key", QByteArray("SECRET\0SECRET", 13)}},
+              Row{"escape", good, {"x-api-key", "SECRET\x1b[0m"}},
+              Row{"delete", good, {"x-api-key", "SECRET\x7f"}},
+              Row{"line break in a name", good, {"x\r\ny", "SECRET"}}}) {
+            const InRow row(name);
+            const ScriptedServer server({.pieces = {okReply}});
+            HttpRequest request = requestTo(QByteArray(url).replace("PORT", server.port()));
+            request.headers = {{"x-a", "a"}, {header[0], header[1]}};
+            const QByteArray outcome = post(request);
+            QVERIFY2(outcome.startsWith('[') && outcome.size() > 2, outcome.constData());
+            QVERIFY2(!outcome.toUpper().contains("SECRET"), outcome.constData());
+            QCOMPARE(server.connectionCount(), 0);
+        }
     }
 
     void unreachableServer()
@@ -200,29 +188,25 @@ private Q_SLOTS:
                  "[The server could not be found. Are you connected to the internet?]");
     }
 
-    void nothingIsSentAgain_data()
-    {
-        QTest::addColumn<int>("answered");
-        QTest::addColumn<bool>("readsBody");
-        QTest::newRow("the first request") << 0 << true;
-        QTest::newRow("a request after others") << 2 << true;
-        QTest::newRow("half a request after another") << 1 << false;
-    }
-
     void nothingIsSentAgain()
     {
-        QFETCH(int, answered);
-        QFETCH(bool, readsBody);
-        // These keep the connection open, as if it could be used again.
-        std::vector<Answer> answers(static_cast<std::size_t>(answered),
-                                    {.pieces = {okReply}, .closes = false});
-        answers.push_back({.pieces = {}, .readsBody = readsBody});
-        const ScriptedServer server(answers);
-        for (int i = 0; i < answered; ++i)
-            QCOMPARE(post(requestTo(server.url())), "200 ok");
-        QCOMPARE(post(requestTo(server.url(), 1 << 24)), lost);
-        QCOMPARE(server.connectionCount(), answered + 1);
-        QCOMPARE(server.requests().size(), answered + 1);
+        struct Row {
+            int answered; ///< requests before it
+            bool readsBody;
+        };
+        for (const auto& [answered, readsBody] : {Row{0, true}, Row{2, true}, Row{1, false}}) {
+            const InRow row(answered, readsBody);
+            // These keep the connection open, as if it could be used again.
+            std::vector<Answer> answers(static_cast<std::size_t>(answered),
+                                        {.pieces = {okReply}, .closes = false});
+            answers.push_back({.pieces = {}, .readsBody = readsBody});
+            const ScriptedServer server(answers);
+            for (int i = 0; i < answered; ++i)
+                QCOMPARE(post(requestTo(server.url())), "200 ok");
+            QCOMPARE(post(requestTo(server.url(), 1 << 24)), lost);
+            QCOMPARE(server.connectionCount(), answered + 1);
+            QCOMPARE(server.requests().size(), answered + 1);
+        }
     }
 
     void redirectIsNotFollowed()
@@ -292,43 +276,34 @@ private Q_SLOTS:
                      cases[i].name + (": " + cases[i].expected));
     }
 
-    void stopEndsTheTransfer_data()
-    {
-        QTest::addColumn<QByteArray>("response");
-        QTest::addColumn<qsizetype>("bodySize");
-        QTest::addColumn<QByteArray>("received");
-        QTest::newRow("no answer") << QByteArray() << qsizetype(1) << QByteArray();
-        QTest::newRow("in the request") << QByteArray() << qsizetype(1 << 24) << QByteArray();
-        QTest::newRow("in the body") << okReply.chopped(1) << qsizetype(1) << QByteArray("200 o");
-    }
-
     void stopEndsTheTransfer()
     {
-        QFETCH(QByteArray, response);
-        QFETCH(qsizetype, bodySize);
-        QFETCH(QByteArray, received);
-        const ScriptedServer server({.pieces = {response}, .readsBody = false, .closes = false});
-        Recorder recorder;
-        std::stop_source stop;
-        std::future<QByteArray> outcome = std::async(std::launch::async, [&] {
-            return ::post(m_session, requestTo(server.url(), bodySize), recorder, stop.get_token());
-        });
-        QTRY_COMPARE(server.requests().size(), 1);
-        QTRY_COMPARE(recorder.length.load(), received.size());
-        stop.request_stop();
-        QTRY_COMPARE(outcome.wait_for(0s), std::future_status::ready);
-        QCOMPARE(outcome.get(), received + "[The request was cancelled.]");
-    }
-
-    void stopBeforehandSendsNothing()
-    {
-        const ScriptedServer server({.pieces = {okReply}});
-        std::stop_source stop;
-        stop.request_stop();
-        Recorder recorder;
-        QCOMPARE(::post(m_session, requestTo(server.url()), recorder, stop.get_token()),
-                 "[The request was cancelled.]");
-        QCOMPARE(server.connectionCount(), 0);
+        struct Row {
+            QByteArray response;
+            qsizetype bodySize;
+            QByteArray received;
+        };
+        for (const auto& [response, bodySize, received] :
+             {Row{"", 1, ""}, Row{"", 1 << 24, ""}, Row{okReply.chopped(1), 1, "200 o"}}) {
+            const InRow row(response, bodySize);
+            const ScriptedServer server(
+                {.pieces = {response}, .readsBody = false, .closes = false});
+            Recorder recorder;
+            std::stop_source stop;
+            const HttpRequest request = requestTo(server.url(), bodySize);
+            std::future<QByteArray> outcome = std::async(std::launch::async, [&] {
+                return ::post(m_session, request, recorder, stop.get_token());
+            });
+            QTRY_COMPARE(server.requests().size(), 1);
+            QTRY_COMPARE(recorder.length.load(), received.size());
+            stop.request_stop();
+            QTRY_COMPARE(outcome.wait_for(0s), std::future_status::ready);
+            QCOMPARE(outcome.get(), received + "[The request was cancelled.]");
+            Recorder second; // and when it is stopped beforehand nothing is sent
+            QCOMPARE(::post(m_session, request, second, stop.get_token()),
+                     "[The request was cancelled.]");
+            QCOMPARE(server.connectionCount(), 1);
+        }
     }
 
     void manyAtOnce()
@@ -350,29 +325,22 @@ private Q_SLOTS:
         QCOMPARE(sizes.size(), 80);
     }
 
-    void certificates_data()
-    {
-        QTest::addColumn<QString>("host");
-        QTest::addColumn<bool>("isTrusted");
-        QTest::addColumn<QByteArray>("expected");
-        const QByteArray refused = "[The identity of the server could not be verified.]";
-        QTest::newRow("unknown") << u"127.0.0.1"_s << false << refused;
-        QTest::newRow("of another host") << u"127.0.0.2"_s << true << refused;
-        QTest::newRow("known") << u"127.0.0.1"_s << true << QByteArray("404 ");
-    }
-
     void certificates()
     {
-        QFETCH(QString, host);
-        QFETCH(bool, isTrusted);
-        QFETCH(QByteArray, expected);
-        const auto service = StandInService::start({.address = host, .tls = true});
-        QVERIFY(service);
-        CurlHttpSession session(isTrusted ? service->certificateFile() : QString());
-        Recorder recorder;
-        const QByteArray url = service->claudeEndpoint() + "/nowhere";
-        QCOMPARE(::post(session, requestTo(url), recorder), expected);
-        QCOMPARE(service->requests().size(), expected.startsWith('[') ? 0 : 1);
+        const QByteArray refused = "[The identity of the server could not be verified.]";
+        for (const auto& [host, isTrusted, expected] :
+             {std::tuple(u"127.0.0.1"_s, false, refused), // unknown
+              std::tuple(u"127.0.0.2"_s, true, refused),  // the certificate is of another host
+              std::tuple(u"127.0.0.1"_s, true, QByteArray("404 "))}) {
+            const InRow row(host, isTrusted);
+            const auto service = StandInService::start({.address = host, .tls = true});
+            QVERIFY(service);
+            CurlHttpSession session(isTrusted ? service->certificateFile() : QString());
+            Recorder recorder;
+            const QByteArray url = service->claudeEndpoint() + "/nowhere";
+            QCOMPARE(::post(session, requestTo(url), recorder), expected);
+            QCOMPARE(service->requests().size(), expected == refused ? 0 : 1);
+        }
     }
 };
 

@@ -1,5 +1,6 @@
 #include "platform/Files.h"
 
+#include "tests/Table.h"
 #include "tests/TestMain.h"
 
 #include <QDir>
@@ -120,27 +121,8 @@ private Q_SLOTS:
         QCOMPARE(contents(u"/proc/self/status"_s, 10), "(unreadable)");
     }
 
-    void unreadable_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<QByteArray>("expected");
-        const QByteArray absent = "(absent)";
-        const QByteArray unreadable = "(unreadable)";
-        QTest::newRow("nothing") << u"nothing"_s << absent;
-        QTest::newRow("in no folder") << u"nothing/below"_s << absent;
-        QTest::newRow("folder") << u"folder"_s << unreadable;
-        QTest::newRow("pipe") << u"pipe"_s << unreadable;
-        QTest::newRow("device") << u"/dev/zero"_s << unreadable;
-        QTest::newRow("link") << u"link"_s << unreadable;
-        QTest::newRow("link to itself") << u"loop"_s << unreadable;
-        QTest::newRow("of another user") << u"foreign"_s << unreadable;
-        QTest::newRow("forbidden") << u"forbidden"_s << unreadable;
-        QTest::newRow("failing half way") << u"/proc/self/mem"_s << unreadable;
-    }
-
     void unreadable()
     {
-        QFETCH(QString, name);
         QVERIFY(QFile::link(at(u"loop"_s), at(u"loop"_s)));
         QVERIFY(QDir().mkdir(at(u"folder"_s)));
         write(at(u"foreign"_s), "x"); // where the test is run by root
@@ -151,33 +133,31 @@ private Q_SLOTS:
         setMode(at(u"forbidden"_s), 0);
         QCOMPARE(::mkfifo(QFile::encodeName(at(u"pipe"_s)).constData(), 0666), 0);
         const auto user = asOrdinaryUser();
-        QTEST(contents(QDir(m_folder->path()).filePath(name)), "expected");
-    }
-
-    void failedWriteChangesNothing_data()
-    {
-        QTest::addColumn<QString>("name");
-        QTest::addColumn<qsizetype>("length");
-        QTest::addColumn<mode_t>("folderMode");
-        QTest::newRow("full disk") << u"file"_s << qsizetype(100000) << mode_t(0700);
-        QTest::newRow("read-only folder") << u"file"_s << qsizetype(1) << mode_t(0500);
-        QTest::newRow("folder in its place") << u"folder"_s << qsizetype(1) << mode_t(0700);
-        QTest::newRow("no folder") << u"nothing/below"_s << qsizetype(1) << mode_t(0700);
+        for (const QString& name : {u"nothing"_s, u"nothing/below"_s})
+            QCOMPARE(contents(at(name)), "(absent)");
+        for (const QString& name : {u"folder"_s, u"pipe"_s, u"/dev/zero"_s, u"link"_s, u"loop"_s,
+                                    u"foreign"_s, u"forbidden"_s, u"/proc/self/mem"_s}) {
+            const InRow row(name);
+            QCOMPARE(contents(QDir(m_folder->path()).filePath(name)), "(unreadable)");
+        }
     }
 
     void failedWriteChangesNothing()
     {
-        QFETCH(QString, name);
-        QFETCH(qsizetype, length);
-        QFETCH(mode_t, folderMode);
         QVERIFY(QDir().mkdir(at(u"folder"_s)));
         const auto user = asOrdinaryUser();
         QVERIFY(writeFileAtomically(at(u"file"_s), "old"));
-        setMode(m_folder->path(), folderMode);
         const auto limit = onFullDisk();
-        QVERIFY(!writeFileAtomically(at(name), QByteArray(length, 'x')));
-        QCOMPARE(names(), QStringList({u"file"_s, u"folder"_s}));
-        QCOMPARE(contents(at(u"file"_s)), "old");
+        for (const auto& [name, length, folderMode] :
+             {std::tuple(u"file"_s, 100000, 0700U), // too much for the disk
+              std::tuple(u"file"_s, 1, 0500U), std::tuple(u"folder"_s, 1, 0700U),
+              std::tuple(u"nothing/below"_s, 1, 0700U)}) {
+            const InRow row(name, length, folderMode);
+            setMode(m_folder->path(), folderMode);
+            QVERIFY(!writeFileAtomically(at(name), QByteArray(length, 'x')));
+            QCOMPARE(names(), QStringList({u"file"_s, u"folder"_s}));
+            QCOMPARE(contents(at(u"file"_s)), "old");
+        }
     }
 
     void whatIsSetAsideSurvivesTheNextWrite()

@@ -1,5 +1,6 @@
 #include "platform/linux/IniPreferencesStore.h"
 
+#include "tests/Table.h"
 #include "tests/TestMain.h"
 
 #include <QDir>
@@ -44,43 +45,33 @@ private:
     }
 
 private Q_SLOTS:
-    void lists_data()
-    {
-        QTest::addColumn<QStringList>("value");
-        QTest::newRow("empty") << QStringList();
-        QTest::newRow("two empty words") << QStringList{u""_s, u""_s};
-        for (const QString& word :
-             {u""_s, u"plain"_s, u"  blanks  "_s, u"a, b"_s, u"a;b=c#d"_s, u"\"quoted\" \\n \\"_s,
-              u"two\r\nlines\tand\n"_s, u"\x1f\x7f!"_s, QChar(0x1f) + u"0Fg"_s, QChar(0) + u"7z"_s,
-              u"Größe 名前 العربية 🦊"_s, u"true"_s, u"@Invalid()"_s, u"@String(x)"_s,
-              u"@@"_s, u"%41%%"_s, u"[General]"_s, u"it's?"_s, QString(10000, u'x')}) {
-            QTest::addRow("one: %s", qPrintable(word.left(20).simplified())) << QStringList{word};
-            QTest::addRow("two: %s", qPrintable(word.left(20).simplified()))
-                << QStringList{word, u"b, c"_s};
-        }
-    }
-
     void lists()
     {
-        QFETCH(QStringList, value);
         const QString path = unusedPath();
         IniPreferencesStore store(path);
         QVERIFY(!store.contains(u"a"_s));
-        store.setStringArray(u"a"_s, value);
-        QCOMPARE(store.stringArray(u"a"_s), std::optional(value));
-        QCOMPARE(IniPreferencesStore(path).stringArray(u"a"_s), std::optional(value));
-        QCOMPARE(store.string(u"a"_s).has_value(), value.size() == 1);
+        for (const QStringList& value :
+             {QStringList(), QStringList{u""_s}, QStringList{u""_s, u""_s},
+              QStringList{u"  blanks  "_s, u"a, b"_s}, QStringList{u"a;b=c#d"_s},
+              QStringList{u"\"quoted\" \\n \\"_s, u"two\r\nlines\tand\n"_s},
+              QStringList{QChar(0x1f) + u"0Fg"_s, QChar(0) + u"7z"_s, u"Größe 名前 🦊"_s},
+              QStringList{u"@Invalid()"_s}, QStringList{u"@String(x)"_s, u"@@"_s, u"%41%%"_s},
+              QStringList{u"[General]"_s, u"it's?"_s, QString(10000, u'x')}}) {
+            const InRow row(value);
+            store.setStringArray(u"a"_s, value);
+            QCOMPARE(store.stringArray(u"a"_s), std::optional(value));
+            QCOMPARE(IniPreferencesStore(path).stringArray(u"a"_s), std::optional(value));
+            QCOMPARE(store.string(u"a"_s).has_value(), value.size() == 1);
 
-        // Earlier versions read and write through QSettings.
-        QSettings earlier(path, QSettings::IniFormat);
-        QCOMPARE(earlier.value(u"a"_s).toStringList(), value);
-        earlier.setValue(u"b"_s, value);
-        earlier.setValue(u"flag"_s, true);
-        earlier.sync();
-        store.refresh();
-        for (const QString& key : {u"a"_s, u"b"_s})
-            QCOMPARE(store.stringArray(key), std::optional(value));
-        QCOMPARE(store.boolean(u"flag"_s), std::optional(true));
+            // Earlier versions read and write through QSettings.
+            QSettings earlier(path, QSettings::IniFormat);
+            QCOMPARE(earlier.value(u"a"_s).toStringList(), value);
+            earlier.setValue(u"b"_s, value);
+            earlier.sync();
+            store.refresh();
+            for (const QString& key : {u"a"_s, u"b"_s})
+                QCOMPARE(store.stringArray(key), std::optional(value));
+        }
     }
 
     void booleans()
@@ -93,28 +84,22 @@ private Q_SLOTS:
             QCOMPARE(IniPreferencesStore(fileOf("a=" + word)).boolean(u"a"_s), expected);
     }
 
-    void texts_data()
-    {
-        QTest::addColumn<QByteArray>("text");
-        QTest::addColumn<QString>("words");
-        const QString none = u"(none)"_s;
-        QTest::newRow("bytes") << QByteArray("a=@ByteArray(x)") << none;
-        QTest::newRow("number in a list") << QByteArray("a=b, @Variant(\\0)") << none;
-        QTest::newRow("other group") << QByteArray("[x]\na=x") << none;
-        QTest::newRow("open quote") << QByteArray("b=\"\na=x") << none;
-        QTest::newRow("blanks, comment") << QByteArray("\ta = x , \ty; no") << u"x|y"_s;
-        QTest::newRow("comments") << QByteArray("; a=1\n ;a=2\n\ta=x") << u"x"_s;
-        QTest::newRow("escapes") << QByteArray("a=\\x62\\141n\\x61\"na\"\\z") << u"banana"_s;
-        QTest::newRow("the last one") << QByteArray("a=1\n[x]\na=2\n[GENERAL]\na=x") << u"x"_s;
-        QTest::newRow("mark, CRLF") << QByteArray("\xEF\xBB\xBF[General]\r\na=x\r\n") << u"x"_s;
-    }
-
     void texts()
     {
-        QFETCH(QByteArray, text);
-        const IniPreferencesStore store(fileOf(text));
-        const auto words = store.stringArray(u"a"_s);
-        QTEST(words ? words->join(u'|') : u"(none)"_s, "words");
+        const QString none = u"(none)"_s;
+        for (const auto& [text, expected] :
+             {std::pair(QByteArray("a=@ByteArray(x)"), none),
+              std::pair(QByteArray("a=b, @Variant(\\0)"), none),
+              std::pair(QByteArray("[x]\na=x"), none), std::pair(QByteArray("b=\"\na=x"), none),
+              std::pair(QByteArray("\ta = x , \ty; no"), u"x|y"_s),
+              std::pair(QByteArray("; a=1\n ;a=2\n\ta=x"), u"x"_s),
+              std::pair(QByteArray("a=\\x62\\141n\\x61\"na\"\\z"), u"banana"_s),
+              std::pair(QByteArray("a=1\n[x]\na=2\n[GENERAL]\na=x"), u"x"_s),
+              std::pair(QByteArray("\xEF\xBB\xBF[General]\r\na=x\r\n"), u"x"_s)}) {
+            const InRow row(text);
+            const auto words = IniPreferencesStore(fileOf(text)).stringArray(u"a"_s);
+            QCOMPARE(words ? words->join(u'|') : none, expected);
+        }
     }
 
     void everythingElseStays()
@@ -147,42 +132,43 @@ private Q_SLOTS:
         }
     }
 
-    void whatIsNoPrivateFileIsSetAside_data()
-    {
-        QTest::addColumn<int>("kind");
-        int kind = 0;
-        for (const char* name : {"pipe", "link", "folder", "of another user", "too long"})
-            QTest::newRow(name) << kind++;
-    }
-
     void whatIsNoPrivateFileIsSetAside()
     {
-        QFETCH(int, kind);
         const QString target = fileOf("a=target");
-        const QString path = kind == 3 || kind == 4 ? fileOf("a=bad") : unusedPath();
-        const QByteArray name = QFile::encodeName(path);
-        QVERIFY(QDir().mkpath(QFileInfo(path).path()));
-        if (kind == 0)
-            QCOMPARE(::mkfifo(name.constData(), 0600), 0);
-        else if (kind == 1)
-            QVERIFY(QFile::link(target, path));
-        else if (kind == 2)
-            QVERIFY(QDir().mkdir(path));
-        else if (kind == 3)
-            QVERIFY(::chown(name.constData(), 65534, gid_t(-1)) == 0 || // where root runs the test
-                    ::chmod(name.constData(), 0) == 0);
-        else
-            QVERIFY(QFile::resize(path, 50LL * 1024 * 1024));
-
-        IniPreferencesStore store(path);
-        QVERIFY(!store.contains(u"a"_s));
-        store.setString(u"b"_s, u"good"_s);
-        QCOMPARE(contents(path), "[General]\nb=good\n");
-        QCOMPARE(contents(target), "a=target");
-        struct stat status = {};
-        QCOMPARE(::lstat((name + ".damaged-1").constData(), &status), 0);
-        store.removeLeftovers(); // but for folders
-        QCOMPARE(::lstat((name + ".damaged-1").constData(), &status), kind == 2 ? 0 : -1);
+        using Obstacle = std::function<bool(const QString&, const char*)>;
+        struct Row {
+            const char* name;
+            Obstacle put;
+            bool staysAside = false;
+        };
+        const Obstacle foreign = [](const QString& path, const char* name) {
+            write(path, "a=bad"); // where root runs the test, it is another user's
+            return ::chown(name, 65534, gid_t(-1)) == 0 || ::chmod(name, 0) == 0;
+        };
+        const Obstacle tooLong = [](const QString& path, const char*) {
+            write(path, "a=bad");
+            return QFile::resize(path, 50LL * 1024 * 1024);
+        };
+        for (const auto& [kind, put, staysAside] :
+             {Row{"pipe", [](auto&, const char*name) { return ::mkfifo(name, 0600) == 0; }},
+              Row{"link", [&](auto&path, const char*) { return QFile::link(target, path); }},
+              Row{"folder", [](auto&path, const char*) { return QDir().mkdir(path); }, true},
+              Row{"of another user", foreign}, Row{"too long", tooLong}}) {
+            const InRow row(kind);
+            const QString path = unusedPath();
+            const QByteArray name = QFile::encodeName(path);
+            QVERIFY(QDir().mkpath(QFileInfo(path).path()));
+            QVERIFY(put(path, name.constData()));
+            IniPreferencesStore store(path);
+            QVERIFY(!store.contains(u"a"_s));
+            store.setString(u"b"_s, u"good"_s);
+            QCOMPARE(contents(path), "[General]\nb=good\n");
+            QCOMPARE(contents(target), "a=target");
+            struct stat status = {};
+            QCOMPARE(::lstat((name + ".damaged-1").constData(), &status), 0);
+            store.removeLeftovers();
+            QCOMPARE(::lstat((name + ".damaged-1").constData(), &status), staysAside ? 0 : -1);
+        }
     }
 
     void programsOnOneFileKeepWhatEachSets()

@@ -44,83 +44,54 @@ class PanelTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void escapeGoesOneStepAtATime();
-    void escapeFromSettingsReturnsToTheSearch();
-    void commandsWorkWithEitherModifier_data();
-    void commandsWorkWithEitherModifier();
-    void keepsItsPlaceOverHiding();
-    void comesBackOntoTheScreen();
+    void escapeGoesOneStepAtATime()
+    {
+        PanelFixture f;
+        f.write(u"rome"_s);
+        f.model->setShowingFind(true);
+        f.key(Qt::Key_Comma, Qt::ControlModifier);
+        QVERIFY(f.shows<InAppSettingsView>());
+        f.key(Qt::Key_Escape);
+        QVERIFY(f.shows<EntryView>());
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
+        QVERIFY(!f.model->isShowingFind());
+        QVERIFY(f.shows<EntryView>());
+        f.key(Qt::Key_Escape);
+        QVERIFY(f.shows<SearchView>());
+        f.model->setShowingSettings(true);
+        QVERIFY(!f.shows<SearchView>());
+        f.key(Qt::Key_Escape);
+        QVERIFY(f.shows<SearchView>());
+        QVERIFY(f.panel.isVisible());
+        f.key(Qt::Key_Escape);
+        QVERIFY(!f.panel.isVisible());
+    }
+
+    void commandsWorkWithEitherModifier()
+    {
+        for (const Qt::KeyboardModifier modifier : {Qt::ControlModifier, Qt::MetaModifier}) {
+            PanelFixture f;
+            f.write(u"rome"_s);
+            f.key(Qt::Key_K, modifier);
+            QVERIFY(f.shows<SearchView>());
+            f.key(Qt::Key_Comma, modifier);
+            QVERIFY(f.shows<InAppSettingsView>());
+            f.key(Qt::Key_Comma, modifier);
+            QVERIFY(f.shows<SearchView>());
+        }
+    }
+
+    void comesBackOntoTheScreen()
+    {
+        PanelFixture f;
+        f.panel.close();
+        QVERIFY(!f.panel.isVisible());
+        f.panel.move(9000, -5000);
+        f.panel.present(0);
+        QVERIFY(f.panel.screen()->availableGeometry().intersects(f.panel.geometry()));
+        QVERIFY(f.panel.y() >= 0);
+    }
 };
-
-void PanelTest::escapeGoesOneStepAtATime()
-{
-    PanelFixture f;
-    f.write(u"rome"_s);
-    f.model->setShowingFind(true);
-    f.key(Qt::Key_Comma, Qt::ControlModifier);
-    QVERIFY(f.shows<InAppSettingsView>());
-    f.key(Qt::Key_Escape);
-    QVERIFY(f.shows<EntryView>());
-    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
-    QVERIFY(!f.model->isShowingFind());
-    QVERIFY(f.shows<EntryView>());
-    f.key(Qt::Key_Escape);
-    QVERIFY(f.shows<SearchView>());
-    QVERIFY(f.panel.isVisible());
-    f.key(Qt::Key_Escape);
-    QVERIFY(!f.panel.isVisible());
-}
-
-void PanelTest::escapeFromSettingsReturnsToTheSearch()
-{
-    PanelFixture f;
-    f.model->setShowingSettings(true);
-    QVERIFY(!f.shows<SearchView>());
-    f.key(Qt::Key_Escape);
-    QVERIFY(f.shows<SearchView>());
-    QVERIFY(f.panel.isVisible());
-}
-
-void PanelTest::commandsWorkWithEitherModifier_data()
-{
-    QTest::addColumn<Qt::KeyboardModifier>("modifier");
-    QTest::newRow("Ctrl") << Qt::ControlModifier;
-    QTest::newRow("Super") << Qt::MetaModifier;
-}
-
-void PanelTest::commandsWorkWithEitherModifier()
-{
-    QFETCH(const Qt::KeyboardModifier, modifier);
-    PanelFixture f;
-    f.write(u"rome"_s);
-    f.key(Qt::Key_K, modifier);
-    QVERIFY(f.shows<SearchView>());
-    f.key(Qt::Key_Comma, modifier);
-    QVERIFY(f.shows<InAppSettingsView>());
-    f.key(Qt::Key_Comma, modifier);
-    QVERIFY(f.shows<SearchView>());
-}
-
-void PanelTest::keepsItsPlaceOverHiding()
-{
-    PanelFixture f;
-    const QRect place(17, 23, 700, 500);
-    f.panel.setGeometry(place);
-    f.panel.close();
-    QVERIFY(!f.panel.isVisible());
-    f.panel.present(0);
-    QCOMPARE(f.panel.geometry(), place);
-}
-
-void PanelTest::comesBackOntoTheScreen()
-{
-    PanelFixture f;
-    f.panel.hide();
-    f.panel.move(9000, -5000);
-    f.panel.present(0);
-    QVERIFY(f.panel.screen()->availableGeometry().intersects(f.panel.geometry()));
-    QVERIFY(f.panel.y() >= 0);
-}
 
 VARNO_TEST(QApplication, PanelTest)
 #include "PanelTest.moc"

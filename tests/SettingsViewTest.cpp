@@ -2,6 +2,7 @@
 #include "tests/ControllerFixture.h"
 #include "tests/Scarcity.h"
 #include "tests/ScreenReading.h"
+#include "tests/Table.h"
 #include "tests/TestKeychain.h"
 #include "tests/TestMain.h"
 
@@ -35,6 +36,7 @@ struct SettingsFixture : ControllerFixture {
     {
         setTheme(view, AppTheme::cream);
         view.resize(860, 1400);
+        show();
     }
 
     void show()
@@ -58,13 +60,20 @@ struct KeyFixture : SettingsFixture {
     {
     }
 
+    void store()
+    {
+        keychain.save(u"stored"_s, account);
+        view.hide();
+        show();
+        QTRY_VERIFY(shows(storedText));
+    }
     void press(const QString& name) const
     {
         QTRY_VERIFY(shownButton(row, name) && shownButton(row, name)->isEnabled());
         shownButton(row, name)->click();
     }
     [[nodiscard]] bool shows(const QString& text) const { return shownText(row, text); }
-    [[nodiscard]] bool canSave() const { return shownButton(row, u"Save Key"_s)->isEnabled(); }
+    [[nodiscard]] bool isClosed() const { return field.text().isEmpty() && !field.isRevealed(); }
 
     QString account;
     APIKeyRow& row;
@@ -83,299 +92,216 @@ class SettingsViewTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void hasItsTextsInOrder();
-    void savesTrimmed_data() { rows(); }
-    void savesTrimmed();
-    void savesNoBlankKey_data() { rows(); }
-    void savesNoBlankKey();
-    void revealsAndHides_data() { rows(); }
-    void revealsAndHides();
-    void showsWhatIsTypedWhereNoKeyIsStored_data() { rows(); }
-    void showsWhatIsTypedWhereNoKeyIsStored();
-    void removes_data() { rows(); }
-    void removes();
-    void forgetsKeysWhenLeft_data() { rows(); }
-    void forgetsKeysWhenLeft();
-    void aMaskedKeyIsReadByNobody_data() { rows(); }
-    void aMaskedKeyIsReadByNobody();
-    void saysWhenThereIsNoKeyStore();
-    void helpNamesTheProvidersPage();
-    void choosesFontSize();
-    void choosesTheme();
-    void choosesModel();
-    void switchesWebSearch();
-    void doneLeaves();
-
-private:
-    static void rows()
+    void hasItsTextsInOrder()
     {
-        QTest::addColumn<bool>("isGemini");
-        QTest::newRow("Anthropic") << false;
-        QTest::newRow("Gemini") << true;
+        const SettingsFixture f;
+        const QStringList expected = {
+            u"SETTINGS"_s,
+            u"Anthropic API Key"_s,
+            u"Gemini API Key"_s,
+            u"Global Shortcut"_s,
+            u"Open Varno"_s,
+            u"Opens the window from any application."_s,
+            u"Appearance"_s,
+            u"Font Size"_s,
+            u"Theme"_s,
+            u"Cream (Classic)"_s,
+            u"Content"_s,
+            u"Claude Opus 4.8"_s,
+            u"Deepest, most thorough"_s,
+            u"Claude Sonnet 5"_s,
+            u"Smarter, more detailed"_s,
+            u"Claude Haiku 4.5"_s,
+            u"Faster, more concise"_s,
+            u"Gemini 3.6 Flash"_s,
+            u"Google's fast reasoning model"_s,
+            u"Web Search"_s,
+            u"Allows the model to search the web for more accurate, up-to-date information. Uses "
+            "additional API credits."_s,
+            u"About"_s,
+            u"Model"_s,
+            u"claude-sonnet-5"_s,
+            u"Version"_s,
+            u"1.0"_s,
+        };
+        QCOMPARE(shownTexts(f.view), expected);
+        QStringList links;
+        for (const QLabel* label : shown<QLabel>(f.view))
+            if (label->text().contains(u"href"_s))
+                links.append(label->text());
+        QCOMPARE(links.size(), 2);
+        QVERIFY(links[0].contains(u"Anthropic bills your account for what you use. Create a key at "
+                                  "<a href=\"https://"_s));
+        QVERIFY(links[1].contains(u"supply your own from <a href=\"https://"_s));
+        for (const QString& text : links)
+            QVERIFY(text.endsWith(u"</a>."_s));
+    }
+
+    void savesAndRemoves()
+    {
+        for (const bool isGemini : {false, true}) {
+            const InRow row(isGemini);
+            KeyFixture f(isGemini);
+            QVERIFY(!shownButton(f.row, u"Save Key"_s)->isEnabled());
+            QTest::keyClicks(&f.field, u"   "_s); // is no key
+            f.press(u"Save Key"_s);
+            QCOMPARE(f.field.text(), u"   "_s);
+            QVERIFY(!f.shows(u"Saved"_s));
+            QVERIFY(!f.keychain.load(f.account));
+            QTest::keyClicks(&f.field, u"a-key "_s);
+            f.press(u"Save Key"_s);
+            QTRY_VERIFY(f.shows(u"Saved"_s));
+            QCOMPARE(f.keychain.load(f.account), u"a-key"_s);
+            QVERIFY(f.isClosed());
+            QVERIFY(f.shows(storedText));
+            QVERIFY(shownButton(f.row, u"Remove Key"_s));
+            QTRY_VERIFY(!f.shows(u"Saved"_s));
+            f.press(u"Remove Key"_s);
+            QTRY_VERIFY(!shownButton(f.row, u"Remove Key"_s));
+            QVERIFY(!f.keychain.load(f.account));
+            QVERIFY(!f.shows(storedText));
+        }
+    }
+
+    void revealsAndHides()
+    {
+        KeyFixture f(true);
+        f.store();
+        f.press(u"Show"_s);
+        QTRY_COMPARE(f.field.text(), u"stored"_s);
+        QVERIFY(f.field.isRevealed());
+        QVERIFY(!f.shows(storedText));
+        // What is selected stays here, and what others selected comes in by the middle button.
+        QClipboard& clipboard = *QApplication::clipboard();
+        QTest::mouseDClick(&f.field, Qt::LeftButton, {}, QPoint(12, f.field.height() / 2));
+        QCOMPARE(f.field.selectedText(), u"stored"_s);
+        QTest::keyClick(&f.field, Qt::Key_Home, Qt::ShiftModifier);
+        QTest::keyClick(&f.field, Qt::Key_A, Qt::ControlModifier);
+        QCOMPARE(f.field.selectedText(), u"stored"_s);
+        QVERIFY(!clipboard.text(QClipboard::Selection).contains(u"stored"_s));
+        if (clipboard.supportsSelection()) {
+            clipboard.setText(u"from elsewhere"_s, QClipboard::Selection);
+            QTest::mouseClick(&f.field, Qt::MiddleButton);
+            QVERIFY(f.field.text().contains(u"from elsewhere"_s));
+        }
+        f.press(u"Hide"_s);
+        QVERIFY(f.isClosed());
+        QTest::keyClick(&f.field, Qt::Key_Z, Qt::ControlModifier);
+        QCOMPARE(f.field.text(), QString()); // undoing does not bring it back
+    }
+
+    void aTypedKeyIsMaskedUntilItIsShown()
+    {
+        KeyFixture f(false);
+        QTest::keyClicks(&f.field, u"typed"_s);
+        QVERIFY(!accessibleText(f.field).contains(u"typed"_s));
+        QVERIFY(!f.field.displayText().contains(u"typed"_s));
+        QVERIFY(f.field.inputMethodHints() & Qt::ImhSensitiveData);
+        f.field.selectAll();
+        f.field.copy();
+        QVERIFY(!QApplication::clipboard()->text().contains(u"typed"_s));
+        f.press(u"Show"_s);
+        QTRY_VERIFY(f.field.isRevealed());
+        QCOMPARE(f.field.text(), u"typed"_s);
+        f.press(u"Hide"_s);
+        QVERIFY(f.isClosed());
+    }
+
+    void forgetsKeysWhenLeft()
+    {
+        KeyFixture f(true);
+        f.store();
+        f.press(u"Show"_s);
+        QTRY_VERIFY(f.field.isRevealed());
+        f.press(u"Hide"_s);
+        f.press(u"Show"_s); // on its way while the screen is left
+        f.view.reset();
+        f.view.hide();
+        f.show();
+        QTRY_VERIFY(f.shows(storedText));
+        QVERIFY(f.isClosed());
+    }
+
+    void saysWhenThereIsNoKeyStore()
+    {
+        SettingsFixture without(newKeychain<UnreachableKeyStore>());
+        QTRY_VERIFY(shownText(without.view, noStoreText));
+        without.view.hide();
+
+        SettingsFixture with;
+        QVERIFY(!shownText(with.view, noStoreText));
+        with.view.hide();
+        const NoThreads none; // to ask it
+        with.view.show();
+        QTRY_VERIFY(shownText(with.view, noStoreText));
+    }
+
+    void choosesFontSize()
+    {
+        const SettingsFixture f;
+        for (const auto& [name, size] :
+             {std::pair(u"Large"_s, FontSize::large), std::pair(u"Small"_s, FontSize::small)}) {
+            shownButton(f.view, name)->click();
+            QCOMPARE(f.model->fontSize(), size);
+            QStringList checked;
+            for (const QAbstractButton* button :
+                 shown<QAbstractButton>(*f.view.findChild<FontSizeControl*>()))
+                if (button->isChecked())
+                    checked.append(button->accessibleName());
+            QCOMPARE(checked, QStringList(name));
+        }
+    }
+
+    void choosesTheme()
+    {
+        const SettingsFixture f;
+        auto& button = *f.view.findChild<ThemeMenuButton*>();
+        button.setFocus();
+        QTest::keyClick(&button, Qt::Key_Space);
+        QTRY_VERIFY(button.findChild<QMenu*>() && button.findChild<QMenu*>()->isVisible());
+        QMenu& menu = *button.findChild<QMenu*>();
+        QStringList names;
+        QStringList marked;
+        for (const QAction* item : menu.actions()) {
+            names.append(item->text());
+            if (!item->icon().isNull())
+                marked.append(item->text());
+        }
+        QCOMPARE(names, QStringList({u"Cream (Classic)"_s, u"Warm Amber"_s, u"Dark Parchment"_s}));
+        QCOMPARE(marked, QStringList(u"Cream (Classic)"_s));
+        QTest::keyClick(&menu, Qt::Key_Up); // round to the last
+        QTest::keyClick(&menu, Qt::Key_Return);
+        QCOMPARE(f.model->theme(), AppTheme::dark);
+        QVERIFY(shownText(button, u"Dark Parchment"_s));
+    }
+
+    void choosesModelAndWebSearch()
+    {
+        const SettingsFixture f;
+        QAbstractButton* const row = shownButton(f.view, u"Gemini 3.6 Flash"_s);
+        QCOMPARE(row->focusPolicy(), Qt::NoFocus);
+        row->click();
+        QCOMPARE(f.model->aiModel(), AIModel::geminiFlash);
+        QVERIFY(shownText(f.view, u"gemini-3.6-flash"_s));
+        for (const auto& [name, role] : {std::pair(u"Gemini 3.6 Flash"_s, ColorRole::accent),
+                                         std::pair(u"Claude Sonnet 5"_s, ColorRole::text)})
+            QCOMPARE(shownText(f.view, name)->textStyle().role, InkRole(role));
+        auto& webSearch = *f.view.findChild<Switch*>();
+        QCOMPARE(webSearch.accessibleName(), u"Web Search"_s);
+        for (const bool enabled : {true, false}) {
+            QTest::mouseClick(&webSearch, Qt::LeftButton);
+            QCOMPARE(f.model->webSearchEnabled(), enabled);
+        }
+    }
+
+    void doneLeaves()
+    {
+        const SettingsFixture f;
+        f.model->setShowingSettings(true);
+        shownButton(f.view, u"Done"_s)->click();
+        QVERIFY(!f.model->isShowingSettings());
     }
 };
-
-void SettingsViewTest::hasItsTextsInOrder()
-{
-    SettingsFixture f;
-    f.show();
-    const QStringList expected = {
-        u"SETTINGS"_s,
-        u"Anthropic API Key"_s,
-        u"Gemini API Key"_s,
-        u"Global Shortcut"_s,
-        u"Open Varno"_s,
-        u"Opens the window from any application."_s,
-        u"Appearance"_s,
-        u"Font Size"_s,
-        u"Theme"_s,
-        u"Cream (Classic)"_s,
-        u"Content"_s,
-        u"Claude Opus 4.8"_s,
-        u"Deepest, most thorough"_s,
-        u"Claude Sonnet 5"_s,
-        u"Smarter, more detailed"_s,
-        u"Claude Haiku 4.5"_s,
-        u"Faster, more concise"_s,
-        u"Gemini 3.6 Flash"_s,
-        u"Google's fast reasoning model"_s,
-        u"Web Search"_s,
-        u"Allows the model to search the web for more accurate, up-to-date information. Uses "
-        "additional API credits."_s,
-        u"About"_s,
-        u"Model"_s,
-        u"claude-sonnet-5"_s,
-        u"Version"_s,
-        u"1.0"_s,
-    };
-    QCOMPARE(shownTexts(f.view), expected);
-}
-
-void SettingsViewTest::savesTrimmed()
-{
-    QFETCH(const bool, isGemini);
-    KeyFixture f(isGemini);
-    f.show();
-    QVERIFY(!f.canSave());
-    QTest::keyClicks(&f.field, u"  a-key "_s);
-    f.press(u"Save Key"_s);
-    QTRY_VERIFY(f.shows(u"Saved"_s));
-    QCOMPARE(f.keychain.load(f.account), u"a-key"_s);
-    QCOMPARE(f.field.text(), QString());
-    QVERIFY(!f.field.isRevealed());
-    QVERIFY(f.shows(storedText));
-    QVERIFY(shownButton(f.row, u"Remove Key"_s));
-    QTRY_VERIFY(!f.shows(u"Saved"_s));
-}
-
-void SettingsViewTest::savesNoBlankKey()
-{
-    QFETCH(const bool, isGemini);
-    KeyFixture f(isGemini);
-    f.show();
-    QTest::keyClicks(&f.field, u"   "_s);
-    f.press(u"Save Key"_s);
-    QCOMPARE(f.field.text(), u"   "_s);
-    QVERIFY(!f.shows(u"Saved"_s));
-    QVERIFY(!f.keychain.load(f.account));
-}
-
-void SettingsViewTest::revealsAndHides()
-{
-    QFETCH(const bool, isGemini);
-    KeyFixture f(isGemini);
-    f.keychain.save(u"stored"_s, f.account);
-    f.show();
-    QTRY_VERIFY(f.shows(storedText));
-    f.press(u"Show"_s);
-    QTRY_COMPARE(f.field.text(), u"stored"_s);
-    QVERIFY(f.field.isRevealed());
-    QVERIFY(!f.shows(storedText));
-    // What is selected stays here, and what others selected comes in by the middle button.
-    QClipboard& clipboard = *QApplication::clipboard();
-    QTest::mouseDClick(&f.field, Qt::LeftButton, {}, QPoint(12, f.field.height() / 2));
-    QCOMPARE(f.field.selectedText(), u"stored"_s);
-    QTest::keyClick(&f.field, Qt::Key_Home, Qt::ShiftModifier);
-    QTest::keyClick(&f.field, Qt::Key_A, Qt::ControlModifier);
-    QCOMPARE(f.field.selectedText(), u"stored"_s);
-    QVERIFY(!clipboard.text(QClipboard::Selection).contains(u"stored"_s));
-    if (clipboard.supportsSelection()) {
-        clipboard.setText(u"from elsewhere"_s, QClipboard::Selection);
-        QTest::mouseClick(&f.field, Qt::MiddleButton);
-        QVERIFY(f.field.text().contains(u"from elsewhere"_s));
-    }
-    f.press(u"Hide"_s);
-    QCOMPARE(f.field.text(), QString());
-    QVERIFY(!f.field.isRevealed());
-    QTest::keyClick(&f.field, Qt::Key_Z, Qt::ControlModifier);
-    QCOMPARE(f.field.text(), QString()); // undoing does not bring it back
-}
-
-void SettingsViewTest::showsWhatIsTypedWhereNoKeyIsStored()
-{
-    QFETCH(const bool, isGemini);
-    KeyFixture f(isGemini);
-    f.show();
-    QTest::keyClicks(&f.field, u"typed"_s);
-    f.press(u"Show"_s);
-    QTRY_VERIFY(f.field.isRevealed());
-    QCOMPARE(f.field.text(), u"typed"_s);
-    f.press(u"Hide"_s);
-    QCOMPARE(f.field.text(), QString());
-}
-
-void SettingsViewTest::removes()
-{
-    QFETCH(const bool, isGemini);
-    KeyFixture f(isGemini);
-    f.keychain.save(u"stored"_s, f.account);
-    f.show();
-    f.press(u"Remove Key"_s);
-    QTRY_VERIFY(!shownButton(f.row, u"Remove Key"_s));
-    QVERIFY(!f.keychain.load(f.account));
-    QVERIFY(!f.shows(storedText));
-}
-
-void SettingsViewTest::forgetsKeysWhenLeft()
-{
-    QFETCH(const bool, isGemini);
-    KeyFixture f(isGemini);
-    f.keychain.save(u"stored"_s, f.account);
-    f.show();
-    f.press(u"Show"_s);
-    QTRY_VERIFY(f.field.isRevealed());
-    f.press(u"Hide"_s);
-    f.press(u"Show"_s); // on its way while the screen is left
-    f.view.reset();
-    f.view.hide();
-    f.show();
-    QTRY_VERIFY(f.shows(storedText));
-    QCOMPARE(f.field.text(), QString());
-    QVERIFY(!f.field.isRevealed());
-}
-
-void SettingsViewTest::aMaskedKeyIsReadByNobody()
-{
-    QFETCH(const bool, isGemini);
-    KeyFixture f(isGemini);
-    f.show();
-    QTest::keyClicks(&f.field, u"typed"_s);
-    QVERIFY(!accessibleText(f.field).contains(u"typed"_s));
-    QVERIFY(!f.field.displayText().contains(u"typed"_s));
-    QVERIFY(f.field.inputMethodHints() & Qt::ImhSensitiveData);
-    f.field.selectAll();
-    f.field.copy();
-    QVERIFY(!QApplication::clipboard()->text().contains(u"typed"_s));
-}
-
-void SettingsViewTest::saysWhenThereIsNoKeyStore()
-{
-    SettingsFixture without(newKeychain<UnreachableKeyStore>());
-    without.show();
-    QTRY_VERIFY(shownText(without.view, noStoreText));
-    without.view.hide();
-
-    SettingsFixture with;
-    with.show();
-    QVERIFY(!shownText(with.view, noStoreText));
-    with.view.hide();
-    const NoThreads none; // to ask it
-    with.view.show();
-    QTRY_VERIFY(shownText(with.view, noStoreText));
-}
-
-void SettingsViewTest::helpNamesTheProvidersPage()
-{
-    SettingsFixture f;
-    f.show();
-    const QList<QLabel*> help = shown<QLabel>(f.view);
-    QStringList links;
-    for (const QLabel* label : help)
-        if (label->text().contains(u"href"_s))
-            links.append(label->text());
-    QCOMPARE(links.size(), 2);
-    QVERIFY(links[0].contains(u"Anthropic bills your account for what you use. Create a key at "
-                              "<a href=\"https://"_s));
-    QVERIFY(links[1].contains(u"supply your own from <a href=\"https://"_s));
-    for (const QString& text : links)
-        QVERIFY(text.endsWith(u"</a>."_s));
-}
-
-void SettingsViewTest::choosesFontSize()
-{
-    SettingsFixture f;
-    f.show();
-    for (const auto& [name, size] :
-         {std::pair(u"Large"_s, FontSize::large), std::pair(u"Small"_s, FontSize::small)}) {
-        shownButton(f.view, name)->click();
-        QCOMPARE(f.model->fontSize(), size);
-        QStringList checked;
-        for (const QAbstractButton* button :
-             shown<QAbstractButton>(*f.view.findChild<FontSizeControl*>()))
-            if (button->isChecked())
-                checked.append(button->accessibleName());
-        QCOMPARE(checked, QStringList(name));
-    }
-}
-
-void SettingsViewTest::choosesTheme()
-{
-    SettingsFixture f;
-    f.show();
-    auto& button = *f.view.findChild<ThemeMenuButton*>();
-    button.setFocus();
-    QTest::keyClick(&button, Qt::Key_Space);
-    QTRY_VERIFY(button.findChild<QMenu*>() && button.findChild<QMenu*>()->isVisible());
-    QMenu& menu = *button.findChild<QMenu*>();
-    QStringList names;
-    QStringList marked;
-    for (const QAction* item : menu.actions()) {
-        names.append(item->text());
-        if (!item->icon().isNull())
-            marked.append(item->text());
-    }
-    QCOMPARE(names, QStringList({u"Cream (Classic)"_s, u"Warm Amber"_s, u"Dark Parchment"_s}));
-    QCOMPARE(marked, QStringList(u"Cream (Classic)"_s));
-    QTest::keyClick(&menu, Qt::Key_Up); // round to the last
-    QTest::keyClick(&menu, Qt::Key_Return);
-    QCOMPARE(f.model->theme(), AppTheme::dark);
-    QVERIFY(shownText(button, u"Dark Parchment"_s));
-}
-
-void SettingsViewTest::choosesModel()
-{
-    SettingsFixture f;
-    f.show();
-    QAbstractButton* const row = shownButton(f.view, u"Gemini 3.6 Flash"_s);
-    QCOMPARE(row->focusPolicy(), Qt::NoFocus);
-    row->click();
-    QCOMPARE(f.model->aiModel(), AIModel::geminiFlash);
-    QVERIFY(shownText(f.view, u"gemini-3.6-flash"_s));
-    QCOMPARE(shownText(f.view, u"Gemini 3.6 Flash"_s)->textStyle().role,
-             InkRole(ColorRole::accent));
-    QCOMPARE(shownText(f.view, u"Claude Sonnet 5"_s)->textStyle().role, InkRole(ColorRole::text));
-}
-
-void SettingsViewTest::switchesWebSearch()
-{
-    SettingsFixture f;
-    f.show();
-    auto& webSearch = *f.view.findChild<Switch*>();
-    QCOMPARE(webSearch.accessibleName(), u"Web Search"_s);
-    for (const bool enabled : {true, false}) {
-        QTest::mouseClick(&webSearch, Qt::LeftButton);
-        QCOMPARE(f.model->webSearchEnabled(), enabled);
-    }
-}
-
-void SettingsViewTest::doneLeaves()
-{
-    SettingsFixture f;
-    f.model->setShowingSettings(true);
-    f.show();
-    shownButton(f.view, u"Done"_s)->click();
-    QVERIFY(!f.model->isShowingSettings());
-}
 
 VARNO_TEST(QApplication, SettingsViewTest)
 #include "SettingsViewTest.moc"
