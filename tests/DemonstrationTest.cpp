@@ -1,8 +1,12 @@
+#include "core/EntryText.h"
+#include "demo/EntryLibrary.h"
+#include "demo/StandInService.h"
 #include "platform/Platform.h"
 #include "providers/KeychainService.h"
+#include "tests/ProgramFixture.h"
+#include "tests/Table.h"
 #include "tests/TestMain.h"
 
-#include <QProcess>
 #include <QRegularExpression>
 
 using namespace varno;
@@ -22,7 +26,7 @@ Run run(const QStringList& arguments,
     QProcess process;
     process.setProcessEnvironment(environment);
     process.start(QString::fromUtf8(VARNO_DEMO), arguments);
-    if (!process.waitForFinished(60000))
+    if (!process.waitForFinished(patience))
         process.kill();
     return {.status = process.exitStatus() == QProcess::NormalExit ? process.exitCode() : -1,
             .output = QString::fromUtf8(process.readAllStandardOutput()),
@@ -31,7 +35,7 @@ Run run(const QStringList& arguments,
 
 } // namespace
 
-/// The demonstration in its own process, with a real key ring.
+/// The demonstrations in processes of their own, with a real key ring, and what they play with.
 class DemonstrationTest : public QObject {
     Q_OBJECT
 
@@ -43,61 +47,58 @@ private Q_SLOTS:
         keychain.remove(keychain.geminiAccount);
     }
 
-    void shows_data()
-    {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::addColumn<QString>("pattern"); // what the output holds, in this order
-        QTest::newRow("no query") << QStringList() << u"THE HISTORY OF THE ROMAN EMPIRE.*"_s;
-        QTest::newRow("article") << QStringList({u"the history of the roman empire"_s})
-                                 << u"Claude Sonnet 5.*THE HISTORY OF THE ROMAN EMPIRE.*## .*"
-                                    "CONTENTS\n  1\\. From Republic to Empire.*SEE ALSO.*"
-                                    "→ opening the section “From Republic to Empire”.*"
-                                    "FROM REPUBLIC TO EMPIRE.*SEE ALSO.*"
-                                    "← back to “The History Of The Roman Empire”.* 0 requests.*"
-                                    "reopened, 0 requests made"_s;
-        QTest::newRow("short answer, other provider")
-            << QStringList({u" Black HOLES "_s, u"gemini"_s})
-            << u"Gemini 3.6 Flash.*BLACK HOLES.*SEE ALSO.*reopened, 0 requests made"_s;
-        QTest::newRow("definition, other model")
-            << QStringList({u"palimpsest"_s, u"claude-haiku-4-5"_s})
-            << u"Claude Haiku 4.5.*PALIMPSEST.*SEE ALSO.*reopened, 0 requests made"_s;
-        QTest::newRow("unknown topic") << QStringList({u"the invention of the \"teapot\" lid"_s})
-                                       << u"library.*reopened, 0 requests made"_s;
-    }
     void shows()
     {
-        QFETCH(QStringList, arguments);
-        QFETCH(QString, pattern);
-        const Run result = run(arguments);
-        QCOMPARE(result.errors, QString());
-        QCOMPARE(result.status, 0);
-        const QRegularExpression expected(pattern, QRegularExpression::DotMatchesEverythingOption);
-        QVERIFY2(expected.match(result.output).hasMatch(), qPrintable(result.output));
-        for (const auto hidden : {"SEE_ALSO_JSON"_L1, "entry>"_L1, "demonstration-key"_L1})
-            QVERIFY(!result.output.contains(hidden));
+        struct Row {
+            QStringList arguments;
+            QString pattern; ///< what the output holds, in this order
+        };
+        for (const auto& [arguments, pattern] :
+             {Row{{}, u"THE HISTORY OF THE ROMAN EMPIRE.*"_s},
+              Row{{u"the history of the roman empire"_s},
+                  u"Claude Sonnet 5.*THE HISTORY OF THE ROMAN EMPIRE.*## .*"
+                  "CONTENTS\n  1\\. From Republic to Empire.*SEE ALSO.*"
+                  "→ opening the section “From Republic to Empire”.*"
+                  "FROM REPUBLIC TO EMPIRE.*SEE ALSO.*"
+                  "← back to “The History Of The Roman Empire”.* 0 requests.*"
+                  "reopened, 0 requests made"_s},
+              Row{{u" Black HOLES "_s, u"gemini"_s},
+                  u"Gemini 3.6 Flash.*BLACK HOLES.*SEE ALSO.*reopened, 0 requests made"_s},
+              Row{{u"palimpsest"_s, u"claude-haiku-4-5"_s},
+                  u"Claude Haiku 4.5.*PALIMPSEST.*SEE ALSO.*reopened, 0 requests made"_s},
+              Row{{u"the invention of the \"teapot\" lid"_s},
+                  u"library.*reopened, 0 requests made"_s}}) {
+            const InRow row(arguments);
+            const Run result = run(arguments);
+            QCOMPARE(result.errors, QString());
+            QCOMPARE(result.status, 0);
+            const QRegularExpression expected(pattern,
+                                              QRegularExpression::DotMatchesEverythingOption);
+            QVERIFY2(expected.match(result.output).hasMatch(), qPrintable(result.output));
+            for (const auto hidden : {"SEE_ALSO_JSON"_L1, "entry>"_L1, "demonstration-key"_L1})
+                QVERIFY(!result.output.contains(hidden));
+            cleanup();
+        }
     }
 
-    void refuses_data()
-    {
-        QTest::addColumn<QStringList>("arguments");
-        QTest::newRow("too many") << QStringList({u"rome"_s, u"gemini"_s, u"please"_s});
-        QTest::newRow("unknown model") << QStringList({u"rome"_s, u"abacus"_s});
-    }
     void refuses()
     {
-        QFETCH(QStringList, arguments);
-        const Run result = run(arguments);
-        QCOMPARE(result.status, 2);
-        QVERIFY(result.errors.contains(u"gemini-3.6-flash"_s));
-    }
-
-    void leavesTheKeysOfAUserAlone()
-    {
         const KeychainService& keychain = KeychainService::shared();
+        for (const QStringList& arguments :
+             {QStringList({u"rome"_s, u"gemini"_s, u"please"_s}), {u"rome"_s, u"abacus"_s}}) {
+            const Run result = run(arguments);
+            QCOMPARE(result.status, 2);
+            QVERIFY(result.errors.contains(u"gemini-3.6-flash"_s));
+        }
+        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+        environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent"_s);
+        const Run withoutKeyRing = run({u"palimpsest"_s}, environment);
+        QCOMPARE(withoutKeyRing.status, 1);
+        QVERIFY(withoutKeyRing.errors.contains(u"key ring"_s));
         keychain.save(u"a user's own"_s, keychain.geminiAccount);
-        const Run result = run({u"palimpsest"_s});
-        QCOMPARE(result.status, 1);
-        QVERIFY(result.errors.contains(u"make demo"_s));
+        const Run withAUsersKey = run({u"palimpsest"_s});
+        QCOMPARE(withAUsersKey.status, 1);
+        QVERIFY(withAUsersKey.errors.contains(u"make demo"_s));
         QCOMPARE(keychain.load(keychain.geminiAccount), u"a user's own"_s);
         QVERIFY(!keychain.load(keychain.anthropicAccount));
     }
@@ -116,13 +117,49 @@ private Q_SLOTS:
         QVERIFY(!process.readAllStandardOutput().contains("CONTENTS"));
     }
 
-    void saysWhenThereIsNoKeyRing()
+    void applicationWritesAnEntry()
     {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, u"unix:path=/nonexistent"_s);
-        const Run result = run({u"palimpsest"_s}, environment);
-        QCOMPARE(result.status, 1);
-        QVERIFY(result.errors.contains(u"key ring"_s));
+        if (qEnvironmentVariableIsEmpty("DISPLAY"))
+            QSKIP("There is no X server: Xvfb and openbox are not installed");
+        XDesktop desktop;
+        RunningProgram program(desktop);
+        program.path = QString::fromUtf8(VARNO_DEMO_APPLICATION);
+        program.arguments = QStringList{u"palimpsest"_s};
+        program.set("TMPDIR", program.home()); // of its stores
+        program.unset("VARNO_DESKTOP_BUS");
+        program.busName += u".demonstration"_s;
+        QVERIFY2(program.start(), program.console());
+        QTRY_VERIFY(program.hasKeyboard());
+        QVERIFY(!program.restingPicture().isEmpty()); // all of it has come
+        desktop.type(pcKey::escape);                  // which saves it
+        QTRY_COMPARE(program.filesWith("traces of its past through the present").size(), 1);
+        QCOMPARE(program.end(), 0);
+        QVERIFY2(program.console().endsWith("Ctrl+C here ends it.\n"), program.console());
+        QCOMPARE(program.filesWith("palimpsest"), QStringList());
+    }
+
+    void libraryIsWhole()
+    {
+        const EntryLibrary library;
+        for (const auto& topic : library.topics()) {
+            const InRow row(topic.title);
+            QVERIFY(topic.definition || topic.answer || topic.article);
+            QCOMPARE(topic.article.has_value(), topic.sections.size() >= 5);
+            QList<std::optional<QString>> texts = {topic.definition, topic.answer, topic.article};
+            for (const auto& [name, text] : topic.sections)
+                texts.append(text);
+            for (const auto& text : texts)
+                QVERIFY(!text || (!cleanEntryText(*text).isEmpty() && relatedTopicsText(*text)));
+        }
+    }
+
+    void standInListensOnLoopbackOnly()
+    {
+        for (const QString& address : {u"0.0.0.0"_s, u"::"_s, u"192.168.0.1"_s,
+                                       u"127.0.0.1.example.org"_s, u"::ffff:10.0.0.1"_s, u""_s}) {
+            const InRow row(address);
+            QVERIFY(!StandInService::start({.address = address}));
+        }
     }
 };
 

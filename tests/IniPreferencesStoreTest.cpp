@@ -6,6 +6,7 @@
 #include <QDir>
 #include <QFile>
 #include <QSettings>
+#include <QSignalSpy>
 #include <QTemporaryDir>
 
 #include <sys/stat.h>
@@ -37,6 +38,13 @@ private:
         return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray("(unreadable)");
     }
 
+    /// Until all is written and told.
+    static void settle(IniPreferencesStore& store)
+    {
+        store.waitForDone();
+        QCoreApplication::sendPostedEvents();
+    }
+
     QString fileOf(const QByteArray& text)
     {
         QString path = m_folder.filePath(u"%1.conf"_s.arg(++m_number));
@@ -60,6 +68,7 @@ private Q_SLOTS:
             const InRow row(value);
             store.setStringArray(u"a"_s, value);
             QCOMPARE(store.stringArray(u"a"_s), std::optional(value));
+            settle(store);
             QCOMPARE(IniPreferencesStore(path).stringArray(u"a"_s), std::optional(value));
             QCOMPARE(store.string(u"a"_s).has_value(), value.size() == 1);
 
@@ -69,6 +78,7 @@ private Q_SLOTS:
             earlier.setValue(u"b"_s, value);
             earlier.sync();
             store.refresh();
+            settle(store);
             for (const QString& key : {u"a"_s, u"b"_s})
                 QCOMPARE(store.stringArray(key), std::optional(value));
         }
@@ -110,14 +120,17 @@ private Q_SLOTS:
         const QString path = fileOf(text);
         IniPreferencesStore store(path);
         store.setBoolean(u"a"_s, true);
+        settle(store);
         QCOMPARE(contents(path), QByteArray(text).replace("%1 ", "true"));
         store.remove(u"c"_s);
         store.remove(u"b"_s);
+        settle(store);
         QCOMPARE(contents(path),
                  text.left(text.indexOf("b =")).replace("%1 ", "true") + "\r\n\"open");
         store.remove(u"a"_s);
         store.setBoolean(u"a"_s, false);
         store.setBoolean(u"b"_s, false);
+        settle(store);
         QVERIFY(contents(path).startsWith("\xEF\xBB\xBF[General]\nb=false\na=false\n; mine"));
     }
 
@@ -162,11 +175,13 @@ private Q_SLOTS:
             IniPreferencesStore store(path);
             QVERIFY(!store.contains(u"a"_s));
             store.setString(u"b"_s, u"good"_s);
+            settle(store);
             QCOMPARE(contents(path), "[General]\nb=good\n");
             QCOMPARE(contents(target), "a=target");
             struct stat status = {};
             QCOMPARE(::lstat((name + ".damaged-1").constData(), &status), 0);
             store.removeLeftovers();
+            settle(store);
             QCOMPARE(::lstat((name + ".damaged-1").constData(), &status), staysAside ? 0 : -1);
         }
     }
@@ -176,13 +191,27 @@ private Q_SLOTS:
         const QString path = unusedPath();
         IniPreferencesStore one(path);
         IniPreferencesStore other(path);
-        one.setString(u"a"_s, u"1"_s);
-        other.setString(u"b"_s, u"2"_s);
-        one.setString(u"c"_s, u"3"_s);
-        QCOMPARE(one.string(u"b"_s), u"2"_s);
+        const auto add = [](const QString& word) {
+            return [word](const QStringList& list) { return list + QStringList(word); };
+        };
+        one.editStringArray(u"a"_s, add(u"1"_s));
+        settle(one);
+        other.editStringArray(u"a"_s, add(u"2"_s));
+        other.setString(u"b"_s, u"3"_s);
+        QCOMPARE(other.stringArray(u"a"_s), QStringList({u"2"_s})); // as far as it knows
+        settle(other);
+        QSignalSpy changed(&one, &PreferencesStore::changed);
+        one.setString(u"c"_s, u"4"_s);
         other.refresh();
-        for (const QString& key : {u"a"_s, u"b"_s, u"c"_s})
-            QVERIFY(other.contains(key));
+        settle(one);
+        QCOMPARE(changed.size(), 1);
+        other.refresh();
+        settle(other);
+        for (const IniPreferencesStore* store : {&one, &other}) {
+            QCOMPARE(store->stringArray(u"a"_s), QStringList({u"1"_s, u"2"_s}));
+            QCOMPARE(store->string(u"b"_s), u"3"_s);
+            QCOMPARE(store->string(u"c"_s), u"4"_s);
+        }
     }
 
     void whatCannotBeWrittenIsKept()
@@ -193,8 +222,11 @@ private Q_SLOTS:
         store.setString(u"long"_s, QString(IniFile::limit, u'x'));
         store.setString(u"a"_s, u"1"_s);
         QCOMPARE(store.string(u"a"_s), u"1"_s);
+        settle(store);
+        QCOMPARE(store.string(u"a"_s), u"1"_s);
         QVERIFY(QFile::remove(QFileInfo(path).path()));
         store.setString(u"b"_s, u"2"_s);
+        settle(store);
         const IniPreferencesStore again(path);
         QVERIFY(again.contains(u"a"_s) && again.contains(u"b"_s) && !again.contains(u"long"_s));
         QVERIFY(store.contains(u"long"_s));
@@ -211,6 +243,7 @@ private Q_SLOTS:
         IniPreferencesStore store(path);
         for (int i = 0; i < 2; ++i) {
             store.setString(u"a"_s, QString::number(i));
+            settle(store);
             struct stat status = {};
             QCOMPARE(::stat(QFile::encodeName(path).constData(), &status), 0);
             QCOMPARE(status.st_mode & 07777U, 0600U);

@@ -7,8 +7,8 @@
 #include "recorder/RecorderCocoa.h"
 #include "recorder/RefusalAlert.h"
 #include "tests/Table.h"
-#include "tests/XDesktop.h"
 #include "tests/TestMain.h"
+#include "tests/XDesktop.h"
 
 #include <QApplication>
 #include <QPointer>

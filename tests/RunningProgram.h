@@ -22,8 +22,9 @@ using namespace Qt::StringLiterals;
 /// machine. It is killed with this, unless it has ended before.
 class RunningProgram {
 public:
-    QString path = QString::fromUtf8(VARNO); ///< before it starts
+    QString path = QString::fromUtf8(VARNO); ///< all before it starts
     QStringList arguments;
+    QString busName = u"com.kelbrin.varno"_s;
 
     explicit RunningProgram(XDesktop& desktop, const QString& busAddress = usualBus())
         : m_desktop(desktop)
@@ -189,7 +190,7 @@ private:
     bool call(const char* method, const QVariantList& values)
     {
         QDBusMessage message = QDBusMessage::createMethodCall(
-            u"com.kelbrin.varno"_s, u"/com/kelbrin/varno"_s, u"org.freedesktop.Application"_s,
+            busName, u'/' + QString(busName).replace(u'.', u'/'), u"org.freedesktop.Application"_s,
             QLatin1StringView(method));
         message.setAutoStartService(false);
         message.setArguments(values);

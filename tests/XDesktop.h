@@ -35,6 +35,18 @@ inline constexpr quint16 altSuper = XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
 /// A client of an X server that is somebody at its keyboard, has windows of its own, and sees those
 /// of others. Nothing of it goes through the toolkit.
 class XDesktop {
+    /// The reply to a request, or null.
+    template <auto request, auto reply, typename... Arguments>
+    auto ask(Arguments... arguments) const
+    {
+        using Reply = std::remove_pointer_t<decltype(reply(nullptr, {}, nullptr))>;
+        const auto send = [&]<typename Cookie, typename... Parameters>(
+                              Cookie (*function)(xcb_connection_t*, Parameters...)) {
+            return function(m_connection, static_cast<Parameters>(arguments)...);
+        };
+        return XcbReply<Reply>(reply(m_connection, send(request), nullptr));
+    }
+
 public:
     explicit XDesktop(const QByteArray& display = qgetenv("DISPLAY"))
         : m_connection(xcb_connect(display.constData(), nullptr))
@@ -169,18 +181,16 @@ public:
     }
     [[nodiscard]] xcb_window_t focus() const
     {
-        const XcbReply<xcb_get_input_focus_reply_t> reply(
-            xcb_get_input_focus_reply(m_connection, xcb_get_input_focus(m_connection), nullptr));
+        const auto reply = ask<xcb_get_input_focus, xcb_get_input_focus_reply>();
         return reply ? reply->focus : xcb_window_t{XCB_NONE};
     }
 
     /// Where it stands on the screen.
     [[nodiscard]] QRect place(xcb_window_t window) const
     {
-        const XcbReply<xcb_get_geometry_reply_t> size(
-            xcb_get_geometry_reply(m_connection, xcb_get_geometry(m_connection, window), nullptr));
-        const XcbReply<xcb_translate_coordinates_reply_t> corner(xcb_translate_coordinates_reply(
-            m_connection, xcb_translate_coordinates(m_connection, window, root(), 0, 0), nullptr));
+        const auto size = ask<xcb_get_geometry, xcb_get_geometry_reply>(window);
+        const auto corner =
+            ask<xcb_translate_coordinates, xcb_translate_coordinates_reply>(window, root(), 0, 0);
         return size && corner ? QRect(corner->dst_x, corner->dst_y, size->width, size->height)
                               : QRect();
     }
@@ -192,13 +202,9 @@ public:
     }
     [[nodiscard]] QByteArray picture(xcb_window_t window, const QRect& part) const
     {
-        const XcbReply<xcb_get_image_reply_t> reply(xcb_get_image_reply(
-            m_connection,
-            xcb_get_image(m_connection, XCB_IMAGE_FORMAT_Z_PIXMAP, window,
-                          static_cast<qint16>(part.x()), static_cast<qint16>(part.y()),
-                          static_cast<quint16>(part.width()), static_cast<quint16>(part.height()),
-                          ~0U),
-            nullptr));
+        const auto reply =
+            ask<xcb_get_image, xcb_get_image_reply>(XCB_IMAGE_FORMAT_Z_PIXMAP, window, part.x(),
+                                                    part.y(), part.width(), part.height(), ~0U);
         return reply ? QByteArray(reinterpret_cast<const char*>(xcb_get_image_data(reply.get())),
                                   xcb_get_image_data_length(reply.get()))
                      : QByteArray();
@@ -208,9 +214,8 @@ public:
     [[nodiscard]] QList<quint32> property(xcb_window_t window, const char* name) const
     {
         constexpr quint32 most = 1024;
-        const XcbReply<xcb_get_property_reply_t> reply(xcb_get_property_reply(
-            m_connection,
-            xcb_get_property(m_connection, 0, window, atom(name), XCB_ATOM_ANY, 0, most), nullptr));
+        const auto reply = ask<xcb_get_property, xcb_get_property_reply>(0, window, atom(name),
+                                                                         XCB_ATOM_ANY, 0, most);
         if (!reply || reply->format != 32)
             return {};
         const auto* first = static_cast<const quint32*>(xcb_get_property_value(reply.get()));
@@ -219,9 +224,7 @@ public:
 
     [[nodiscard]] xcb_atom_t atom(const char* name) const
     {
-        const XcbReply<xcb_intern_atom_reply_t> reply(xcb_intern_atom_reply(
-            m_connection,
-            xcb_intern_atom(m_connection, 0, static_cast<quint16>(qstrlen(name)), name), nullptr));
+        const auto reply = ask<xcb_intern_atom, xcb_intern_atom_reply>(0, qstrlen(name), name);
         return reply ? reply->atom : xcb_atom_t{XCB_ATOM_NONE};
     }
 
@@ -248,16 +251,14 @@ private:
 
     [[nodiscard]] bool isViewable(xcb_window_t window) const
     {
-        const XcbReply<xcb_get_window_attributes_reply_t> reply(xcb_get_window_attributes_reply(
-            m_connection, xcb_get_window_attributes(m_connection, window), nullptr));
+        const auto reply = ask<xcb_get_window_attributes, xcb_get_window_attributes_reply>(window);
         return reply && reply->map_state == XCB_MAP_STATE_VIEWABLE;
     }
 
     /// Window managers put the windows of others into frames of their own.
     [[nodiscard]] xcb_window_t shownWindow(xcb_window_t above, qint64 process) const
     {
-        const XcbReply<xcb_query_tree_reply_t> tree(
-            xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, above), nullptr));
+        const auto tree = ask<xcb_query_tree, xcb_query_tree_reply>(above);
         for (int index = 0; tree && index < tree->children_len; ++index) {
             const xcb_window_t window = xcb_query_tree_children(tree.get())[index];
             if (!isViewable(window))

@@ -3,8 +3,8 @@
 #include "platform/linux/XcbKeyboard.h"
 #include "shortcuts/Shortcut.h"
 #include "tests/Table.h"
-#include "tests/XDesktop.h"
 #include "tests/TestMain.h"
+#include "tests/XDesktop.h"
 
 #include <QAbstractEventDispatcher>
 #include <QProcess>
