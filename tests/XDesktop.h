@@ -118,6 +118,14 @@ public:
         fake(XCB_BUTTON_PRESS, XCB_BUTTON_INDEX_1);
         fake(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1);
     }
+    /// Without waiting in between, so that it is one however busy the machine is.
+    void doubleClick(const QPoint& place)
+    {
+        fake(XCB_MOTION_NOTIFY, 0, place);
+        for (const quint8 type : {XCB_BUTTON_PRESS, XCB_BUTTON_RELEASE, XCB_BUTTON_PRESS})
+            send(type, XCB_BUTTON_INDEX_1);
+        fake(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1);
+    }
 
     /// Takes a combination for itself, as another program may; false if it has an owner.
     bool grab(quint8 key = pcKey::f, quint16 modifiers = pcKey::altSuper)
@@ -263,7 +271,9 @@ private:
             const xcb_window_t window = xcb_query_tree_children(tree.get())[index];
             if (!isViewable(window))
                 continue;
-            if (property(window, "_NET_WM_PID").value(0) == process)
+            // An icon in a status area may name its process as well, but has no state.
+            if (property(window, "_NET_WM_PID").value(0) == process &&
+                !property(window, "_NET_WM_STATE").isEmpty())
                 return window;
             if (const xcb_window_t below = shownWindow(window, process); below != XCB_NONE)
                 return below;
@@ -273,9 +283,13 @@ private:
 
     void fake(quint8 type, quint8 detail, const QPoint& place = {})
     {
-        finish(xcb_test_fake_input_checked(m_connection, type, detail, XCB_CURRENT_TIME, root(),
+        finish(send(type, detail, place));
+    }
+    xcb_void_cookie_t send(quint8 type, quint8 detail, const QPoint& place = {})
+    {
+        return xcb_test_fake_input_checked(m_connection, type, detail, XCB_CURRENT_TIME, root(),
                                            static_cast<qint16>(place.x()),
-                                           static_cast<qint16>(place.y()), 0));
+                                           static_cast<qint16>(place.y()), 0);
     }
 
     /// Waits until the server has done it; whether it has.

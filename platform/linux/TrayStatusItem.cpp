@@ -8,6 +8,8 @@
 #include <QDBusConnection>
 #include <QDBusConnectionInterface>
 #include <QDBusReply>
+#include <QGuiApplication>
+#include <QStyleHints>
 #include <QTimer>
 
 #include <utility>
@@ -65,13 +67,26 @@ void TrayStatusItem::create()
         return;
     m_icon = std::make_unique<QSystemTrayIcon>(m_image);
     m_icon->setToolTip(m_name);
-    // A double click comes as one of these and then as another reason.
     connect(m_icon.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::Trigger)
+                if (reason == QSystemTrayIcon::Trigger && !isSecondClick())
                     Q_EMIT activated();
             });
     m_icon->show();
+}
+
+/// Of a double click on an icon of our own, which only has a place then: the toolkit reports it as
+/// another reason, but as two single clicks when a window was shown in between.
+bool TrayStatusItem::isSecondClick()
+{
+    const int interval = QGuiApplication::styleHints()->mouseDoubleClickInterval();
+    const bool isSecond =
+        m_clicked.isValid() && !m_clicked.hasExpired(interval) && !m_icon->geometry().isEmpty();
+    if (isSecond)
+        m_clicked.invalidate();
+    else
+        m_clicked.start();
+    return isSecond;
 }
 
 bool TrayStatusItem::nativeEventFilter(const QByteArray& type, void* message, qintptr*)

@@ -4,6 +4,7 @@
 
 #include <QAbstractNativeEventFilter>
 #include <QDBusServiceWatcher>
+#include <QElapsedTimer>
 #include <QIcon>
 #include <QSystemTrayIcon>
 
@@ -25,11 +26,13 @@ public:
 
 private:
     void create();
+    [[nodiscard]] bool isSecondClick();
 
     QIcon m_image;
     QString m_name;
     QDBusServiceWatcher m_watcher;
-    quint32 m_manager = 0; ///< the atom of a host's announcement on the X server
+    quint32 m_manager = 0;   ///< the atom of a host's announcement on the X server
+    QElapsedTimer m_clicked; ///< since the first click
     std::unique_ptr<QSystemTrayIcon> m_icon;
 };
 
