@@ -1,7 +1,6 @@
 #include "platform/Files.h"
 
 #include "tests/Table.h"
-#include "tests/TestMain.h"
 
 #include <QDir>
 #include <QFile>

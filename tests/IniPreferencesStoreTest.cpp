@@ -1,7 +1,6 @@
 #include "platform/linux/IniPreferencesStore.h"
 
 #include "tests/Table.h"
-#include "tests/TestMain.h"
 
 #include <QDir>
 #include <QFile>
@@ -68,7 +67,6 @@ private Q_SLOTS:
             const InRow row(value);
             store.setStringArray(u"a"_s, value);
             QCOMPARE(store.stringArray(u"a"_s), std::optional(value));
-            settle(store);
             QCOMPARE(IniPreferencesStore(path).stringArray(u"a"_s), std::optional(value));
             QCOMPARE(store.string(u"a"_s).has_value(), value.size() == 1);
 
@@ -78,7 +76,6 @@ private Q_SLOTS:
             earlier.setValue(u"b"_s, value);
             earlier.sync();
             store.refresh();
-            settle(store);
             for (const QString& key : {u"a"_s, u"b"_s})
                 QCOMPARE(store.stringArray(key), std::optional(value));
         }
@@ -175,13 +172,11 @@ private Q_SLOTS:
             IniPreferencesStore store(path);
             QVERIFY(!store.contains(u"a"_s));
             store.setString(u"b"_s, u"good"_s);
-            settle(store);
             QCOMPARE(contents(path), "[General]\nb=good\n");
             QCOMPARE(contents(target), "a=target");
             struct stat status = {};
             QCOMPARE(::lstat((name + ".damaged-1").constData(), &status), 0);
             store.removeLeftovers();
-            settle(store);
             QCOMPARE(::lstat((name + ".damaged-1").constData(), &status), staysAside ? 0 : -1);
         }
     }

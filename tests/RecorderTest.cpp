@@ -7,7 +7,6 @@
 #include "recorder/RecorderCocoa.h"
 #include "recorder/RefusalAlert.h"
 #include "tests/Table.h"
-#include "tests/TestMain.h"
 #include "tests/XDesktop.h"
 
 #include <QApplication>

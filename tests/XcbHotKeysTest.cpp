@@ -3,7 +3,6 @@
 #include "platform/linux/XcbKeyboard.h"
 #include "shortcuts/Shortcut.h"
 #include "tests/Table.h"
-#include "tests/TestMain.h"
 #include "tests/XDesktop.h"
 
 #include <QAbstractEventDispatcher>
