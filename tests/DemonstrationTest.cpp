@@ -5,7 +5,6 @@
 #include "providers/KeychainService.h"
 #include "tests/ProgramFixture.h"
 #include "tests/Table.h"
-#include "tests/TestMain.h"
 
 #include <QRegularExpression>
 
