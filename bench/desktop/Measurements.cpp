@@ -20,15 +20,14 @@ std::optional<double> difference(const std::optional<double>& later,
 
 } // namespace
 
-Measurements::Measurements(StatusWatcher& watcher, Screen& screen,
-                           std::vector<const Installed*> programs)
-    : m_watcher(watcher)
+Measurements::Measurements(StatusHost& host, Screen& screen, std::vector<const Installed*> programs)
+    : m_host(host)
     , m_screen(screen)
     , m_programs(std::move(programs))
     , m_figures(m_programs.size())
 {
     for (const Installed* program : m_programs) {
-        RunningProgram running(*program, m_watcher);
+        RunningProgram running(*program, m_host);
         rest(settling);
         static_cast<void>(running.show(m_screen)); // caches are filled by then
     }
@@ -47,7 +46,7 @@ void Measurements::inTurns(std::size_t count, int rounds, Measure measure)
 void Measurements::measureStarts(int rounds)
 {
     inTurns(m_programs.size(), rounds, [this](const Installed& program, Figures& figures) {
-        const RunningProgram running(program, m_watcher);
+        const RunningProgram running(program, m_host);
         figures.start.add(running.startTime());
         rest(settling / 4); // before it is ended
     });
@@ -56,7 +55,7 @@ void Measurements::measureStarts(int rounds)
 void Measurements::measureShows(std::size_t count, int rounds, int laterShows)
 {
     inTurns(count, rounds, [=, this](const Installed& program, Figures& figures) {
-        const RunningProgram running(program, m_watcher);
+        const RunningProgram running(program, m_host);
         rest(settling);
         const std::optional<double> first = running.show(m_screen);
         figures.firstShow.add(first);
@@ -72,7 +71,7 @@ void Measurements::measureShows(std::size_t count, int rounds, int laterShows)
 void Measurements::measureIdling(std::size_t count, std::chrono::seconds time)
 {
     inTurns(count, 1, [=, this](const Installed& program, Figures& figures) {
-        const RunningProgram running(program, m_watcher);
+        const RunningProgram running(program, m_host);
         rest(settling);
         static_cast<void>(running.show(m_screen));
         rest(2 * settling);

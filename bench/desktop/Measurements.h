@@ -24,7 +24,7 @@ struct Figures {
 /// one place in `programs` and the same one in the figures.
 class Measurements {
 public:
-    Measurements(StatusWatcher& watcher, Screen& screen, std::vector<const Installed*> programs);
+    Measurements(StatusHost& host, Screen& screen, std::vector<const Installed*> programs);
 
     /// Starts all of them in every round, beginning with another one each time.
     void measureStarts(int rounds);
@@ -38,7 +38,7 @@ private:
     template <typename Measure>
     void inTurns(std::size_t count, int rounds, Measure measure);
 
-    StatusWatcher& m_watcher;
+    StatusHost& m_host;
     Screen& m_screen;
     std::vector<const Installed*> m_programs;
     std::vector<Figures> m_figures;

@@ -13,7 +13,7 @@ namespace {
 using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
-constexpr std::chrono::milliseconds patience = 3s;
+constexpr std::chrono::milliseconds longest = 3s;
 constexpr std::chrono::milliseconds quiet = 400ms; // until what a key did has come to its end
 
 QProcessEnvironment environment(const QString& home)
@@ -45,24 +45,30 @@ Installed::Installed(Program program)
         m_program.furnish(home());
 }
 
-RunningProgram::RunningProgram(const Installed& installed, StatusWatcher& watcher)
+RunningProgram::RunningProgram(const Installed& installed, StatusHost& host)
     : m_program(installed.program())
     , m_process(std::make_unique<QProcess>())
 {
     m_process->setProcessEnvironment(environment(installed.home()));
     m_process->setProcessChannelMode(QProcess::MergedChannels);
     m_process->setStandardOutputFile(QProcess::nullDevice());
-    watcher.reset();
-    const Clock::time_point begin = Clock::now();
+    QEventLoop loop;
+    Clock::time_point begin;
+    host.onItem = [&] {
+        m_startTime = seconds(Clock::now() - begin);
+        loop.quit();
+    };
+    QTimer::singleShot(longest, &loop, &QEventLoop::quit);
+    begin = Clock::now();
     m_process->start(m_program.path, m_program.arguments);
-    if (const auto end = watcher.waitForItem(patience))
-        m_startTime = seconds(*end - begin);
+    loop.exec();
+    host.onItem = [] {};
 }
 
 RunningProgram::~RunningProgram()
 {
     m_process->terminate();
-    if (!m_process->waitForFinished(static_cast<int>(patience.count())))
+    if (!m_process->waitForFinished(static_cast<int>(longest.count())))
         m_process->kill();
     m_process->waitForFinished();
 }
@@ -74,14 +80,14 @@ qint64 RunningProgram::process() const
 
 std::optional<double> RunningProgram::show(Screen& screen) const
 {
-    if (!screen.waitForBackdrop(patience))
+    if (!screen.waitForColors(0, longest))
         return std::nullopt;
     const Screen::Times times = screen.strike();
-    const auto painted = screen.waitForColors(m_program.colors, patience);
+    const auto painted = screen.waitForColors(m_program.colors, longest);
     screen.liftModifiers();
     rest(quiet);
     static_cast<void>(screen.strike());
-    const bool hidden = screen.waitForBackdrop(patience);
+    const auto hidden = screen.waitForColors(0, longest);
     screen.liftModifiers();
     rest(quiet);
     if (!painted || !hidden)

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "bench/desktop/Screen.h"
-#include "bench/desktop/StatusWatcher.h"
+#include "tests/StatusHost.h"
 
 #include <QString>
 #include <QStringList>
@@ -45,7 +45,7 @@ private:
 /// A start of it, from the moment that the system is told to. Ends with this object.
 class RunningProgram {
 public:
-    RunningProgram(const Installed& installed, StatusWatcher& watcher);
+    RunningProgram(const Installed& installed, StatusHost& host);
     ~RunningProgram();
     Q_DISABLE_COPY_MOVE(RunningProgram)
 

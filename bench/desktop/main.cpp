@@ -10,6 +10,7 @@
 #include <QStandardPaths>
 
 #include <cstdio>
+#include <tuple>
 
 // Measures the whole program on a desktop, beside a bare program of its kind and beside another one
 // that people use. Wants a session bus and an X server that nobody else works with.
@@ -50,9 +51,8 @@ Program varnoWithHistory(const QString& path)
 
 Program bareTray(const QString& path)
 {
-    return {
-        .path = path,
-        .arguments = {QString::number(Combination::f), QString::number(Combination::modifiers)}};
+    return {.path = path,
+            .arguments = {QString::number(pcKey::f), QString::number(pcKey::altSuper)}};
 }
 
 /// Its shortcuts are commands of its own, in a file.
@@ -78,115 +78,67 @@ Program copyQ()
             .furnish = writeCopyQCommands};
 }
 
-std::vector<Line> startLines(const Figures& ours, const Figures& full, const Figures& bare,
-                             const Figures& copyQ)
+/// One line: a figure of ours beside the same one of a reference.
+Line line(const char* name, Unit unit, Samples Figures::*figure, const Figures& ours,
+          const Figures& reference, std::optional<double> mostRatio = {},
+          std::optional<double> most = {})
 {
-    return {{.name = "start until its icon is known, against a bare one",
-             .ours = ours.start.median(),
-             .reference = bare.start.median(),
-             .mostRatio = 1.2},
-            {.name = "the same, against CopyQ",
-             .ours = ours.start.median(),
-             .reference = copyQ.start.median(),
-             .mostRatio = 0.65},
-            {.name = "the same with a history of 4 MB, against none",
-             .ours = full.start.median(),
-             .reference = ours.start.median(),
-             .mostRatio = 1.1}};
+    return {.name = name,
+            .unit = unit,
+            .ours = (ours.*figure).median(),
+            .reference = (reference.*figure).median(),
+            .mostRatio = mostRatio,
+            .most = most};
 }
 
-std::vector<Line> memoryLines(const Figures& ours, const Figures& bare, const Figures& copyQ)
+std::vector<Line> table(const std::vector<Figures>& figures)
 {
-    return {{.name = "memory, shown and hidden, against a bare one",
-             .unit = Unit::bytes,
-             .ours = ours.residentSize.median(),
-             .reference = bare.residentSize.median(),
-             .mostRatio = 1.5},
-            {.name = "the same, against CopyQ",
-             .unit = Unit::bytes,
-             .ours = ours.residentSize.median(),
-             .reference = copyQ.residentSize.median(),
-             .mostRatio = 0.45},
-            {.name = "its share of it, against a bare one",
-             .unit = Unit::bytes,
-             .ours = ours.proportionalSize.median(),
-             .reference = bare.proportionalSize.median()},
-            {.name = "the same, against CopyQ",
-             .unit = Unit::bytes,
-             .ours = ours.proportionalSize.median(),
-             .reference = copyQ.proportionalSize.median()}};
-}
-
-std::vector<Line> showLines(const Figures& ours, const Figures& bare, const Figures& copyQ)
-{
-    return {{.name = "key until painted, first time, against a bare one",
-             .ours = ours.firstShow.median(),
-             .reference = bare.firstShow.median(),
-             .mostRatio = 1.6},
-            {.name = "the same, against CopyQ",
-             .ours = ours.firstShow.median(),
-             .reference = copyQ.firstShow.median()},
-            {.name = "key until painted, later, against a bare one",
-             .ours = ours.laterShow.median(),
-             .reference = bare.laterShow.median(),
-             .mostRatio = 1.2},
-            {.name = "the same, against CopyQ",
-             .ours = ours.laterShow.median(),
-             .reference = copyQ.laterShow.median()}};
-}
-
-std::vector<Line> idleLines(const Figures& ours, const Figures& copyQ)
-{
-    return {{.name = "hidden for 20 s: processor time in ticks; CopyQ",
-             .unit = Unit::number,
-             .ours = ours.idleTicks.median(),
-             .reference = copyQ.idleTicks.median(),
-             .most = 0},
-            {.name = "the same: wake-ups a second; CopyQ",
-             .unit = Unit::number,
-             .ours = ours.idleSwitches.median(),
-             .reference = copyQ.idleSwitches.median(),
-             .most = 1},
-            {.name = "the same: threads that wait with a timer; CopyQ",
-             .unit = Unit::number,
-             .ours = ours.timedWaits.median(),
-             .reference = copyQ.timedWaits.median(),
-             .most = 0}};
-}
-
-template <typename... Parts>
-std::vector<Line> joined(Parts... parts)
-{
-    std::vector<Line> all;
-    (all.insert(all.end(), parts.begin(), parts.end()), ...);
-    return all;
+    const auto& [ours, bare, copyQ, full] =
+        std::tie(figures[0], figures[1], figures[2], figures[3]);
+    using F = Figures;
+    constexpr Unit time = Unit::seconds;
+    constexpr Unit size = Unit::bytes;
+    constexpr Unit number = Unit::number;
+    const std::optional<double> none;
+    return {
+        line("start until its icon is known, against a bare one", time, &F::start, ours, bare, 1.2),
+        line("the same, against CopyQ", time, &F::start, ours, copyQ, 0.65),
+        line("the same with a history of 4 MB, against none", time, &F::start, full, ours, 1.1),
+        line("memory, shown and hidden, against a bare one", size, &F::residentSize, ours, bare,
+             1.5),
+        line("the same, against CopyQ", size, &F::residentSize, ours, copyQ, 0.45),
+        line("its share of it, against a bare one", size, &F::proportionalSize, ours, bare),
+        line("the same, against CopyQ", size, &F::proportionalSize, ours, copyQ),
+        line("key until painted, first time, against a bare one", time, &F::firstShow, ours, bare,
+             1.6),
+        line("the same, against CopyQ", time, &F::firstShow, ours, copyQ),
+        line("key until painted, later, against a bare one", time, &F::laterShow, ours, bare, 1.2),
+        line("the same, against CopyQ", time, &F::laterShow, ours, copyQ),
+        line("hidden for 20 s: processor time in ticks; CopyQ", number, &F::idleTicks, ours, copyQ,
+             none, 0),
+        line("the same: wake-ups a second; CopyQ", number, &F::idleSwitches, ours, copyQ, none, 1),
+        line("the same: threads that wait with a timer; CopyQ", number, &F::timedWaits, ours, copyQ,
+             none, 0)};
 }
 
 int run(const QString& varnoPath, const QString& barePath, int rounds)
 {
-    StatusWatcher watcher;
-    Screen screen;
-    if (!watcher.isHostRegistered() || !screen.isUsable()) {
-        std::fputs("varno-desktop-bench: needs a session bus without a status area, and an X server"
-                   " of 24 bits with XTEST\n",
-                   stderr);
+    StatusHost host;
+    if (!host.isRegistered()) {
+        std::fputs("varno-desktop-bench: needs a session bus without a status area\n", stderr);
         return 2;
     }
+    Screen screen;
     const Installed ours(varno(varnoPath));
     const Installed bare(bareTray(barePath));
     const Installed other(copyQ());
     const Installed full(varnoWithHistory(varnoPath));
-    Measurements measurements(watcher, screen, {&ours, &bare, &other, &full});
+    Measurements measurements(host, screen, {&ours, &bare, &other, &full});
     constexpr std::size_t shown = 3; // all but the one with the history
     measurements.measureStarts(rounds);
     measurements.measureShows(shown, rounds, laterShows);
     measurements.measureIdling(shown, idleTime);
-    const std::vector<Figures>& figures = measurements.figures();
-    const bool met = print(joined(startLines(figures[0], figures[3], figures[1], figures[2]),
-                                  memoryLines(figures[0], figures[1], figures[2]),
-                                  showLines(figures[0], figures[1], figures[2]),
-                                  idleLines(figures[0], figures[2])));
-    return met ? 0 : 1;
+    return print(table(measurements.figures())) ? 0 : 1;
 }
 
 } // namespace
