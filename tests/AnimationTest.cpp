@@ -4,6 +4,7 @@
 #include "platform/fake/FakeAnimationSetting.h"
 #include "platform/linux/PortalAnimationSetting.h"
 #include "tests/Table.h"
+#include "tests/TestMain.h"
 
 #include <QDBusConnection>
 #include <QDBusMetaType>

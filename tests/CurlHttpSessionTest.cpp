@@ -3,6 +3,7 @@
 #include "demo/StandInService.h"
 #include "tests/ScriptedServer.h"
 #include "tests/Table.h"
+#include "tests/TestMain.h"
 
 #include <QSet>
 

@@ -5,6 +5,7 @@
 #include "providers/KeychainService.h"
 #include "tests/ProgramFixture.h"
 #include "tests/Table.h"
+#include "tests/TestMain.h"
 
 #include <QRegularExpression>
 

@@ -1,6 +1,7 @@
 #include "platform/Files.h"
 
 #include "tests/Table.h"
+#include "tests/TestMain.h"
 
 #include <QDir>
 #include <QFile>

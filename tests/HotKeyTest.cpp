@@ -105,14 +105,12 @@ private Q_SLOTS:
     void eventsOfOthers()
     {
         m_shortcuts->onKeyDown(open(), calls(u"down"_s));
-        constexpr quint32 signature = 0x53534B53;
-        const HotKeyIdentity ours{.signature = signature, .id = 1};
+        constexpr HotKeyIdentity ours{.signature = 0x53534B53, .id = 1};
         for (const auto& [event, answer] :
              {std::pair(HotKeyEvent{.kind = pressed, .parameterStatus = -9870, .identity = ours},
                         -9870), // unreadable
-              std::pair(HotKeyEvent{.kind = pressed, .identity = {signature + 1, 1}}, -9874),
-              std::pair(HotKeyEvent{.kind = pressed, .identity = {signature, 2}}, -9874),
-              std::pair(HotKeyEvent{.kind = 7, .identity = ours}, -9874),
+              std::pair(HotKeyEvent{.kind = pressed, .identity = {0x53534B54, 1}}, -9874),
+              std::pair(HotKeyEvent{.kind = pressed, .identity = {0x53534B53, 2}}, -9874),
               std::pair(HotKeyEvent{.kind = 1, .identity = ours}, -9874)}) { // as a key's
             const InRow row(event.kind, event.identity.signature, event.identity.id);
             QCOMPARE(m_events.send(event), std::optional(answer));
@@ -122,32 +120,23 @@ private Q_SLOTS:
 
     void keyboardEventsOfOldSystems()
     {
-        const auto mac = [](int major, int minor) {
-            return QOperatingSystemVersion(QOperatingSystemVersion::MacOS, major, minor);
+        const auto send = [this](int major, quint32 kind, int modifiers) {
+            HotKeyCenter center(m_events, {QOperatingSystemVersion::MacOS, major, 6});
+            if (!center.add(controlJ, {.keyDown = calls(u"down"_s), .keyUp = calls(u"up"_s)}))
+                qFatal("Refused");
+            return m_events.send({.eventClass = HotKeyEventClass::keyboard,
+                                  .kind = kind,
+                                  .carbonKeyCode = controlJ.carbonKeyCode(),
+                                  .carbonModifiers = modifiers});
         };
-        const HotKeyEvent down{.eventClass = HotKeyEventClass::keyboard,
-                               .kind = 1,
-                               .carbonKeyCode = controlJ.carbonKeyCode(),
-                               .carbonModifiers = controlJ.carbonModifiers()};
-        for (const QOperatingSystemVersion& system :
-             {mac(14, 0), QOperatingSystemVersion(QOperatingSystemVersion::current())}) {
-            HotKeyCenter center(m_events, system);
-            QVERIFY(center.add(controlJ, {}));
-            QCOMPARE(m_events.send(down), std::nullopt);
-        }
-        HotKeyCenter center(m_events, mac(13, 6));
-        QVERIFY(center.add(controlJ, {.keyDown = calls(u"down"_s), .keyUp = calls(u"up"_s)}));
-        QCOMPARE(m_events.send(down), std::optional(0));
-        HotKeyEvent event = down;
-        event.kind = 3;
-        QCOMPARE(m_events.send(event), std::optional(0));
-        QCOMPARE(takeCalls(), QStringList({u"down"_s, u"up"_s}));
-        event.kind = 2;
-        QCOMPARE(m_events.send(event), std::optional(-9874));
-        event = down;
-        event.carbonModifiers = 0;
-        QCOMPARE(m_events.send(event), std::optional(-9874));
+        const int control = controlJ.carbonModifiers();
+        QCOMPARE(send(14, 1, control), std::nullopt);
+        QCOMPARE(send(13, 2, control), std::optional(-9874));
+        QCOMPARE(send(13, 1, 0), std::optional(-9874));
         QVERIFY(m_calls.isEmpty());
+        QCOMPARE(send(13, 1, control), std::optional(0));
+        QCOMPARE(send(13, 3, control), std::optional(0));
+        QCOMPARE(takeCalls(), QStringList({u"down"_s, u"up"_s}));
     }
 
     void changedShortcutIsLiveAtOnce()
@@ -171,9 +160,8 @@ private Q_SLOTS:
         m_shortcuts->onKeyUp(other(), calls(u"other"_s));
         QCOMPARE(m_events.registered.size(), 1U);
         send(controlJ);
-        QStringList both = takeCalls();
-        both.sort();
-        QCOMPARE(both, QStringList({u"one"_s, u"other"_s}));
+        QCOMPARE(QSet<QString>(m_calls.begin(), m_calls.end()), QSet({u"one"_s, u"other"_s}));
+        QCOMPARE(takeCalls().size(), 2);
         m_shortcuts->removeHandler(one);
         send(controlJ);
         QCOMPARE(takeCalls(), QStringList{u"other"_s});
@@ -193,7 +181,6 @@ private Q_SLOTS:
         m_shortcuts->enable({name});
         QVERIFY(m_shortcuts->isEnabled(name));
         QVERIFY(send(optionCommandF));
-        QCOMPARE(takeCalls(), QStringList{u"up"_s});
     }
 
     void pausing()
