@@ -38,13 +38,15 @@ void Demonstration::start(const QString& query)
 {
     m_query = query;
     m_model.search(query);
-    startPage();
 }
 
 void Demonstration::onChanged()
 {
-    if (m_step == Step::done)
+    const bool isReadingHistory = !m_model.currentPage();
+    if (m_step == Step::done || isReadingHistory)
         return;
+    if (m_shown < 0)
+        startPage();
     showText();
     if (!m_model.isStreaming() && !m_model.tocIsLoading())
         finishPage();

@@ -39,7 +39,7 @@ private:
     QTextStream& m_terminal;
     QString m_query;
     Step m_step = Step::writingEntry;
-    qsizetype m_shown = 0; ///< characters of the page's text that stand on the terminal
+    qsizetype m_shown = -1; ///< characters on the terminal; negative before the page
 };
 
 } // namespace varno
