@@ -21,8 +21,6 @@ Screen::Screen()
     xcb_connection_t* server = m_desktop.connection();
     xcb_change_window_attributes(server, m_desktop.root(), XCB_CW_BACK_PIXEL, &backdrop);
     xcb_clear_area(server, 0, m_desktop.root(), 0, 0, 0, 0);
-    const auto x = static_cast<qint16>(m_desktop.screen().width_in_pixels / 2);
-    xcb_warp_pointer(server, XCB_NONE, m_desktop.root(), 0, 0, 0, 0, x, x); // some open beside it
     xcb_flush(server);
 }
 
