@@ -64,22 +64,13 @@ private Q_SLOTS:
 
     void animationRestsWhileHidden()
     {
-        using Action = void (*)(QWidget&);
-        struct Row {
-            const char* name;
-            Action hide;
-            Action show;
-        };
-        for (const auto& [name, hide, show] :
-             {Row{"itself", [](QWidget& w) { w.hide(); }, [](QWidget& w) { w.show(); }},
-              Row{"ancestor", [](QWidget& w) { w.parentWidget()->hide(); },
-                  [](QWidget& w) { w.parentWidget()->show(); }},
-              Row{"minimised", [](QWidget& w) { w.window()->showMinimized(); },
-                  [](QWidget& w) { w.window()->showNormal(); }}}) {
-            const InRow row(name);
+        for (const auto& [level, isMinimised] :
+             {std::pair(0, false), std::pair(1, false), std::pair(2, true)}) {
+            const InRow row(level);
             QWidget window;
             QWidget parent(&window);
             QWidget widget(&parent);
+            QWidget& hidden = *std::array{&widget, &parent, &window}[level];
             int calls = 0;
             Animation animation(
                 widget, [&](double) { ++calls; }, m_setting);
@@ -88,13 +79,13 @@ private Q_SLOTS:
             QVERIFY(!animation.isMoving());
             window.show();
             QTRY_VERIFY(calls > 10);
-            hide(widget);
+            isMinimised ? hidden.showMinimized() : hidden.hide();
             QTRY_VERIFY(!animation.isMoving());
             QVERIFY(animation.isActive());
             const int before = calls;
             QTest::qWait(60); // a mistake would show as calls
             QCOMPARE(calls, before);
-            show(widget);
+            isMinimised ? hidden.showNormal() : hidden.show();
             QTRY_VERIFY(calls > before + 5);
         }
     }

@@ -7,17 +7,14 @@
 
 namespace varno {
 
-template <typename Store>
-struct TestKeychain {
-    Store store;
-    KeychainService service{store};
-};
-
 /// Empty, and there until the process exits.
-template <typename Store = FakeKeyStore>
-KeychainService& newKeychain()
+inline KeychainService& newKeychain()
 {
-    static std::deque<TestKeychain<Store>> all;
+    struct Keychain {
+        FakeKeyStore store;
+        KeychainService service{store};
+    };
+    static std::deque<Keychain> all;
     return all.emplace_back().service;
 }
 

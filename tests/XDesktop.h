@@ -122,7 +122,8 @@ public:
     void doubleClick(const QPoint& place)
     {
         fake(XCB_MOTION_NOTIFY, 0, place);
-        for (const quint8 type : {XCB_BUTTON_PRESS, XCB_BUTTON_RELEASE, XCB_BUTTON_PRESS})
+        using Types = std::initializer_list<quint8>;
+        for (const quint8 type : Types{XCB_BUTTON_PRESS, XCB_BUTTON_RELEASE, XCB_BUTTON_PRESS})
             send(type, XCB_BUTTON_INDEX_1);
         fake(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1);
     }
