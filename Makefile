@@ -2,7 +2,7 @@
 #     make demo [QUERY="the history of the roman empire" [MODEL=claude-opus-4-8]]
 #     make demo SHOTS=folder      pictures of the panel instead, in every state and theme
 #     make run                    the application itself, with your own keys
-#     make test      make lint      make bench      make fuzz [SECONDS=60]
+#     make test      make lint [ALL=1]      make bench      make fuzz [SECONDS=60]
 #     make bench-desktop      make instructions
 
 QUERY ?=
@@ -51,7 +51,7 @@ test:
 
 lint:
 	@scripts/setup build test lint
-	scripts/lint
+	scripts/lint $(if $(ALL),--all)
 
 bench:
 	@scripts/setup build bench

@@ -29,9 +29,10 @@ void KeychainTasks::end()
 void KeychainTasks::askPresence(const QString& account, QObject* context, OnPresence onPresence)
 {
     const auto tell = teller<KeyPresence>(context, std::move(onPresence));
-    if (!m_questions.start([this, account, tell](const std::stop_token& stop) {
-            tell(m_keychain.presence(account, stop));
-        }))
+    const auto ask = [this, account, tell](const std::stop_token& stop) {
+        tell(m_keychain.presence(account, stop));
+    };
+    if (!m_questions.start(ask))
         tell(KeyPresence::unreachable);
 }
 
@@ -39,14 +40,14 @@ void KeychainTasks::load(const QString& account, std::stop_token stop, QObject* 
                          OnKey onKey)
 {
     const auto tell = teller<std::optional<QString>>(context, std::move(onKey));
-    if (!m_questions.start([this, account, asked = std::move(stop), tell](
-                               const std::stop_token& end) { // whichever of the two comes first
-            std::stop_source either;
-            const auto pass = [&either] { either.request_stop(); };
-            const std::stop_callback onAsked(asked, pass);
-            const std::stop_callback onEnd(end, pass);
-            tell(m_keychain.load(account, either.get_token()));
-        }))
+    const auto ask = [this, account, stop = std::move(stop), tell](const std::stop_token& end) {
+        std::stop_source either;
+        const auto pass = [&either] { either.request_stop(); };
+        const std::stop_callback stopped(stop, pass);
+        const std::stop_callback ended(end, pass);
+        tell(m_keychain.load(account, either.get_token()));
+    };
+    if (!m_questions.start(ask))
         tell(std::nullopt);
 }
 
@@ -70,8 +71,8 @@ void KeychainTasks::remove(const QString& account, QObject* context, OnPresence 
 }
 
 template <typename Answer>
-std::function<void(const Answer&)>
-KeychainTasks::teller(QObject* context, std::function<void(Answer)> onAnswer) const
+std::function<void(const Answer&)> KeychainTasks::teller(QObject* context,
+                                                         std::function<void(Answer)> onAnswer) const
 {
     return [address = m_inbox.address(), asked = QPointer<QObject>(context),
             onAnswer = std::move(onAnswer)](const Answer& answer) {

@@ -4,7 +4,9 @@
 #include "core/SessionCodec.h"
 #include "platform/Files.h"
 #include "platform/fake/FakePreferencesStore.h"
+#include "platform/linux/IniPreferencesStore.h"
 
+#include <QCoreApplication>
 #include <QElapsedTimer>
 #include <QTemporaryDir>
 
@@ -15,6 +17,7 @@ using namespace Qt::StringLiterals;
 
 constexpr int startCount = 10;
 constexpr int saveCount = 5;
+constexpr int operationCount = 20;
 
 /// Never asked.
 class SilentService final : public ModelService {
@@ -40,6 +43,42 @@ void timeIteration(benchmark::State& state, Work work)
     state.SetIterationTime(static_cast<double>(timer.nsecsElapsed()) * 1e-9);
 }
 
+/// A controller on real files, with a history of 4 MB.
+class Files {
+public:
+    Files()
+    {
+        if (!writeFileAtomically(path(), encodeSessions(historySample())))
+            qFatal("the history cannot be written");
+    }
+
+    [[nodiscard]] QString path() const { return m_folder.filePath(u"history.json"_s); }
+
+    void readHistory()
+    {
+        history.read();
+        while (!history.isRead())
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+    }
+
+    /// Until the background is idle, and has told what it did.
+    void settle()
+    {
+        history.waitForDone();
+        preferences.waitForDone();
+        QCoreApplication::sendPostedEvents();
+    }
+
+private:
+    QTemporaryDir m_folder;
+    SilentService m_service;
+
+public:
+    HistoryStore history{path()};
+    IniPreferencesStore preferences{m_folder.filePath(u"Varno.conf"_s)};
+    AppViewModel model{{preferences, history, m_service, m_service}};
+};
+
 void start(benchmark::State& state, const QString& path)
 {
     FakePreferencesStore preferences;
@@ -50,6 +89,7 @@ void start(benchmark::State& state, const QString& path)
         timeIteration(state, [&] {
             model = std::make_unique<AppViewModel>(
                 AppViewModel::Dependencies{preferences, history, service, service});
+            history.read();
         });
         history.waitForDone();
     }
@@ -57,11 +97,7 @@ void start(benchmark::State& state, const QString& path)
 
 void startWithFile(benchmark::State& state)
 {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(u"history.json"_s);
-    if (!writeFileAtomically(path, encodeSessions(historySample())))
-        state.SkipWithError("the history cannot be written");
-    start(state, path);
+    start(state, Files().path());
 }
 
 void startWithoutFile(benchmark::State& state)
@@ -70,17 +106,60 @@ void startWithoutFile(benchmark::State& state)
     start(state, folder.filePath(u"history.json"_s));
 }
 
+/// What an operation costs the main thread.
+template <typename Operation>
+void operate(benchmark::State& state, Operation operation)
+{
+    Files files;
+    files.readHistory();
+    int number = 0;
+    for ([[maybe_unused]] auto iteration : state) {
+        timeIteration(state, [&] { operation(files.model, ++number); });
+        files.settle();
+    }
+}
+
+void search(benchmark::State& state)
+{
+    operate(state,
+            [](AppViewModel& model, int number) { model.search(u"query %1"_s.arg(number)); });
+}
+
+void switchTheme(benchmark::State& state)
+{
+    operate(state, [](AppViewModel& model, int number) {
+        model.setTheme(number % 2 ? AppTheme::dark : AppTheme::cream);
+    });
+}
+
+void switchFontSize(benchmark::State& state)
+{
+    operate(state, [](AppViewModel& model, int number) {
+        model.setFontSize(number % 2 ? FontSize::large : FontSize::small);
+    });
+}
+
+void switchModel(benchmark::State& state)
+{
+    operate(state, [](AppViewModel& model, int number) {
+        model.setAIModel(number % 2 ? AIModel::haiku : AIModel::sonnet);
+    });
+}
+
+void switchWebSearch(benchmark::State& state)
+{
+    operate(state,
+            [](AppViewModel& model, int number) { model.setWebSearchEnabled(number % 2 == 1); });
+}
+
 void saveInBackground(benchmark::State& state)
 {
-    const QTemporaryDir folder;
-    const QString path = folder.filePath(u"history.json"_s);
-    if (!writeFileAtomically(path, encodeSessions(historySample())))
-        state.SkipWithError("the history cannot be written");
-    HistoryStore history(path);
-    const Session session = history.sessions().sessions().constLast();
+    Files files;
+    files.readHistory();
+    const Session session = files.history.sessions().sessions().constLast();
     for ([[maybe_unused]] auto iteration : state) {
-        timeIteration(state, [&] { history.put(session); });
-        history.waitForDone();
+        timeIteration(state, [&] { files.history.put(session); });
+        files.settle();
     }
 }
 
@@ -101,27 +180,32 @@ void saveOnTheSpot(benchmark::State& state)
 
 void addStart(Table& table)
 {
-    benchmark::RegisterBenchmark("start/with-file", startWithFile)
-        ->UseManualTime()
-        ->Iterations(startCount);
-    benchmark::RegisterBenchmark("start/without-file", startWithoutFile)
-        ->UseManualTime()
-        ->Iterations(startCount);
-    benchmark::RegisterBenchmark("save/background", saveInBackground)
-        ->UseManualTime()
-        ->Iterations(saveCount);
-    benchmark::RegisterBenchmark("save/on-the-spot", saveOnTheSpot)
-        ->UseManualTime()
-        ->Iterations(saveCount);
+    const auto add = [](const char* name, void (*run)(benchmark::State&), int count) {
+        benchmark::RegisterBenchmark(name, run)->UseManualTime()->Iterations(count);
+    };
+    add("start/with-file", startWithFile, startCount);
+    add("start/without-file", startWithoutFile, startCount);
+    add("save/background", saveInBackground, saveCount);
+    add("save/on-the-spot", saveOnTheSpot, saveCount);
 
     table.add({.name = "main thread: start with that history, against none",
-               .measure = Measure::time,
                .ours = "start/with-file",
                .reference = "start/without-file"});
     table.add({.name = "main thread: one save, against saving on the spot",
-               .measure = Measure::time,
                .ours = "save/background",
                .reference = "save/on-the-spot"});
+
+    using Operation = std::pair<const char*, void (*)(benchmark::State&)>;
+    for (const auto& [name, run] :
+         {Operation("search", search), Operation("setTheme", switchTheme),
+          Operation("setFontSize", switchFontSize), Operation("setAIModel", switchModel),
+          Operation("setWebSearchEnabled", switchWebSearch)}) {
+        const std::string benchmark = std::string("operation/") + name;
+        add(benchmark.c_str(), run, operationCount);
+        table.add({.name = std::string("main thread: ") + name + ", with its files",
+                   .ours = benchmark,
+                   .longest = 1e-3}); // a sixteenth of a frame
+    }
 }
 
 } // namespace varno::bench

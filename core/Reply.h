@@ -8,9 +8,9 @@
 
 namespace varno {
 
-/// What is delivered to a class like EntryStream from another thread, up to its one outcome. Nothing
-/// is delivered from within the call that sends it, after the outcome, or after the end of the
-/// reply.
+/// What is delivered to a class like EntryStream from another thread, up to its one outcome.
+/// Nothing is delivered from within the call that sends it, after the outcome, or after the end of
+/// the reply.
 template <typename Outcome>
 class Reply {
 public:

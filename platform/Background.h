@@ -42,8 +42,8 @@ private:
 };
 
 /// Tasks that run one after the other, in the order in which they were added. There is a thread
-/// while there are tasks, which gives way to those that the user waits for; where none is to be had they run on the spot. Its end finishes what was
-/// added. Any thread, but for the end.
+/// while there are tasks, which gives way to those that the user waits for; where none is to be had
+/// they run on the spot. Its end finishes what was added. Any thread, but for the end.
 class Lane {
 public:
     Lane() = default;

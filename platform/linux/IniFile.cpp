@@ -43,8 +43,8 @@ void IniFile::change(const QByteArray& key, const Edit& edit)
     const FolderLock lock(m_folder, lockPatience);
     refresh();
     const auto unwritten = m_unwritten.constFind(key);
-    m_unwritten.insert(key, edit(unwritten == m_unwritten.cend() ? iniValue(m_text, key)
-                                                                 : unwritten.value()));
+    m_unwritten.insert(
+        key, edit(unwritten == m_unwritten.cend() ? iniValue(m_text, key) : unwritten.value()));
     write();
 }
 
