@@ -13,14 +13,14 @@ class AppearanceTest : public QObject {
 private Q_SLOTS:
     void colorFromText()
     {
-        struct Row {
-            QStringView text;
-            RgbColor color;
-        };
         constexpr RgbColor brown = {44, 24, 16};
         for (const auto& [text, color] :
-             {Row{u"2C1810", brown}, Row{u" #2c1810 \n", brown}, Row{u"FF2C1810", brown},
-              Row{u"2C18ZZ", {}}, Row{u"112C1810112C1810112C1810", {}}, Row{u"##", {}}}) {
+             Rows<QStringView, RgbColor>{{u"2C1810", brown},
+                                         {u" #2c1810 \n", brown},
+                                         {u"FF2C1810", brown},
+                                         {u"2C18ZZ", {}},
+                                         {u"112C1810112C1810112C1810", {}},
+                                         {u"##", {}}}) {
             const InRow row(text);
             QCOMPARE(hex(text), color);
         }

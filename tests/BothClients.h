@@ -14,6 +14,8 @@
 
 namespace varno {
 
+using namespace Qt::StringLiterals;
+
 /// What became of a stream.
 struct Received {
     QStringList pieces;
@@ -30,7 +32,7 @@ Outcome outcomeOf(const Source& source)
     QObject::connect(source.get(), &Source::element_type::finished, source.get(),
                      [&](const Outcome& outcome) { received = outcome; });
     static_cast<void>(QTest::qWaitFor([&] { return received.has_value(); }, patience));
-    return received.value_or(Failure{QStringLiteral("there was no end")});
+    return received.value_or(Failure{u"there was no end"_s});
 }
 
 inline Received receive(const std::unique_ptr<EntryStream>& stream)
@@ -69,7 +71,7 @@ public:
     }
     [[nodiscard]] auto toc(bool isGemini) const
     {
-        return client(isGemini).generateTOC(QStringLiteral("Stoicism"), model(isGemini), true);
+        return client(isGemini).generateTOC(u"Stoicism"_s, model(isGemini), true);
     }
     [[nodiscard]] Received ask(bool isGemini, bool webSearch = false) const
     {
@@ -80,8 +82,8 @@ public:
         return outcomeOf<Result<QStringList>>(toc(isGemini));
     }
 
-    const QString key = QStringLiteral("AIza-made-up-secret-0123");
-    const QString prompt = entryPrompt(EntryType::definition, QStringLiteral("palimpsest"));
+    const QString key = u"AIza-made-up-secret-0123"_s;
+    const QString prompt = entryPrompt(EntryType::definition, u"palimpsest"_s);
     FakeKeyStore store;
     KeychainService keychain{store};
     ClaudeService claude;
@@ -90,7 +92,7 @@ public:
 private:
     static QString model(bool isGemini)
     {
-        return isGemini ? QStringLiteral("gemini-3.6-flash") : QStringLiteral("claude-sonnet-5");
+        return isGemini ? u"gemini-3.6-flash"_s : u"claude-sonnet-5"_s;
     }
 };
 

@@ -11,8 +11,10 @@
 
 namespace varno {
 
-inline constexpr QLatin1StringView article("the history of the roman empire");
-inline constexpr QLatin1StringView articleTitle("The History Of The Roman Empire");
+using namespace Qt::StringLiterals;
+
+inline constexpr QLatin1StringView article = "the history of the roman empire"_L1;
+inline constexpr QLatin1StringView articleTitle = "The History Of The Roman Empire"_L1;
 
 /// A controller on a history file of its own, with model services played by the test.
 class ControllerFixture {
@@ -21,7 +23,7 @@ public:
 
     /// On the history file of another, if it is told of one.
     explicit ControllerFixture(const QString& otherPath = {})
-        : path(otherPath.isEmpty() ? folder.filePath(QStringLiteral("history.json")) : otherPath)
+        : path(otherPath.isEmpty() ? folder.filePath(u"history.json"_s) : otherPath)
     {
         start();
     }
@@ -62,7 +64,7 @@ public:
     }
 
     /// A finished entry for `query`.
-    void write(const QString& query, const QString& text = QStringLiteral("Text."))
+    void write(const QString& query, const QString& text = u"Text."_s)
     {
         model->search(query);
         answer(text);
@@ -73,12 +75,12 @@ public:
     {
         model->search(query);
         claude.tocs.back().sink.finish(sections);
-        answer(QStringLiteral("Overview."));
+        answer(u"Overview."_s);
         QTRY_VERIFY(!model->tocIsLoading());
     }
 
     /// Opens a section, and writes it if it has to be written.
-    void openSection(const QString& section, const QString& text = QStringLiteral("Section."))
+    void openSection(const QString& section, const QString& text = u"Section."_s)
     {
         model->navigateTo(section);
         if (model->isStreaming())
@@ -99,7 +101,7 @@ public:
     FakePreferencesStore preferences;
     ModelServiceByHand claude;
     ModelServiceByHand gemini;
-    QDateTime now = QDateTime::fromString(QStringLiteral("2026-05-20T12:00:00Z"), Qt::ISODate);
+    QDateTime now = QDateTime::fromString(u"2026-05-20T12:00:00Z"_s, Qt::ISODate);
     AppViewModel::Changes announced;
     std::unique_ptr<HistoryStore> history;
     std::unique_ptr<AppViewModel> model;

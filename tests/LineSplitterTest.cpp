@@ -36,8 +36,7 @@ class LineSplitterTest : public QObject {
 private Q_SLOTS:
     void linesDoNotDependOnTheCut()
     {
-        for (const auto& [bytes, lines] :
-             std::initializer_list<std::pair<QByteArray, QByteArrayList>>{
+        for (const auto& [bytes, lines] : Rows<QByteArray, QByteArrayList>{
                  {"a\nb\n\nc\n", {"a", "b", "", "c"}},
                  {"a\r\nb\r\n\r\nc\r\n", {"a", "b", "", "c"}},
                  {"a\rb\r\rc\r", {"a", "b", "", "c"}},
@@ -48,8 +47,8 @@ private Q_SLOTS:
                  {"a\x0b b\x0c c\xc2\x85 d\xe2\x80\xa8 e\n",
                   {"a\x0b b\x0c c\xc2\x85 d\xe2\x80\xa8 e"}},
                  {QByteArray("a\0b\nc", 5), {QByteArray("a\0b", 3), "c"}},
-                 {"\xEF\xBB\xBF\xEF\xBB\xBF!\n\xEF\xBB\xBF!\n", {"\xEF\xBB\xBF!", "\xEF\xBB\xBF!"}},
-             }) {
+                 {"\xEF\xBB\xBF\xEF\xBB\xBF!\n\xEF\xBB\xBF!\n",
+                  {"\xEF\xBB\xBF!", "\xEF\xBB\xBF!"}}}) {
             const InRow row(bytes);
             for (qsizetype length = 1; length <= bytes.size() + 1; ++length)
                 QCOMPARE(split(bytes, [=] { return length; }), lines);

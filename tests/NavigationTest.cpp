@@ -13,124 +13,116 @@ class NavigationTest : public QObject {
 private Q_SLOTS:
     void sectionIsWrittenOnDemand()
     {
-        ControllerFixture fixture;
-        fixture.writeArticle(article, {u"Kings"_s, u"Republic"_s});
-        fixture.model->navigateTo(u"Kings"_s);
+        ControllerFixture f;
+        f.writeArticle(article, {u"Kings"_s, u"Republic"_s});
+        f.model->navigateTo(u"Kings"_s);
 
-        const Page* page = fixture.model->currentPage();
+        const Page* page = f.model->currentPage();
         QCOMPARE(page->title, u"Kings"_s);
         QCOMPARE(page->parentSectionName, u"Kings"_s);
-        QCOMPARE(page->parentPageId, fixture.model->session()->rootPage()->id);
+        QCOMPARE(page->parentPageId, f.model->session()->rootPage()->id);
         QCOMPARE(page->entryType, EntryType::full);
-        QCOMPARE(fixture.claude.entries.back().request.prompt,
-                 sectionPrompt(u"Kings"_s, articleTitle));
-        QCOMPARE(fixture.claude.tocs.size(), 1U);
-        QVERIFY(!fixture.model->tocIsLoading());
-        QCOMPARE(fixture.model->streamingTOC(), QStringList({u"Kings"_s, u"Republic"_s}));
-        QVERIFY(fixture.model->isStreaming());
+        QCOMPARE(f.claude.entries.back().request.prompt, sectionPrompt(u"Kings"_s, articleTitle));
+        QCOMPARE(f.claude.tocs.size(), 1U);
+        QVERIFY(!f.model->tocIsLoading());
+        QCOMPARE(f.model->streamingTOC(), QStringList({u"Kings"_s, u"Republic"_s}));
+        QVERIFY(f.model->isStreaming());
     }
 
     void writtenSectionOpensWithoutARequest()
     {
-        ControllerFixture fixture;
-        fixture.writeArticle(article, {u"Kings"_s, u"Republic"_s});
-        fixture.openSection(u"Kings"_s, u"Seven of them."_s);
-        fixture.openSection(u"Republic"_s);
-        fixture.model->navigateTo(u"Kings"_s);
-        QCOMPARE(fixture.claude.entries.size(), 3U);
-        QCOMPARE(fixture.trail(),
-                 QStringList({articleTitle, u"Kings"_s, u"Republic"_s, u"Kings"_s}));
-        QCOMPARE(fixture.model->streamingTitle(), u"Kings"_s);
-        QCOMPARE(fixture.model->streamingContent(), u"Seven of them."_s);
-        fixture.model->navigateTo(u"kings"_s); // another one
-        QCOMPARE(fixture.claude.entries.size(), 4U);
-        fixture.model->jumpTo(*fixture.model->session()->rootPage());
-        fixture.model->navigateTo(u"kings"_s); // not written yet
-        QCOMPARE(fixture.claude.entries.size(), 5U);
-        QCOMPARE(fixture.model->session()->pages.size(), 5);
+        ControllerFixture f;
+        f.writeArticle(article, {u"Kings"_s, u"Republic"_s});
+        f.openSection(u"Kings"_s, u"Seven of them."_s);
+        f.openSection(u"Republic"_s);
+        f.model->navigateTo(u"Kings"_s);
+        QCOMPARE(f.claude.entries.size(), 3U);
+        QCOMPARE(f.trail(), QStringList({articleTitle, u"Kings"_s, u"Republic"_s, u"Kings"_s}));
+        QCOMPARE(f.model->streamingTitle(), u"Kings"_s);
+        QCOMPARE(f.model->streamingContent(), u"Seven of them."_s);
+        f.model->navigateTo(u"kings"_s); // another one
+        QCOMPARE(f.claude.entries.size(), 4U);
+        f.model->jumpTo(*f.model->session()->rootPage());
+        f.model->navigateTo(u"kings"_s); // not written yet
+        QCOMPARE(f.claude.entries.size(), 5U);
+        QCOMPARE(f.model->session()->pages.size(), 5);
     }
 
     void leavingAStreamKeepsItsRawText()
     {
-        ControllerFixture fixture;
-        fixture.model->search(article);
-        fixture.send(u"Half <"_s);
-        const QUuid root = fixture.model->currentPage()->id;
-        fixture.model->navigateTo(u"Kings"_s);
-        QVERIFY(!fixture.claude.entries.front().stream);
-        QVERIFY(!fixture.model->tocIsLoading());
-        QCOMPARE(fixture.model->session()->page(root)->content, u"Half <"_s);
+        ControllerFixture f;
+        f.model->search(article);
+        f.send(u"Half <"_s);
+        const QUuid root = f.model->currentPage()->id;
+        f.model->navigateTo(u"Kings"_s);
+        QVERIFY(!f.claude.entries.front().stream);
+        QVERIFY(!f.model->tocIsLoading());
+        QCOMPARE(f.model->session()->page(root)->content, u"Half <"_s);
     }
 
     void jumpCutsTheTrail()
     {
-        ControllerFixture fixture;
-        fixture.writeArticle(article, {u"Kings"_s, u"Republic"_s});
+        ControllerFixture f;
+        f.writeArticle(article, {u"Kings"_s, u"Republic"_s});
         for (const QString& section : {u"Kings"_s, u"Republic"_s, u"Kings"_s})
-            fixture.openSection(section);
+            f.openSection(section);
         // To the last occurrence of Kings, to Republic, to a page that is not there, to the root.
-        const QList<QUuid> whole = fixture.model->session()->navigationHistory;
-        for (const auto& [id, length] : std::initializer_list<std::pair<QUuid, int>>{
+        const QList<QUuid> whole = f.model->session()->navigationHistory;
+        for (const auto& [id, length] : Rows<QUuid, int>{
                  {whole[1], 4}, {whole[2], 3}, {QUuid::createUuid(), 3}, {whole[0], 1}}) {
             const InRow row(length);
             Page page;
             page.id = id;
-            fixture.model->jumpTo(page);
-            QCOMPARE(fixture.model->session()->navigationHistory, whole.first(length));
-            QCOMPARE(fixture.model->streamingTitle(), fixture.model->currentPage()->title);
-            QCOMPARE(fixture.model->streamingContent(), fixture.model->currentPage()->content);
-            QCOMPARE(fixture.model->streamingTOC(), QStringList({u"Kings"_s, u"Republic"_s}));
+            f.model->jumpTo(page);
+            QCOMPARE(f.model->session()->navigationHistory, whole.first(length));
+            QCOMPARE(f.model->streamingTitle(), f.model->currentPage()->title);
+            QCOMPARE(f.model->streamingContent(), f.model->currentPage()->content);
+            QCOMPARE(f.model->streamingTOC(), QStringList({u"Kings"_s, u"Republic"_s}));
         }
     }
 
     void backLeadsToTheRootAndOut()
     {
-        ControllerFixture fixture;
-        fixture.writeArticle(article, {u"Kings"_s, u"Republic"_s});
-        fixture.openSection(u"Kings"_s);
-        fixture.openSection(u"Republic"_s);
-        fixture.model->setShowingFind(true);
+        ControllerFixture f;
+        f.writeArticle(article, {u"Kings"_s, u"Republic"_s});
+        f.openSection(u"Kings"_s);
+        f.openSection(u"Republic"_s);
+        f.model->setShowingFind(true);
 
-        fixture.model->goBack();
-        QCOMPARE(fixture.trail(), QStringList({articleTitle}));
-        QCOMPARE(fixture.model->streamingContent(), u"Overview."_s);
-        QVERIFY(fixture.model->isShowingEntry());
+        f.model->goBack();
+        QCOMPARE(f.trail(), QStringList({articleTitle}));
+        QCOMPARE(f.model->streamingContent(), u"Overview."_s);
+        QVERIFY(f.model->isShowingEntry());
 
-        fixture.model->goBack();
-        QVERIFY(!fixture.model->isShowingEntry());
-        QVERIFY(!fixture.model->isShowingFind());
-        QVERIFY(!fixture.model->session());
-        QVERIFY(fixture.model->streamingTitle().isEmpty());
-        QVERIFY(fixture.model->streamingContent().isEmpty());
-        QVERIFY(fixture.model->streamingTOC().isEmpty());
+        f.model->goBack();
+        QVERIFY(!f.model->isShowingEntry());
+        QVERIFY(!f.model->isShowingFind());
+        QVERIFY(!f.model->session());
+        QVERIFY(f.model->streamingTitle().isEmpty());
+        QVERIFY(f.model->streamingContent().isEmpty());
+        QVERIFY(f.model->streamingTOC().isEmpty());
 
-        fixture.model->search(article);
-        QCOMPARE(fixture.model->session()->pages.size(), 3);
-        QVERIFY(!fixture.model->isStreaming());
-    }
-
-    void newSearchClosesWithItsError()
-    {
-        ControllerFixture fixture;
-        fixture.model->search(u"rome"_s);
-        fixture.answer(u"Text."_s, Failure{u"It broke."_s});
-        fixture.model->newSearch();
-        QVERIFY(!fixture.model->errorMessage());
-        QVERIFY(!fixture.model->session());
-        QVERIFY(!fixture.model->isShowingEntry());
+        f.model->search(article);
+        QCOMPARE(f.model->session()->pages.size(), 3);
+        QVERIFY(!f.model->isStreaming());
     }
 
     void withoutASessionNothingHappens()
     {
-        ControllerFixture fixture;
-        fixture.model->navigateTo(u"Kings"_s);
-        fixture.model->jumpTo(Page());
-        fixture.model->goBack();
-        fixture.model->newSearch();
-        fixture.model->reloadCurrentPage();
-        fixture.model->upgradeToFullEntry();
-        QVERIFY(!fixture.model->session());
-        QVERIFY(fixture.claude.entries.empty());
+        ControllerFixture f;
+        f.model->search(u"rome"_s);
+        f.answer(u"Text."_s, Failure{u"It broke."_s});
+        f.model->newSearch();
+        QVERIFY(!f.model->errorMessage());
+        QVERIFY(!f.model->isShowingEntry());
+        f.model->navigateTo(u"Kings"_s);
+        f.model->jumpTo(Page());
+        f.model->goBack();
+        f.model->newSearch();
+        f.model->reloadCurrentPage();
+        f.model->upgradeToFullEntry();
+        QVERIFY(!f.model->session());
+        QCOMPARE(f.claude.entries.size(), 1U);
     }
 
     /// What the controller never asks of a session, a file may.

@@ -15,7 +15,7 @@ private Q_SLOTS:
     void kindFollowsTheNumberOfWords()
     {
         using enum EntryType;
-        for (const auto& [query, type] : std::initializer_list<std::pair<QString, EntryType>>{
+        for (const auto& [query, type] : Rows<QString, EntryType>{
                  {u"photosynthesis"_s, definition},
                  {u"black holes"_s, shortAnswer},
                  {u"how do vaccines work"_s, shortAnswer},
@@ -23,8 +23,7 @@ private Q_SLOTS:
                  {u"  quantum    mechanics   "_s, shortAnswer},
                  {u"a\tb\nc\u00A0d\ne"_s, definition}, // none of them parts words
                  {u"\n\t photosynthesis\u2003\n"_s, definition},
-                 {u" \t "_s, full},
-             }) {
+                 {u" \t "_s, full}}) {
             const InRow row(query);
             QCOMPARE(detectEntryType(query), type);
         }

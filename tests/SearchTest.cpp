@@ -13,238 +13,213 @@ class SearchTest : public QObject {
 private Q_SLOTS:
     void blankQueryChangesNothing()
     {
-        ControllerFixture fixture;
-        fixture.write(u"rome"_s);
-        fixture.announced = {};
-        fixture.model->search(u" \n\t\u2003 "_s);
-        QVERIFY(!fixture.announced);
-        QCOMPARE(fixture.model->session()->rootQuery, u"rome"_s);
-        QCOMPARE(fixture.model->searchHistory(), QStringList({u"rome"_s}));
+        ControllerFixture f;
+        f.write(u"rome"_s);
+        f.announced = {};
+        f.model->search(u" \n\t\u2003 "_s);
+        QVERIFY(!f.announced);
+        QCOMPARE(f.model->session()->rootQuery, u"rome"_s);
+        QCOMPARE(f.model->searchHistory(), QStringList({u"rome"_s}));
     }
 
     void newEntry()
     {
         for (const QString& query : {u"photosynthesis"_s, u"black HOLES"_s, QString(article)}) {
             const InRow row(query);
-            ControllerFixture fixture;
-            AppViewModel& model = *fixture.model;
+            ControllerFixture f;
+            AppViewModel& model = *f.model;
             model.search(u"  "_s + query + u"\n"_s);
 
             const EntryType type = detectEntryType(query);
             QVERIFY(model.isShowingEntry());
             QVERIFY(model.isStreaming());
             QCOMPARE(model.session()->rootQuery, query);
-            QCOMPARE(model.session()->createdAt,
-                     double(fixture.now.toSecsSinceEpoch() - 978307200));
+            QCOMPARE(model.session()->createdAt, double(f.now.toSecsSinceEpoch() - 978307200));
             QCOMPARE(model.currentPage()->entryType, type);
             QCOMPARE(model.currentPage()->title, model.streamingTitle());
             QVERIFY(model.streamingTitle().startsWith(query.first(1).toUpper()));
             QCOMPARE(model.tocIsLoading(), type == EntryType::full);
 
-            QCOMPARE(fixture.claude.entries.size(), 1U);
-            const ModelRequest& request = fixture.claude.entries.front().request;
+            QCOMPARE(f.claude.entries.size(), 1U);
+            const ModelRequest& request = f.claude.entries.front().request;
             QCOMPARE(request.prompt, entryPrompt(type, query));
             QCOMPARE(request.systemPrompt, entrySystemPrompt());
             QCOMPARE(request.model, u"claude-sonnet-5"_s);
             QVERIFY(!request.webSearch);
-            QCOMPARE(fixture.claude.tocs.size(), type == EntryType::full ? 1U : 0U);
-            QVERIFY(fixture.gemini.entries.empty());
+            QCOMPARE(f.claude.tocs.size(), type == EntryType::full ? 1U : 0U);
+            QVERIFY(f.gemini.entries.empty());
         }
     }
 
     void modelAndWebSearchOfTheMoment()
     {
-        ControllerFixture fixture;
-        fixture.model->setAIModel(AIModel::geminiFlash);
-        fixture.model->setWebSearchEnabled(true);
-        fixture.model->search(article);
-        fixture.model->setAIModel(AIModel::opus); // concerns the next request
-        QCOMPARE(fixture.gemini.entries.front().request.model, u"gemini-3.6-flash"_s);
-        QVERIFY(fixture.gemini.entries.front().request.webSearch);
-        QCOMPARE(fixture.gemini.tocs.front().model, u"gemini-3.6-flash"_s);
-        QVERIFY(fixture.gemini.tocs.front().webSearch);
-        QCOMPARE(fixture.gemini.tocs.front().topic, articleTitle);
-        fixture.model->reloadCurrentPage();
-        QCOMPARE(fixture.claude.entries.front().request.model, u"claude-opus-4-8"_s);
-    }
-
-    void piecesGrowTextAndPage()
-    {
-        ControllerFixture fixture;
-        fixture.model->search(u"rome"_s);
-        fixture.announced = {};
-        fixture.send(u"A \"city\""_s);
-        fixture.send(u".\nSEE_ALSO"_s);
-        QCOMPARE(fixture.announced, AppViewModel::Changes(Change::streamingPiece));
-        QCOMPARE(fixture.model->currentPage()->content, u"A \"city\".\nSEE_ALSO"_s);
-        QVERIFY(fixture.model->isStreaming());
+        ControllerFixture f;
+        f.model->setAIModel(AIModel::geminiFlash);
+        f.model->setWebSearchEnabled(true);
+        f.model->search(article);
+        f.model->setAIModel(AIModel::opus); // concerns the next request
+        QCOMPARE(f.gemini.entries.front().request.model, u"gemini-3.6-flash"_s);
+        QVERIFY(f.gemini.entries.front().request.webSearch);
+        QCOMPARE(f.gemini.tocs.front().model, u"gemini-3.6-flash"_s);
+        QVERIFY(f.gemini.tocs.front().webSearch);
+        QCOMPARE(f.gemini.tocs.front().topic, articleTitle);
+        f.model->reloadCurrentPage();
+        QCOMPARE(f.claude.entries.front().request.model, u"claude-opus-4-8"_s);
     }
 
     void finishedEntry()
     {
-        for (const auto& [topics, seeAlso] : std::initializer_list<std::pair<QString, QStringList>>{
-                 {u"[\"A\", \"B\"]\n</entry>"_s, {u"A"_s, u"B"_s}},
-                 {u"[\"A\", B]</entry>"_s, {}},
-                 {u"none ] [ none"_s, {}},
-             }) {
+        for (const auto& [topics, seeAlso] :
+             Rows<QString, QStringList>{{u"[\"A\", \"B\"]\n</entry>"_s, {u"A"_s, u"B"_s}},
+                                        {u"[\"A\", B]</entry>"_s, {}},
+                                        {u"none ] [ none"_s, {}}}) {
             const InRow row(topics);
-            ControllerFixture fixture;
-            fixture.write(u"rome"_s, u" Text.\nSEE_ALSO_JSON: "_s + topics);
-            QCOMPARE(fixture.model->streamingContent(), u"Text."_s);
-            QCOMPARE(fixture.model->currentPage()->content, u"Text."_s);
-            QCOMPARE(fixture.model->currentPage()->seeAlso, seeAlso);
-            QVERIFY(!fixture.model->errorMessage());
+            ControllerFixture f;
+            f.write(u"rome"_s, u" Text.\nSEE_ALSO_JSON: "_s + topics);
+            QCOMPARE(f.model->streamingContent(), u"Text."_s);
+            QCOMPARE(f.model->currentPage()->content, u"Text."_s);
+            QCOMPARE(f.model->currentPage()->seeAlso, seeAlso);
+            QVERIFY(!f.model->errorMessage());
         }
     }
 
     void failureKeepsWhatArrived()
     {
-        ControllerFixture fixture;
-        fixture.model->search(u"rome"_s);
-        fixture.answer(u"Half a text.\nSEE_ALSO_JSON: [\"A\"]"_s, Failure{u"It broke."_s});
-        QCOMPARE(fixture.model->errorMessage(), u"It broke."_s);
-        QCOMPARE(fixture.model->currentPage()->content, u"Half a text."_s);
-        QCOMPARE(fixture.model->currentPage()->seeAlso, QStringList({u"A"_s}));
+        ControllerFixture f;
+        f.model->search(u"rome"_s);
+        f.announced = {};
+        f.send(u"Half a text"_s);
+        f.send(u".\nSEE_ALSO"_s);
+        QCOMPARE(f.announced, AppViewModel::Changes(Change::streamingPiece));
+        QCOMPARE(f.model->currentPage()->content, u"Half a text.\nSEE_ALSO"_s);
+        QVERIFY(f.model->isStreaming());
+        f.answer(u"_JSON: [\"A\"]"_s, Failure{u"It broke."_s});
+        QCOMPARE(f.model->errorMessage(), u"It broke."_s);
+        QCOMPARE(f.model->currentPage()->content, u"Half a text."_s);
+        QCOMPARE(f.model->currentPage()->seeAlso, QStringList({u"A"_s}));
 
-        fixture.model->reloadCurrentPage();
-        QVERIFY(!fixture.model->errorMessage());
-        QVERIFY(fixture.model->currentPage()->content.isEmpty());
-        QVERIFY(fixture.model->isStreaming());
+        f.model->reloadCurrentPage();
+        QVERIFY(!f.model->errorMessage());
+        QVERIFY(f.model->currentPage()->content.isEmpty());
+        QVERIFY(f.model->isStreaming());
     }
 
     void tableOfContents()
     {
         const QStringList sections = {u"Kings"_s, u"Republic"_s};
-        for (const Result<QStringList>& outcome :
-             {Result<QStringList>(sections), Result<QStringList>(Failure{u"lost"_s})}) {
-            ControllerFixture fixture;
-            fixture.model->search(article);
-            fixture.claude.tocs.back().sink.finish(outcome);
-            QTRY_VERIFY(!fixture.model->tocIsLoading());
-            QCOMPARE(fixture.model->streamingTOC(),
-                     outcome.index() == 0 ? sections : QStringList());
-            QCOMPARE(fixture.model->currentPage()->tableOfContents, fixture.model->streamingTOC());
-            QVERIFY(!fixture.model->errorMessage());
-            QVERIFY(fixture.model->isStreaming());
+        ControllerFixture f;
+        for (const bool fails : {false, true}) {
+            f.model->search(fails ? u"why is the sea so salty"_s : QString(article));
+            const auto& sink = f.claude.tocs.back().sink;
+            fails ? sink.finish(Failure{u"lost"_s}) : sink.finish(sections);
+            QTRY_VERIFY(!f.model->tocIsLoading());
+            QCOMPARE(f.model->streamingTOC(), fails ? QStringList() : sections);
+            QCOMPARE(f.model->currentPage()->tableOfContents, f.model->streamingTOC());
+            QVERIFY(!f.model->errorMessage());
+            QVERIFY(f.model->isStreaming());
         }
     }
 
     void newSearchSilencesTheOldOne()
     {
-        ControllerFixture fixture;
-        fixture.model->search(article);
-        const auto old = fixture.claude.entries.back();
-        const auto oldTOC = fixture.claude.tocs.back();
+        ControllerFixture f;
+        f.model->search(article);
+        const auto old = f.claude.entries.back();
+        const auto oldTOC = f.claude.tocs.back();
         old.sink.send(u"queued"_s);
-        fixture.model->search(u"carthage"_s);
+        f.model->search(u"carthage"_s);
         QVERIFY(!old.stream);
         old.sink.send(u"late"_s);
         old.sink.finish(Failure{u"late"_s});
         oldTOC.sink.finish(QStringList({u"late"_s}));
-        fixture.answer(u"A city."_s);
-        QCOMPARE(fixture.model->streamingContent(), u"A city."_s);
-        QVERIFY(fixture.model->streamingTOC().isEmpty());
-        QVERIFY(!fixture.model->tocIsLoading());
-        QVERIFY(!fixture.model->errorMessage());
+        f.answer(u"A city."_s);
+        QCOMPARE(f.model->streamingContent(), u"A city."_s);
+        QVERIFY(f.model->streamingTOC().isEmpty());
+        QVERIFY(!f.model->tocIsLoading());
+        QVERIFY(!f.model->errorMessage());
     }
 
     void savedEntryReopensWithoutARequest()
     {
-        ControllerFixture fixture;
-        fixture.write(u"black holes"_s, u"Dense.\nSEE_ALSO_JSON: [\"Stars\"]"_s);
-        fixture.model->search(u"carthage"_s);
-        fixture.answer(QString(), Failure{u"It broke."_s});
-        fixture.model->search(u" Black HOLES "_s);
-        QCOMPARE(fixture.claude.entries.size(), 2U);
-        QVERIFY(!fixture.model->isStreaming());
-        QCOMPARE(fixture.model->streamingTitle(), u"Black Holes"_s);
-        QCOMPARE(fixture.model->streamingContent(), u"Dense."_s);
-        QCOMPARE(fixture.model->currentPage()->seeAlso, QStringList({u"Stars"_s}));
-        QCOMPARE(fixture.model->session()->rootQuery, u"black holes"_s);
-        QCOMPARE(fixture.model->searchHistory(), QStringList({u"Black HOLES"_s, u"carthage"_s}));
-        QCOMPARE(fixture.model->errorMessage(), u"It broke."_s); // stays on show
-    }
-
-    void sameQueryWhileOpenReopensItself()
-    {
-        ControllerFixture fixture;
-        fixture.model->search(u"rome"_s);
-        fixture.send(u"Raw, half"_s);
-        fixture.model->search(u"ROME"_s);
-        QCOMPARE(fixture.claude.entries.size(), 1U);
-        QVERIFY(!fixture.model->isStreaming());
-        QCOMPARE(fixture.model->streamingContent(), u"Raw, half"_s);
+        ControllerFixture f;
+        f.write(u"black holes"_s, u"Dense.\nSEE_ALSO_JSON: [\"Stars\"]"_s);
+        f.model->search(u"carthage"_s);
+        f.answer(QString(), Failure{u"It broke."_s});
+        f.model->search(u" Black HOLES "_s);
+        QCOMPARE(f.claude.entries.size(), 2U);
+        QVERIFY(!f.model->isStreaming());
+        QCOMPARE(f.model->streamingTitle(), u"Black Holes"_s);
+        QCOMPARE(f.model->streamingContent(), u"Dense."_s);
+        QCOMPARE(f.model->currentPage()->seeAlso, QStringList({u"Stars"_s}));
+        QCOMPARE(f.model->session()->rootQuery, u"black holes"_s);
+        QCOMPARE(f.model->searchHistory(), QStringList({u"Black HOLES"_s, u"carthage"_s}));
+        QCOMPARE(f.model->errorMessage(), u"It broke."_s); // stays on show
     }
 
     void reopenedSectionSessionShowsItsRoot()
     {
-        ControllerFixture fixture;
-        fixture.writeArticle(article, {u"Kings"_s});
-        fixture.openSection(u"Kings"_s);
-        fixture.write(u"carthage"_s);
-        fixture.model->search(article);
-        QCOMPARE(fixture.model->streamingTitle(), articleTitle);
-        QCOMPARE(fixture.model->streamingContent(), u"Overview."_s);
-        QCOMPARE(fixture.model->streamingTOC(), QStringList({u"Kings"_s}));
-        QCOMPARE(fixture.trail(), QStringList({articleTitle, u"Kings"_s}));
+        ControllerFixture f;
+        f.writeArticle(article, {u"Kings"_s});
+        f.openSection(u"Kings"_s);
+        f.write(u"carthage"_s);
+        f.model->search(article);
+        QCOMPARE(f.model->streamingTitle(), articleTitle);
+        QCOMPARE(f.model->streamingContent(), u"Overview."_s);
+        QCOMPARE(f.model->streamingTOC(), QStringList({u"Kings"_s}));
+        QCOMPARE(f.trail(), QStringList({articleTitle, u"Kings"_s}));
     }
 
     void emptySessionIsNeitherSavedNorReopened()
     {
-        ControllerFixture fixture;
-        fixture.write(u"rome"_s, u"Written."_s);
-        fixture.model->newSearch();
-        fixture.model->search(u"Rome"_s);
-        QCOMPARE(fixture.model->streamingContent(), u"Written."_s);
-        fixture.model->reloadCurrentPage(); // empty from now on
-        fixture.model->newSearch();
-        fixture.model->search(u"rome"_s);
-        QCOMPARE(fixture.model->streamingContent(), u"Written."_s);
-        QCOMPARE(fixture.claude.entries.size(), 2U);
+        ControllerFixture f;
+        f.model->search(u"rome"_s);
+        f.send(u"Raw, half"_s);
+        f.model->search(u"ROME"_s); // reopens itself, as it is
+        QCOMPARE(f.claude.entries.size(), 1U);
+        QVERIFY(!f.model->isStreaming());
+        QCOMPARE(f.model->streamingContent(), u"Raw, half"_s);
+        f.model->reloadCurrentPage(); // empty from now on
+        f.model->newSearch();
+        f.model->search(u"Rome"_s);
+        QCOMPARE(f.model->streamingContent(), u"Raw, half"_s);
     }
 
     void searchListHoldsFifteen()
     {
-        ControllerFixture fixture;
+        ControllerFixture f;
         for (int i = 0; i < 16; ++i)
-            fixture.model->search(u"query %1"_s.arg(i));
-        fixture.model->search(u"QUERY 3"_s);
-        QCOMPARE(fixture.model->searchHistory().size(), 15);
-        QCOMPARE(fixture.model->searchHistory().first(), u"QUERY 3"_s);
-        QCOMPARE(fixture.model->searchHistory().count(u"query 3"_s), 0);
-        QCOMPARE(fixture.model->searchHistory().last(), u"query 1"_s);
-        QCOMPARE(fixture.preferences.values[u"searchHistory"_s].toStringList(),
-                 fixture.model->searchHistory());
+            f.model->search(u"query %1"_s.arg(i));
+        f.model->search(u"QUERY 3"_s);
+        QCOMPARE(f.model->searchHistory().size(), 15);
+        QCOMPARE(f.model->searchHistory().first(), u"QUERY 3"_s);
+        QCOMPARE(f.model->searchHistory().count(u"query 3"_s), 0);
+        QCOMPARE(f.model->searchHistory().last(), u"query 1"_s);
+        QCOMPARE(f.preferences.values[u"searchHistory"_s].toStringList(), f.model->searchHistory());
     }
 
-    void upgradeWritesAnArticle()
+    void upgradeAndReload()
     {
-        ControllerFixture fixture;
-        fixture.write(u"stoicism"_s);
-        fixture.model->upgradeToFullEntry();
-        QCOMPARE(fixture.model->currentPage()->entryType, EntryType::full);
-        QCOMPARE(fixture.claude.entries.back().request.prompt,
+        ControllerFixture f;
+        f.write(u"stoicism"_s);
+        f.model->upgradeToFullEntry();
+        QCOMPARE(f.model->currentPage()->entryType, EntryType::full);
+        QCOMPARE(f.claude.entries.back().request.prompt,
                  entryPrompt(EntryType::full, u"stoicism"_s));
-        QCOMPARE(fixture.claude.tocs.back().topic, u"Stoicism"_s);
-        QVERIFY(fixture.model->tocIsLoading());
-        QCOMPARE(fixture.model->session()->pages.size(), 1);
-    }
-
-    void reloadOfSectionKeepsTheContents()
-    {
-        ControllerFixture fixture;
-        fixture.writeArticle(article, {u"Kings"_s});
-        fixture.openSection(u"Kings"_s);
-        const QUuid page = fixture.model->currentPage()->id;
-        fixture.model->upgradeToFullEntry(); // not for a section
-        QCOMPARE(fixture.claude.entries.size(), 2U);
-        fixture.model->reloadCurrentPage();
-        QCOMPARE(fixture.claude.entries.size(), 3U);
-        QCOMPARE(fixture.claude.entries.back().request.prompt,
-                 sectionPrompt(u"Kings"_s, articleTitle));
-        QCOMPARE(fixture.claude.tocs.size(), 1U);
-        QCOMPARE(fixture.model->currentPage()->id, page);
-        QCOMPARE(fixture.model->streamingTOC(), QStringList({u"Kings"_s}));
+        QCOMPARE(f.claude.tocs.back().topic, u"Stoicism"_s);
+        QVERIFY(f.model->tocIsLoading());
+        QCOMPARE(f.model->session()->pages.size(), 1);
+        f.claude.tocs.back().sink.finish(QStringList({u"Kings"_s}));
+        f.answer(u"Text."_s);
+        f.openSection(u"Kings"_s);
+        const QUuid page = f.model->currentPage()->id;
+        f.model->upgradeToFullEntry(); // not for a section
+        QCOMPARE(f.claude.entries.size(), 3U);
+        f.model->reloadCurrentPage();
+        QCOMPARE(f.claude.entries.size(), 4U);
+        QCOMPARE(f.claude.entries.back().request.prompt, sectionPrompt(u"Kings"_s, u"Stoicism"_s));
+        QCOMPARE(f.claude.tocs.size(), 1U);
+        QCOMPARE(f.model->currentPage()->id, page);
+        QCOMPARE(f.model->streamingTOC(), QStringList({u"Kings"_s}));
     }
 
     void observerMayCallBackAtAnyMoment()
@@ -253,28 +228,28 @@ private Q_SLOTS:
              {Change::session, Change::streamingPiece, Change::streamingTOC, Change::isStreaming}) {
             for (const bool destroys : {false, true}) {
                 const InRow row(static_cast<quint32>(moment), destroys);
-                ControllerFixture fixture;
+                ControllerFixture f;
                 bool done = false;
-                connect(fixture.model.get(), &AppViewModel::changed, this,
+                connect(f.model.get(), &AppViewModel::changed, this,
                         [&](AppViewModel::Changes what) {
                             if (!what.testFlag(moment) || std::exchange(done, true))
                                 return;
                             if (destroys)
-                                fixture.model.reset();
+                                f.model.reset();
                             else
-                                fixture.model->newSearch();
+                                f.model->newSearch();
                         });
-                fixture.model->search(article);
-                fixture.claude.entries.back().sink.send(u"Text."_s);
-                fixture.claude.entries.back().sink.finish(EntryStream::Completed());
-                fixture.claude.tocs.back().sink.finish(QStringList({u"Kings"_s}));
+                f.model->search(article);
+                f.claude.entries.back().sink.send(u"Text."_s);
+                f.claude.entries.back().sink.finish(EntryStream::Completed());
+                f.claude.tocs.back().sink.finish(QStringList({u"Kings"_s}));
                 QTest::qWait(20);
                 QVERIFY(done);
-                QCOMPARE(fixture.model == nullptr, destroys);
-                if (fixture.model) {
-                    QVERIFY(!fixture.model->session());
-                    QVERIFY(!fixture.model->isStreaming());
-                    QVERIFY(fixture.model->streamingContent().isEmpty());
+                QCOMPARE(f.model == nullptr, destroys);
+                if (f.model) {
+                    QVERIFY(!f.model->session());
+                    QVERIFY(!f.model->isStreaming());
+                    QVERIFY(f.model->streamingContent().isEmpty());
                 }
             }
         }

@@ -292,12 +292,10 @@ private Q_SLOTS:
     {
         for (const bool isGemini : {false, true}) {
             const Clients clients;
-            for (const auto& [answer, sections] :
-                 std::initializer_list<std::pair<QByteArray, QStringList>>{
+            for (const auto& [answer, sections] : Rows<QByteArray, QStringList>{
                      {"Here:\n```json\n[\"Logic\",\"Ethics\"]\n```", {u"Logic"_s, u"Ethics"_s}},
                      {"no ] array [ here", {}},
-                     {"[1]", {}},
-                 }) {
+                     {"[1]", {}}}) {
                 const InRow row(isGemini, answer);
                 clients.service->setTOCScript({.text = answer});
                 QCOMPARE(clients.askTOC(isGemini), Result<QStringList>(sections));

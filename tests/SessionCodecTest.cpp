@@ -98,8 +98,7 @@ private Q_SLOTS:
         for (const auto& json : {QByteArray(), handWritten() + "x", QByteArray("{}")})
             QVERIFY(!decodeSessions(json));
         QCOMPARE(decodeSessions("[\"x\"]")->refused, 1);
-        for (const auto& [before, after] :
-             std::initializer_list<std::pair<const char*, const char*>>{
+        for (const auto& [before, after] : Rows<const char*, const char*>{
                  {"rootQuery", "rootquery"},
                  {"seeAlso", "seealso"},
                  {"\"full\"", "\"Full\""},
@@ -119,8 +118,7 @@ private Q_SLOTS:
                   "\"id\":\"0A1B2C3D-0000-4000-8000-00000000002F\""},
                  {"\"navigationHistory\":[", "\"navigationHistory\":[null,"},
                  {"\"pages\":[", "\"pages\":[\"0A1B2C3D-0000-4000-8000-00000000002F\","},
-                 {"\"pages\":[", "\"pages\":1,\"other\":["},
-             }) {
+                 {"\"pages\":[", "\"pages\":1,\"other\":["}}) {
             const InRow row(after);
             const auto sessions = decodeSessions(withReplaced(before, after));
             QCOMPARE(sessions->refused, 1);

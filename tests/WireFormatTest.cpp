@@ -18,10 +18,8 @@ namespace {
 
 using Text = std::optional<QString>;
 
-/// JSON with single quotes, for the eye, and what is read from it.
-using Rows = std::initializer_list<std::pair<QByteArray, Text>>;
-
-void readsEach(const Rows& rows, Text (*read)(json::Parser&, std::string_view))
+/// Reads JSON with single quotes, for the eye.
+void readsEach(const Rows<QByteArray, Text>& rows, Text (*read)(json::Parser&, std::string_view))
 {
     json::Parser parser;
     for (auto [payload, text] : rows) {
@@ -52,34 +50,32 @@ private Q_SLOTS:
             return QByteArray("{'type':'content_block_delta',") + members + '}';
         };
         readsEach(
-            {
-                {event("'index':0,'delta':{'type':'text_delta','text':'Rome'}   "), u"Rome"_s},
-                {event("'delta':{'type':'x','text':''}"), u""_s},
-                {event("'delta':{'type':'x','text':'\\u00e9\\ud83c\\udfdb\\u0000\\n\xEF\xBB\xBF'}"),
-                 u"é\U0001F3DB"_s + QChar(u'\0') + u"\n\uFEFF"_s},
-                {event("'delta':{'type':'x','te\\u0078t':'a'}"), u"a"_s},
-                {"\xEF\xBB\xBF" + event("'at':[-99999999999999999999,1e999],"
-                                        "'delta':{'type':'x','text':'a'}"),
-                 u"a"_s},
-                {event("'index':null,'delta':{'type':'x','text':null}"), {}},
-                {event("'delta':{'text':'a'}"), {}},
-                {event("'delta':{'type':null,'text':'a'}"), {}},
-                {event("'delta':null,'text':'a'"), {}},
-                {event("'delta':{'type':'x','text':1}"), {}},
-                {event("'delta':{'type':'x','text':'a','text':'b'}"), u"a"_s},
-                {event("'index':'0','delta':{'type':'x','text':'a'}"), {}},
-                {event("'index':0.5,'delta':{'type':'x','text':'a'}"), {}},
-                {event("'index':1e19,'delta':{'type':'x','text':'a'}"), {}},
-                {event("'index':-1.0,'delta':{'type':'x','text':'a'}"), u"a"_s},
-                {"{'type':'content_block_start','delta':{'type':'x','text':'a'}}", {}},
-                {"{'delta':{'type':'x','text':'a'}}", {}},
-                {"{'type':'message_delta','delta':{'stop_reason':'end_turn'}}", {}},
-                {"[DONE]", {}},
-                {"['text']", {}},
-                {"", {}},
-                {event("'delta':{'type':'x','text':'a'}") + " x", {}},
-                {event("'other':nope,'delta':{'type':'x','text':'a'}"), {}},
-            },
+            {{event("'index':0,'delta':{'type':'text_delta','text':'Rome'}   "), u"Rome"_s},
+             {event("'delta':{'type':'x','text':''}"), u""_s},
+             {event("'delta':{'type':'x','text':'\\u00e9\\ud83c\\udfdb\\u0000\\n\xEF\xBB\xBF'}"),
+              u"é\U0001F3DB"_s + QChar(u'\0') + u"\n\uFEFF"_s},
+             {event("'delta':{'type':'x','te\\u0078t':'a'}"), u"a"_s},
+             {"\xEF\xBB\xBF" + event("'at':[-99999999999999999999,1e999],"
+                                     "'delta':{'type':'x','text':'a'}"),
+              u"a"_s},
+             {event("'index':null,'delta':{'type':'x','text':null}"), {}},
+             {event("'delta':{'text':'a'}"), {}},
+             {event("'delta':{'type':null,'text':'a'}"), {}},
+             {event("'delta':null,'text':'a'"), {}},
+             {event("'delta':{'type':'x','text':1}"), {}},
+             {event("'delta':{'type':'x','text':'a','text':'b'}"), u"a"_s},
+             {event("'index':'0','delta':{'type':'x','text':'a'}"), {}},
+             {event("'index':0.5,'delta':{'type':'x','text':'a'}"), {}},
+             {event("'index':1e19,'delta':{'type':'x','text':'a'}"), {}},
+             {event("'index':-1.0,'delta':{'type':'x','text':'a'}"), u"a"_s},
+             {"{'type':'content_block_start','delta':{'type':'x','text':'a'}}", {}},
+             {"{'delta':{'type':'x','text':'a'}}", {}},
+             {"{'type':'message_delta','delta':{'stop_reason':'end_turn'}}", {}},
+             {"[DONE]", {}},
+             {"['text']", {}},
+             {"", {}},
+             {event("'delta':{'type':'x','text':'a'}") + " x", {}},
+             {event("'other':nope,'delta':{'type':'x','text':'a'}"), {}}},
             &claudeEventText);
     }
 
@@ -89,29 +85,25 @@ private Q_SLOTS:
             return QByteArray("{'candidates':[{'content':{'parts':[") + list + "]}}]}";
         };
         readsEach(
-            {
-                {"{'candidates':[{'content':{'parts':[{'text':'Rome'}],'role':'model'}}]}",
-                 u"Rome"_s},
-                {parts("{'text':''}"), u""_s},
-                {parts("{'text':'a'},{'text':'b'}"), u"a"_s},
-                {"{'candidates':[{'content':{'parts':[{'text':'a'}]}},"
-                 "{'content':{'parts':[{'text':'b'}]}}]}",
-                 u"a"_s},
-                {parts("{'functionCall':{}},{'text':'b'}"), {}},
-                {parts("{'text':null}"), {}},
-                {parts(""), {}},
-                {"{'usageMetadata':{}}", {}},
-                {"{'candidates':[]}", {}},
-                {"{'candidates':[{'content':{'role':'model'},'finishReason':'STOP'}]}", {}},
-                {"{'candidates':[{'finishReason':'SAFETY'}]}", {}},
-                {parts("{'text':'a'},{'text':1}"), {}},
-                {parts("{'text':'a'},1"), {}},
-                {"{'candidates':[{'content':{'parts':[{'text':'a'}]}},{'content':{'parts':{}}}]}",
-                 {}},
-                {"{'candidates':[{'content':{'parts':[{'text':'a'}]}},{'content':1}]}", {}},
-                {"{'candidates':{}}", {}},
-                {"{'error':{'code':503,'message':'overloaded','status':'UNAVAILABLE'}}", {}},
-            },
+            {{"{'candidates':[{'content':{'parts':[{'text':'Rome'}],'role':'model'}}]}", u"Rome"_s},
+             {parts("{'text':''}"), u""_s},
+             {parts("{'text':'a'},{'text':'b'}"), u"a"_s},
+             {"{'candidates':[{'content':{'parts':[{'text':'a'}]}},"
+              "{'content':{'parts':[{'text':'b'}]}}]}",
+              u"a"_s},
+             {parts("{'functionCall':{}},{'text':'b'}"), {}},
+             {parts("{'text':null}"), {}},
+             {parts(""), {}},
+             {"{'usageMetadata':{}}", {}},
+             {"{'candidates':[]}", {}},
+             {"{'candidates':[{'content':{'role':'model'},'finishReason':'STOP'}]}", {}},
+             {"{'candidates':[{'finishReason':'SAFETY'}]}", {}},
+             {parts("{'text':'a'},{'text':1}"), {}},
+             {parts("{'text':'a'},1"), {}},
+             {"{'candidates':[{'content':{'parts':[{'text':'a'}]}},{'content':{'parts':{}}}]}", {}},
+             {"{'candidates':[{'content':{'parts':[{'text':'a'}]}},{'content':1}]}", {}},
+             {"{'candidates':{}}", {}},
+             {"{'error':{'code':503,'message':'overloaded','status':'UNAVAILABLE'}}", {}}},
             &geminiEventText);
     }
 
@@ -149,14 +141,13 @@ private Q_SLOTS:
 
     void entryTag()
     {
-        for (const auto& [answer, expected] : std::initializer_list<std::pair<QString, QString>>{
-                 {u"<entry>Rome</entry>"_s, u"Rome</entry>"_s},
-                 {u"Let me look <ent <<entry>Rome"_s, u"Rome"_s},
-                 {u"<entry>a <entry> b"_s, u"a <entry> b"_s},
-                 {u"Rome <entry"_s, u"Rome <entry"_s},
-                 {u"<Entry>Rome"_s, u"<Entry>Rome"_s},
-                 {u"<entry>"_s, u""_s},
-             }) {
+        for (const auto& [answer, expected] :
+             Rows<QString, QString>{{u"<entry>Rome</entry>"_s, u"Rome</entry>"_s},
+                                    {u"Let me look <ent <<entry>Rome"_s, u"Rome"_s},
+                                    {u"<entry>a <entry> b"_s, u"a <entry> b"_s},
+                                    {u"Rome <entry"_s, u"Rome <entry"_s},
+                                    {u"<Entry>Rome"_s, u"<Entry>Rome"_s},
+                                    {u"<entry>"_s, u""_s}}) {
             for (int length = 1; length <= answer.size() + 1; ++length) {
                 const InRow row(answer, length);
                 EntryTagFilter filter;
@@ -185,7 +176,7 @@ private Q_SLOTS:
     {
         using Array = std::optional<QStringList>;
         const auto quoted = [](QString text) { return text.replace(u'\'', u'"'); };
-        for (const auto& [text, list] : std::initializer_list<std::pair<QString, Array>>{
+        for (const auto& [text, list] : Rows<QString, Array>{
                  {u"Here it is:\n```json\n['A', 'B']\n```\nEnjoy!"_s, {{u"A"_s, u"B"_s}}},
                  {u" [ ] "_s, QStringList()},
                  {u"['A [1]', ']', '\\u00c9lan']"_s, {{u"A [1]"_s, u"]"_s, u"Élan"_s}}},
@@ -195,8 +186,7 @@ private Q_SLOTS:
                  {u"['A'] and ['B']"_s, {}},
                  {u"none"_s, {}},
                  {u"['A'"_s, {}},
-                 {u"'A']"_s, {}},
-             }) {
+                 {u"'A']"_s, {}}}) {
             const InRow row(text);
             QCOMPARE(parseJSONArray(quoted(text)), list);
         }
