@@ -14,7 +14,7 @@ class BlocksTest : public QObject {
 private Q_SLOTS:
     void splitsIntoBlocks()
     {
-        for (const auto& [text, expected] : std::initializer_list<std::pair<QString, QStringList>>{
+        for (const auto& [text, expected] : Rows<QString, QStringList>{
                  {u"\n \n\n\t\n"_s, {}},
                  {u"## Title\nBody line\n\n\nNext"_s, {u"## Title"_s, u"Body line"_s, u"Next"_s}},
                  {u"# A\n## B\n### C"_s, {u"# A"_s, u"## B"_s, u"### C"_s}},
@@ -22,8 +22,7 @@ private Q_SLOTS:
                  {u"a\n# B\nc"_s, {u"a\n# B\nc"_s}},
                  {u"a\n \nb"_s, {u"a\n \nb"_s}},
                  {u"\u3000a\u2003\n\n\u00A0\n\nb"_s, {u"a"_s, u"b"_s}},
-                 {u"#### A\nb"_s, {u"#### A\nb"_s}},
-             }) {
+                 {u"#### A\nb"_s, {u"#### A\nb"_s}}}) {
             const InRow row(text);
             QCOMPARE(blocks(text), expected);
 
@@ -44,7 +43,7 @@ private Q_SLOTS:
     void tellsKinds()
     {
         using enum BlockKind;
-        for (const auto& [kind, texts] : std::initializer_list<std::pair<BlockKind, QStringList>>{
+        for (const auto& [kind, texts] : Rows<BlockKind, QStringList>{
                  {boldHeader, {u"**Bold**"_s, u"*****"_s}},
                  {heading1, {u"# a"_s}},
                  {heading2, {u"## a"_s}},
@@ -55,8 +54,7 @@ private Q_SLOTS:
                    u"\u00BD of it. a"_s, u"\U0001D7D8. a"_s}},
                  {paragraph,
                   {u"****"_s, u"**a**b**"_s, u"**a\nb**"_s, u"#### Deep"_s, u"#a"_s,
-                   u"+ item\n- item"_s, u"1) first"_s, u"1 a\n2. b"_s, u"a. b"_s}},
-             }) {
+                   u"+ item\n- item"_s, u"1) first"_s, u"1 a\n2. b"_s, u"a. b"_s}}}) {
             for (const QString& text : texts) {
                 const InRow row(text);
                 QCOMPARE(blockKind(text), kind);
@@ -66,14 +64,13 @@ private Q_SLOTS:
 
     void readsListItems()
     {
-        for (const auto& [text, expected] : std::initializer_list<std::pair<QString, QStringList>>{
+        for (const auto& [text, expected] : Rows<QString, QStringList>{
                  {u"- a\ncontinued\n\t* b \n+ c\n- d"_s, {u"•|a"_s, u"•|b"_s, u"•|d"_s}},
                  {u"1. a\n1. b\nstray\n 7. c. d"_s, {u"1.|a"_s, u"1.|b"_s, u"7.|c. d"_s}},
                  {u"2024 was a year. It rained.\n1000. a\n12345. b\n123456. c"_s,
                   {u"|2024 was a year. It rained."_s, u"1000.|a"_s, u"12345.|b"_s,
                    u"|123456. c"_s}},
-                 {u"- - a"_s, {u"•|- a"_s}},
-             }) {
+                 {u"- - a"_s, {u"•|- a"_s}}}) {
             const InRow row(text);
             QStringList rows;
             RowReader reader(text);
@@ -85,13 +82,12 @@ private Q_SLOTS:
 
     void cutsLongLines()
     {
-        for (const auto& [line, joint] : std::initializer_list<std::pair<QString, QString>>{
-                 {u"word "_s.repeated(20000).trimmed(), u" "_s},
-                 {u"x"_s.repeated(100000), u""_s},
-                 {u"a"_s + u"\u0301"_s.repeated(20000), u""_s},
-                 {u"\U0001F469\u200D\U0001F467"_s.repeated(5000), u""_s},
-                 {u"\U0001F600 "_s.repeated(5000).trimmed(), u" "_s},
-             }) {
+        for (const auto& [line, joint] :
+             Rows<QString, QString>{{u"word "_s.repeated(20000).trimmed(), u" "_s},
+                                    {u"x"_s.repeated(100000), u""_s},
+                                    {u"a"_s + u"\u0301"_s.repeated(20000), u""_s},
+                                    {u"\U0001F469\u200D\U0001F467"_s.repeated(5000), u""_s},
+                                    {u"\U0001F600 "_s.repeated(5000).trimmed(), u" "_s}}) {
             const InRow row(line.first(5));
             QStringList rows;
             RowReader reader(line);
@@ -113,24 +109,18 @@ private Q_SLOTS:
 
     void highlights()
     {
-        struct Row {
-            QString text;
-            QString needle;
-            QList<int> ranges;
-        };
-        for (const auto& [text, needle, expected] : {
-                 Row{u"text"_s, u""_s, {}},
-                 Row{u"The theme"_s, u"the"_s, {0, 3, 4, 7}},
-                 Row{u"aaa"_s, u"aa"_s, {0, 2}},
-                 Row{u"café cafe"_s, u"cafe"_s, {5, 9}},
-                 Row{u"\u0130\u0130 ab \u0130ab"_s, u"AB"_s, {3, 5, 7, 9}},
-                 Row{u"x\u0130y"_s, u"\u0130"_s, {1, 2}},
-                 Row{u"x\u0130y"_s, u"i"_s, {1, 2}},
-                 Row{u"e\u0301\u0302 ab"_s, u"ab"_s, {4, 6}},
-                 Row{u"xe\u0301y"_s, u"e"_s, {1, 3}},
-                 Row{u"\U0001F1E9\U0001F1EA"_s, u"\U0001F1E9"_s, {0, 4}},
-                 Row{u"a\U0001F469\u200D\U0001F467b"_s, u"\U0001F467"_s, {1, 6}},
-             }) {
+        for (const auto& [text, needle, expected] : Rows<QString, QString, QList<int>>{
+                 {u"text"_s, u""_s, {}},
+                 {u"The theme"_s, u"the"_s, {0, 3, 4, 7}},
+                 {u"aaa"_s, u"aa"_s, {0, 2}},
+                 {u"café cafe"_s, u"cafe"_s, {5, 9}},
+                 {u"\u0130\u0130 ab \u0130ab"_s, u"AB"_s, {3, 5, 7, 9}},
+                 {u"x\u0130y"_s, u"\u0130"_s, {1, 2}},
+                 {u"x\u0130y"_s, u"i"_s, {1, 2}},
+                 {u"e\u0301\u0302 ab"_s, u"ab"_s, {4, 6}},
+                 {u"xe\u0301y"_s, u"e"_s, {1, 3}},
+                 {u"\U0001F1E9\U0001F1EA"_s, u"\U0001F1E9"_s, {0, 4}},
+                 {u"a\U0001F469\u200D\U0001F467b"_s, u"\U0001F467"_s, {1, 6}}}) {
             const InRow row(text, needle);
             QList<int> found;
             for (const TextRange& range : highlightRanges(text, needle))

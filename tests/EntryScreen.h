@@ -15,7 +15,8 @@
 
 namespace varno {
 
-inline constexpr QLatin1StringView relatedTopicsLine("\nSEE_ALSO_JSON: [\"Carthage\", \"Latin\"]");
+inline constexpr QLatin1StringView relatedTopicsLine =
+    "\nSEE_ALSO_JSON: [\"Carthage\", \"Latin\"]"_L1;
 
 /// A text much longer than the screen.
 inline QString longText()

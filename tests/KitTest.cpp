@@ -5,6 +5,7 @@
 #include "kit/SymbolView.h"
 #include "kit/TextCuts.h"
 #include "kit/ThemedText.h"
+#include "tests/Table.h"
 #include "tests/TestMain.h"
 
 #include <QApplication>
@@ -15,9 +16,7 @@
 #include <QSignalSpy>
 #include <QToolTip>
 
-#include <algorithm>
 #include <cmath>
-#include <memory>
 
 using namespace varno;
 using namespace Qt::StringLiterals;
@@ -130,61 +129,49 @@ private Q_SLOTS:
         }
     }
 
-    void overflow_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<Overflow>("overflow");
-        QTest::addColumn<int>("width");
-        QTest::addColumn<int>("lines");
-        QTest::addColumn<bool>("elided");
-        const QString words = u"from the sea <b>to</b> the mountains"_s;
-        const QString word = u"Donaudampfschifffahrtsgesellschaftskapitän"_s;
-        QTest::newRow("fits") << words << Overflow::elide << 500 << 1 << false;
-        QTest::newRow("elided") << words << Overflow::elide << 100 << 1 << true;
-        QTest::newRow("no room") << words << Overflow::elide << 1 << 1 << true;
-        QTest::newRow("right to left")
-            << u"שלום עולם שלום עולם"_s << Overflow::elide << 60 << 1 << true;
-        QTest::newRow("line breaks") << u"a\r\nb\u2029c"_s << Overflow::elide << 500 << 1 << false;
-        QTest::newRow("keeps its width") << words << Overflow::none << 100 << 1 << false;
-        QTest::newRow("wraps") << u"one\r\ntwo\u2028three"_s << Overflow::wrap << 500 << 3 << false;
-        QTest::newRow("wraps a word") << word << Overflow::wrap << 250 << 2 << false;
-        QTest::newRow("empty") << QString() << Overflow::elide << 0 << 1 << false;
-        QTest::newRow("beyond the limit")
-            << QString(textLimit.letters + 1, u'x') << Overflow::none << 100 << 1 << true;
-    }
     void overflow()
     {
-        QFETCH(QString, text);
-        QFETCH(Overflow, overflow);
-        QFETCH(int, width);
+        const QString words = u"from the sea <b>to</b> the mountains"_s;
+        const QString word = u"Donaudampfschifffahrtsgesellschaftskapitän"_s;
         const TextStyle style = {.tracking = 2};
-        ThemedText label(text, style, overflow);
-        label.setFixedWidth(width);
-        label.show();
-        const TextBlock oneLine(u"x"_s, style, label.font(), Overflow::none);
-        QTEST(qRound(label.heightForWidth(label.width()) / oneLine.size().height()), "lines");
-        QTEST(label.isElided(), "elided");
-        QCOMPARE(toolTipOver(label), label.isElided() ? plainToolTip(text) : QString());
+        for (const auto& [text, overflow, width, lines, isElided] :
+             Rows<QString, Overflow, int, int, bool>{
+                 {words, Overflow::elide, 500, 1, false},
+                 {words, Overflow::elide, 100, 1, true},
+                 {words, Overflow::elide, 1, 1, true},
+                 {u"שלום עולם שלום עולם"_s, Overflow::elide, 60, 1, true},
+                 {u"a\r\nb\u2029c"_s, Overflow::elide, 500, 1, false},
+                 {words, Overflow::none, 100, 1, false},
+                 {u"one\r\ntwo\u2028three"_s, Overflow::wrap, 500, 3, false},
+                 {word, Overflow::wrap, 250, 2, false},
+                 {QString(), Overflow::elide, 0, 1, false},
+                 {QString(textLimit.letters + 1, u'x'), Overflow::none, 100, 1, true}}) {
+            const InRow row(text, width);
+            ThemedText label(text, style, overflow);
+            label.setFixedWidth(width);
+            label.show();
+            const TextBlock oneLine(u"x"_s, style, label.font(), Overflow::none);
+            QCOMPARE(qRound(label.heightForWidth(label.width()) / oneLine.size().height()), lines);
+            QCOMPARE(label.isElided(), isElided);
+            QCOMPARE(toolTipOver(label), isElided ? plainToolTip(text) : QString());
 
-        const TextBlock block(text, style, label.font(), overflow, width);
-        QVERIFY(overflow == Overflow::none || width < 10 || block.size().width() <= width);
+            const TextBlock block(text, style, label.font(), overflow, width);
+            QVERIFY(overflow == Overflow::none || width < 10 || block.size().width() <= width);
+        }
     }
 
-    void shortening_data()
-    {
-        QTest::addColumn<QString>("text");
-        QTest::addColumn<QString>("shown");
-        QTest::newRow("fits") << u"a\r\nb 34567"_s << u"a\r\nb 34567"_s;
-        QTest::newRow("letters") << u"123456789 01"_s << u"123456789…"_s;
-        QTest::newRow("lines") << u"a\r\nb\rc"_s << u"a\r\nb…"_s;
-        QTest::newRow("within a character") << u"123👨‍👩‍👧‍👦"_s << u"123…"_s;
-        QTest::newRow("marks") << u"a"_s + QString(20, QChar(0x301))
-                               << u"a"_s + QString(9, QChar(0x301)) + u"…"_s;
-    }
     void shortening()
     {
-        QFETCH(QString, text);
-        QTEST(shortened(text, {.letters = 10, .lines = 2}), "shown");
+        const QString marks(9, QChar(0x301));
+        for (const auto& [text, shown] :
+             Rows<QString, QString>{{u"a\r\nb 34567"_s, u"a\r\nb 34567"_s},
+                                    {u"123456789 01"_s, u"123456789…"_s},
+                                    {u"a\r\nb\rc"_s, u"a\r\nb…"_s},
+                                    {u"123👨‍👩‍👧‍👦"_s, u"123…"_s},
+                                    {u"a"_s + marks + marks, u"a"_s + marks + u"…"_s}}) {
+            const InRow row(text);
+            QCOMPARE(shortened(text, {.letters = 10, .lines = 2}), shown);
+        }
     }
 
     void fieldTakesWhatItCanLayOut()
@@ -224,28 +211,20 @@ private Q_SLOTS:
             QCOMPARE(width(QString(3, digit)), width(u"000"_s));
     }
 
-    void symbolsStayInTheirBox_data()
-    {
-        QTest::addColumn<double>("ratio");
-        QTest::addColumn<QFont::Weight>("weight");
-        QTest::newRow("1") << 1.0 << QFont::Normal;
-        QTest::newRow("1.5, semibold") << 1.5 << QFont::DemiBold;
-        QTest::newRow("2, bold") << 2.0 << QFont::Bold;
-    }
     void symbolsStayInTheirBox()
     {
-        QFETCH(double, ratio);
-        QFETCH(QFont::Weight, weight);
         const QColor color(200, 30, 90);
-        for (int index = 0; index <= static_cast<int>(Symbol::xmarkCircleFill); ++index) {
-            const QImage image = pictureOf(static_cast<Symbol>(index), color, ratio, weight);
-            const QByteArray which = QByteArray::number(index);
+        for (const auto& [ratio, weight] :
+             {std::pair(1.0, QFont::Normal), {1.5, QFont::DemiBold}, {2.0, QFont::Bold}}) {
             const QRect box(QPoint(qRound(12.3 * ratio), qRound(12.3 * ratio)),
                             QSize(24, 24) * ratio);
-            QVERIFY2(pixelsOf(image, color, 150) > 15 * ratio * ratio, which);
-            QVERIFY2(box.contains(inkBounds(image)), which);
-            // and nothing is cut off at its edge
-            QVERIFY2(box.adjusted(1, 1, -1, -1).contains(inkBounds(image)), which);
+            for (int index = 0; index <= static_cast<int>(Symbol::xmarkCircleFill); ++index) {
+                const InRow row(ratio, index);
+                const QImage image = pictureOf(static_cast<Symbol>(index), color, ratio, weight);
+                QVERIFY(pixelsOf(image, color, 150) > 15 * ratio * ratio);
+                // Nothing is cut off at its edge.
+                QVERIFY(box.adjusted(1, 1, -1, -1).contains(inkBounds(image)));
+            }
         }
     }
 
@@ -258,56 +237,34 @@ private Q_SLOTS:
         QVERIFY(ink(QFont::DemiBold) > ink(QFont::Medium));
     }
 
-    void buttonHasTheSizeOfItsContent_data()
-    {
-        QTest::addColumn<bool>("withText");
-        QTest::addColumn<ButtonStyle>("style");
-        QTest::addColumn<QSize>("around"); // the text
-        const SymbolStyle symbol{.size = 12};
-        QTest::newRow("text and symbol")
-            << true << ButtonStyle{.symbol = symbol, .spacing = 6, .horizontal = 14, .vertical = 7}
-            << QSize(12 + 6 + 28, 14);
-        QTest::newRow("symbol alone")
-            << false << ButtonStyle{.symbol = symbol, .spacing = 6, .horizontal = 3, .vertical = 2}
-            << QSize(18, 16);
-        QTest::newRow("frame") << false << ButtonStyle{.symbol = symbol, .frame = {22, 20}}
-                               << QSize(22, 20);
-    }
     void buttonHasTheSizeOfItsContent()
     {
-        QFETCH(bool, withText);
-        QFETCH(ButtonStyle, style);
-        QFETCH(QSize, around);
+        const SymbolStyle symbol{.size = 12};
+        const ButtonStyle style{.symbol = symbol, .spacing = 6, .horizontal = 14, .vertical = 7};
         const ThemedText text(u"Full Entry"_s, style.text);
-        const PlainButton button(Symbol::clock, withText ? text.text() : QString(), style);
-        QCOMPARE(button.sizeHint(), withText ? text.sizeHint() + around : around);
+        QCOMPARE(PlainButton(Symbol::clock, text.text(), style).sizeHint(),
+                 text.sizeHint() + QSize(12 + 6 + 28, 14));
+        QCOMPARE(PlainButton(Symbol::clock, style).sizeHint(), QSize(12 + 28, 12 + 14));
+        QCOMPARE(PlainButton(Symbol::clock, {.symbol = symbol, .frame = {22, 20}}).sizeHint(),
+                 QSize(22, 20));
+        PlainButton narrow(text.text(), {.overflow = Overflow::elide});
+        narrow.resize(40, 20);
+        QCOMPARE(toolTipOver(narrow), plainToolTip(text.text()));
     }
 
-    void buttonIsPressed_data()
-    {
-        QTest::addColumn<Qt::Key>("key");
-        QTest::addColumn<Qt::KeyboardModifiers>("modifiers");
-        QTest::addColumn<int>("clicks");
-        const Qt::KeyboardModifiers none = Qt::NoModifier;
-        QTest::newRow("Return") << Qt::Key_Return << none << 1;
-        QTest::newRow("Enter") << Qt::Key_Enter << none << 1;
-        QTest::newRow("Space") << Qt::Key_Space << none << 1;
-        QTest::newRow("letter behind &")
-            << Qt::Key_D << Qt::KeyboardModifiers(Qt::AltModifier) << 0;
-    }
     void buttonIsPressed()
     {
-        QFETCH(Qt::Key, key);
-        QFETCH(Qt::KeyboardModifiers, modifiers);
         QWidget window;
         PlainButton button(u"R&D"_s);
         showOf(window, column({}, {button}));
         QCOMPARE(button.accessibleName(), u"R&D"_s);
         button.setFocus();
-        QSignalSpy spy(&button, &PlainButton::clicked);
-        QTest::keyClick(&window, key, modifiers);
-        QTest::keyClick(&button, key, modifiers);
-        QTEST(int(spy.size()), "clicks");
+        const QSignalSpy spy(&button, &PlainButton::clicked);
+        for (const Qt::Key key : {Qt::Key_Return, Qt::Key_Enter, Qt::Key_Space})
+            QTest::keyClick(&button, key);
+        QTest::keyClick(&window, Qt::Key_D, Qt::AltModifier); // it has no mnemonic
+        QTest::keyClick(&button, Qt::Key_D, Qt::AltModifier);
+        QCOMPARE(spy.size(), 3);
     }
 
     void ringIsForTheKeyboard()

@@ -109,6 +109,8 @@ private Q_SLOTS:
             QTest::qWait(50);
             QCOMPARE(page.topBlock(), block);
         }
+        QCOMPARE(page.part<QTextBrowser>().palette().color(QPalette::Text),
+                 themeColor(page.window.palette(), ColorRole::text));
     }
 
     void anotherPageStartsAtItsTop()
@@ -129,14 +131,14 @@ private Q_SLOTS:
     {
         LongPage page(1000);
         const int height = page.scrollBar().pageStep();
-        for (const auto& [key, value] : std::initializer_list<std::pair<Qt::Key, int>>{
-                 {Qt::Key_PageDown, 1000 + height},
-                 {Qt::Key_PageUp, 1000 - height},
-                 {Qt::Key_Space, 1000 + height},
-                 {Qt::Key_Down, 1024},
-                 {Qt::Key_Up, 976},
-                 {Qt::Key_Home, 0},
-                 {Qt::Key_End, page.scrollBar().maximum()}}) {
+        for (const auto& [key, value] :
+             Rows<Qt::Key, int>{{Qt::Key_PageDown, 1000 + height},
+                                {Qt::Key_PageUp, 1000 - height},
+                                {Qt::Key_Space, 1000 + height},
+                                {Qt::Key_Down, 1024},
+                                {Qt::Key_Up, 976},
+                                {Qt::Key_Home, 0},
+                                {Qt::Key_End, page.scrollBar().maximum()}}) {
             const InRow row(key);
             page.scrollBar().setValue(1000);
             page.key(key);

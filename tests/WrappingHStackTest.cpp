@@ -30,26 +30,20 @@ class WrappingHStackTest : public QObject {
 private Q_SLOTS:
     void positions()
     {
-        struct Row {
-            QList<int> items; // widths; equal widths are equal items
-            QList<QPoint> positions;
-            int height;
-        };
         QList<QWidget*> boxes;
         WrappingHStack<int> stack([&](int width) { return boxes.emplace_back(box(width)); });
         stack.resize(100, 10);
-        for (const auto& [items, positions, height] : {
-                 Row{{30, 28, 26}, {{0, 0}, {38, 0}, {74, 0}}, 30},
-                 Row{{41, 51}, {{0, 0}, {49, 0}}, 30}, // ends at the edge
-                 Row{{42, 51}, {{0, 0}, {0, 38}}, 68},
-                 Row{{60, 61, 62}, {{0, 0}, {0, 38}, {0, 76}}, 106},
-                 Row{{100}, {{0, 0}}, 30},
-                 Row{{101, 20}, {{0, 38}, {0, 76}}, 106}, // too wide for the first row
-                 Row{{20, 150, 30}, {{0, 0}, {0, 38}, {0, 76}}, 106},
-                 Row{{60, 50, 20, 30, 50}, {{0, 0}, {0, 38}, {0, 0}, {28, 0}, {0, 38}}, 68},
-                 Row{{20, 20, 20}, {{0, 0}, {0, 0}, {0, 0}}, 30},
-                 Row{{}, {}, 0},
-             }) {
+        for (const auto& [items, positions, height] : Rows<QList<int>, QList<QPoint>, int>{
+                 {{30, 28, 26}, {{0, 0}, {38, 0}, {74, 0}}, 30},
+                 {{41, 51}, {{0, 0}, {49, 0}}, 30}, // ends at the edge
+                 {{42, 51}, {{0, 0}, {0, 38}}, 68},
+                 {{60, 61, 62}, {{0, 0}, {0, 38}, {0, 76}}, 106},
+                 {{100}, {{0, 0}}, 30},
+                 {{101, 20}, {{0, 38}, {0, 76}}, 106}, // too wide for the first row
+                 {{20, 150, 30}, {{0, 0}, {0, 38}, {0, 76}}, 106},
+                 {{60, 50, 20, 30, 50}, {{0, 0}, {0, 38}, {0, 0}, {28, 0}, {0, 38}}, 68},
+                 {{20, 20, 20}, {{0, 0}, {0, 0}, {0, 0}}, 30},
+                 {{}, {}, 0}}) {
             const InRow row(items);
             boxes.clear();
             stack.setItems(items);
