@@ -14,16 +14,23 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-/// Runs in a form that a failed comparison shows well: "plain|[si]strong italic|[>url]link".
+struct Look {
+    InlineStyle style;
+    QChar letter;
+    QLatin1StringView element;
+};
+constexpr std::array looks = {
+    Look{InlineStyle::strong, u's', "strong"_L1}, Look{InlineStyle::emphasis, u'e', "em"_L1},
+    Look{InlineStyle::code, u'c', "code"_L1}, Look{InlineStyle::strikethrough, u'x', "del"_L1}};
+
+/// Runs in a form that a failed comparison shows well: "plain|[se]strong italic|[>url]link".
 QString described(const QList<InlineRun>& runs)
 {
     QStringList parts;
     for (const InlineRun& run : runs) {
         QString style;
-        style += run.styles.testFlag(InlineStyle::strong) ? u"s"_s : QString();
-        style += run.styles.testFlag(InlineStyle::emphasis) ? u"e"_s : QString();
-        style += run.styles.testFlag(InlineStyle::code) ? u"c"_s : QString();
-        style += run.styles.testFlag(InlineStyle::strikethrough) ? u"x"_s : QString();
+        for (const Look& look : looks)
+            style += run.styles.testFlag(look.style) ? QString(look.letter) : QString();
         if (!run.link.isEmpty())
             style += u'>' + QString::fromUtf8(QByteArray::fromPercentEncoding(run.link.toUtf8()));
         parts.append((style.isEmpty() ? QString() : u'[' + style + u']') + run.text);
@@ -39,10 +46,8 @@ std::optional<QList<InlineRun>> runsOf(const QString& html)
     QString link;
     const auto add = [&](const QString& text) {
         InlineStyles styles;
-        styles.setFlag(InlineStyle::strong, open.contains("strong"_L1));
-        styles.setFlag(InlineStyle::emphasis, open.contains("em"_L1));
-        styles.setFlag(InlineStyle::code, open.contains("code"_L1));
-        styles.setFlag(InlineStyle::strikethrough, open.contains("del"_L1));
+        for (const Look& look : looks)
+            styles.setFlag(look.style, open.contains(look.element));
         if (!text.isEmpty() &&
             (runs.isEmpty() || runs.last().styles != styles || runs.last().link != link))
             runs.append({.text = {}, .styles = styles, .link = link});

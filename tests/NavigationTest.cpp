@@ -14,19 +14,27 @@ private Q_SLOTS:
     void sectionIsWrittenOnDemand()
     {
         ControllerFixture f;
-        f.writeArticle(article, {u"Kings"_s, u"Republic"_s});
+        const QStringList sections = {u"Kings"_s, u"Republic"_s};
+        f.model->search(article);
+        f.claude.tocs.back().sink.finish(sections);
+        f.send(u"Half <"_s);
         f.model->navigateTo(u"Kings"_s);
 
+        const Page* root = f.model->session()->rootPage();
         const Page* page = f.model->currentPage();
+        QVERIFY(!f.claude.entries.front().stream); // left, with its raw text
+        QCOMPARE(root->content, u"Half <"_s);
         QCOMPARE(page->title, u"Kings"_s);
         QCOMPARE(page->parentSectionName, u"Kings"_s);
-        QCOMPARE(page->parentPageId, f.model->session()->rootPage()->id);
+        QCOMPARE(page->parentPageId, root->id);
         QCOMPARE(page->entryType, EntryType::full);
         QCOMPARE(f.claude.entries.back().request.prompt, sectionPrompt(u"Kings"_s, articleTitle));
         QCOMPARE(f.claude.tocs.size(), 1U);
-        QVERIFY(!f.model->tocIsLoading());
-        QCOMPARE(f.model->streamingTOC(), QStringList({u"Kings"_s, u"Republic"_s}));
+        QCOMPARE(f.model->streamingTOC(), sections);
         QVERIFY(f.model->isStreaming());
+        f.model->search(u"why is the sea so salty"_s);
+        f.model->navigateTo(u"Rivers"_s);
+        QVERIFY(!f.model->tocIsLoading());
     }
 
     void writtenSectionOpensWithoutARequest()
@@ -46,18 +54,6 @@ private Q_SLOTS:
         f.model->navigateTo(u"kings"_s); // not written yet
         QCOMPARE(f.claude.entries.size(), 5U);
         QCOMPARE(f.model->session()->pages.size(), 5);
-    }
-
-    void leavingAStreamKeepsItsRawText()
-    {
-        ControllerFixture f;
-        f.model->search(article);
-        f.send(u"Half <"_s);
-        const QUuid root = f.model->currentPage()->id;
-        f.model->navigateTo(u"Kings"_s);
-        QVERIFY(!f.claude.entries.front().stream);
-        QVERIFY(!f.model->tocIsLoading());
-        QCOMPARE(f.model->session()->page(root)->content, u"Half <"_s);
     }
 
     void jumpCutsTheTrail()

@@ -147,6 +147,16 @@ private Q_SLOTS:
         }
     }
 
+    void keyThatFitsNoRequest()
+    {
+        const Clients clients;
+        clients.keychain.save(u"made-up\r\nx-other: header"_s, clients.keychain.anthropicAccount);
+        const QString error = clients.ask(false).error;
+        QVERIFY(error.startsWith(u"Network error: "_s));
+        QVERIFY(!error.contains(u"made-up"_s));
+        QVERIFY(clients.service->requests().isEmpty());
+    }
+
     void geminiKeyGoesIntoTheURLAsItIs()
     {
         ClientsByHand clients;
@@ -171,16 +181,6 @@ private Q_SLOTS:
         QVERIFY(clients.ask(true).error.isEmpty());
         QCOMPARE(url, "https://example.invalid/gemini-3.6-flash:streamGenerateContent"
                       "?key=azAZ09-._~!$&'()*+,;=:@/?%2Fx&alt=sse");
-    }
-
-    void claudeKeyThatIsNoHeader()
-    {
-        const Clients clients;
-        clients.keychain.save(u"made-up\r\nx-other: header"_s, clients.keychain.anthropicAccount);
-        const QString error = clients.ask(false).error;
-        QVERIFY(error.startsWith(u"Network error: "_s));
-        QVERIFY(!error.contains(u"made-up"_s));
-        QVERIFY(clients.service->requests().isEmpty());
     }
 
     void textSurvivesEveryCut()
