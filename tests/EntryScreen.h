@@ -4,9 +4,9 @@
 #include "reader/EntryView.h"
 #include "tests/ControllerFixture.h"
 #include "tests/Patience.h"
+#include "tests/ScreenReading.h"
 
 #include <QKeyEvent>
-#include <QLabel>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QVBoxLayout>
@@ -68,14 +68,11 @@ struct Screen : ControllerFixture {
     {
         return place(part<Widget>());
     }
-    /// The first button with that text, or else that tool tip, that can be seen.
     [[nodiscard]] PlainButton* button(const QString& name) const
     {
-        for (PlainButton* button : view.findChildren<PlainButton*>()) {
-            if (button->isVisible() && (button->text() == name || button->toolTip() == name))
-                return button;
-        }
-        return nullptr;
+        const QList<PlainButton*> all = shown<PlainButton>(view);
+        const auto found = std::ranges::find(all, name, &QWidget::accessibleName);
+        return found == all.end() ? nullptr : *found;
     }
     void press(const QString& name) const
     {
@@ -87,13 +84,7 @@ struct Screen : ControllerFixture {
     {
         QTest::keyClick(QApplication::focusWidget(), key, modifiers);
     }
-    [[nodiscard]] bool showsText(const QString& text) const
-    {
-        const QList<QLabel*> labels = view.findChildren<QLabel*>();
-        return std::ranges::any_of(labels, [&](const QLabel* label) {
-            return label->isVisible() && label->text() == text;
-        });
-    }
+    [[nodiscard]] bool showsText(const QString& text) const { return shownText(view, text); }
     [[nodiscard]] QScrollBar& scrollBar() const
     {
         return *part<ReadingColumn>().verticalScrollBar();
