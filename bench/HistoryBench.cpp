@@ -59,7 +59,7 @@ void addHistory(Table& table)
                .measure = Measure::time,
                .ours = "history/decode",
                .reference = "history/decode/QJsonDocument",
-               .wanted = Bound{.kind = Bound::Kind::atMost, .ratio = 0.1}});
+               .wanted = Bound{.kind = Bound::Kind::atMost, .ratio = 0.125}});
     table.add(
         {.name = "the same history encoded", .measure = Measure::time, .ours = "history/encode"});
 }

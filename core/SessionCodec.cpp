@@ -4,7 +4,7 @@
 #include "core/JsonWriter.h"
 
 #include <algorithm>
-#include <array>
+#include <cctype>
 #include <utility>
 
 namespace varno {
@@ -58,40 +58,16 @@ void write(JsonWriter& writer, const Session& session)
     writer.endObject();
 }
 
-/// The value of each hexadecimal digit; all other characters have more than four bits.
-constexpr auto digitValues = [] {
-    std::array<quint8, 256> values = {};
-    values.fill(0xFF);
-    for (quint8 digit = 0; digit < 16; ++digit) {
-        values[static_cast<quint8>("0123456789abcdef"[digit])] = digit;
-        values[static_cast<quint8>("0123456789ABCDEF"[digit])] = digit;
-    }
-    return values;
-}();
-
-/// The 36 characters of the canonical form, in either case; QUuid itself is more lenient. Without a
-/// branch on any digit: a history has thousands of ids, and each guess would be wrong half the
-/// time.
+/// The 36 characters of the canonical form, in either case; QUuid itself is more lenient.
 std::optional<QUuid> readId(std::string_view text)
 {
     constexpr std::string_view form = "xxxxxxxx-xxxx-xxxx-xxxx-xxxxxxxxxxxx";
-    if (text.size() != form.size())
+    const auto fits = [](char character, char place) {
+        return place == '-' ? character == '-' : std::isxdigit(static_cast<quint8>(character)) != 0;
+    };
+    if (!std::equal(text.begin(), text.end(), form.begin(), form.end(), fits))
         return std::nullopt;
-    std::array<quint8, 32> digits = {};
-    std::size_t count = 0;
-    bool valid = true;
-    for (std::size_t i = 0; i < form.size(); ++i) {
-        if (form[i] == '-')
-            valid &= text[i] == '-';
-        else
-            digits[count++] = digitValues[static_cast<quint8>(text[i])];
-    }
-    std::array<char, 16> bytes = {};
-    for (std::size_t i = 0; i < bytes.size(); ++i) {
-        valid &= (digits[2 * i] | digits[2 * i + 1]) < 16;
-        bytes[i] = static_cast<char>(digits[2 * i] << 4U | digits[2 * i + 1]);
-    }
-    return valid ? std::optional(QUuid::fromRfc4122(bytes)) : std::nullopt;
+    return QUuid::fromString(QLatin1StringView(text.data(), static_cast<qsizetype>(text.size())));
 }
 
 /// Reads the members of one object; remembers whether all of them were as they should be.
