@@ -23,10 +23,8 @@ inline QString longText()
 {
     QString text;
     for (int i = 0; i < 60; ++i)
-        text += QStringLiteral(
-                    "Paragraph %1 tells of Rome, and is long enough to take several lines of the "
-                    "column, whatever the size of its text may be.\n\n")
-                    .arg(i);
+        text += u"Paragraph %1 tells of Rome, and is long enough to take several lines of the "
+                u"column, whatever the size of its text may be.\n\n"_s.arg(i);
     return text;
 }
 
