@@ -26,7 +26,7 @@ int fail(const QString& sentence)
     return 1;
 }
 
-class UsersOwn final : public Surroundings {
+class UsersOwn final : public Owners {
 public:
     [[nodiscard]] AppViewModel::Dependencies dependencies() override
     {
@@ -47,9 +47,9 @@ private:
     HistoryStore m_history;
 };
 
-int live(QApplication& application, ApplicationService& service, Surroundings& surroundings)
+int live(QApplication& application, ApplicationService& service, Owners& owners)
 {
-    AppDelegate delegate(surroundings.dependencies(), KeychainService::shared());
+    AppDelegate delegate(owners.dependencies(), KeychainService::shared());
     QObject::connect(&service, &ApplicationService::showRequested, &delegate,
                      [&delegate] { delegate.showWindow(); });
     QObject::connect(&service, &ApplicationService::toggleRequested, &delegate,
@@ -58,11 +58,11 @@ int live(QApplication& application, ApplicationService& service, Surroundings& s
     QObject::connect(terminationSignals.get(), &TerminationSignals::received, &application,
                      &QCoreApplication::quit);
     delegate.applicationDidFinishLaunching();
-    surroundings.started(delegate);
+    owners.started(delegate);
     // Libraries take themselves down when the process exits: nothing may run with them by then.
-    const auto end = [&delegate, &surroundings] {
+    const auto end = [&delegate, &owners] {
         delegate.prepareToQuit();
-        surroundings.end();
+        owners.end();
     };
     const AtExit ending(end);
     const int status = QApplication::exec();
@@ -83,7 +83,7 @@ void VarnoApp::prepare()
 
 int VarnoApp::run(int argc, char** argv)
 {
-    return run(argc, argv, {.busName = u"com.kelbrin.varno"_s, .surroundings = [](QString&) {
+    return run(argc, argv, {.busName = u"com.kelbrin.varno"_s, .owners = [] {
                                 return std::make_unique<UsersOwn>();
                             }});
 }
@@ -105,9 +105,10 @@ int VarnoApp::run(int argc, char** argv, const Launch& launch)
     case ApplicationService::Claim::mine:
         break;
     }
-    QString error;
-    const std::unique_ptr<Surroundings> surroundings = launch.surroundings(error);
-    return surroundings ? live(application, service, *surroundings) : fail(error);
+    const auto owners = launch.owners();
+    if (const auto* failure = std::get_if<Failure>(&owners))
+        return fail(failure->description);
+    return live(application, service, *std::get<std::unique_ptr<Owners>>(owners));
 }
 
 } // namespace varno

@@ -7,12 +7,13 @@
 
 namespace varno {
 
-/// What the program works with beyond the system: the user's own stores and services, or others.
-class Surroundings {
+/// What the program owns besides its controller and its screens, which it outlives: the stores and
+/// services of the user, or others.
+class Owners {
 public:
-    Surroundings() = default;
-    virtual ~Surroundings() = default;
-    Q_DISABLE_COPY_MOVE(Surroundings)
+    Owners() = default;
+    virtual ~Owners() = default;
+    Q_DISABLE_COPY_MOVE(Owners)
 
     [[nodiscard]] virtual AppViewModel::Dependencies dependencies() = 0;
 
@@ -28,9 +29,8 @@ class VarnoApp {
 public:
     struct Launch {
         QString busName; ///< there is one program of that name at a time
-        /// Makes the surroundings once there is an application object; null ends the program, and
-        /// then `error` says why.
-        std::function<std::unique_ptr<Surroundings>(QString& error)> surroundings;
+        /// Called once there is an application object; a failure ends the program.
+        std::function<Result<std::unique_ptr<Owners>>()> owners;
     };
 
     /// Gives the application object, which is there by then, its name and its looks.

@@ -144,6 +144,7 @@ void AppViewModel::startEntry(const QString& query)
 
     set(m_session, std::move(session), Change::session);
     set(m_isShowingEntry, true, Change::isShowingEntry);
+    m_pageBeforeWriting = root;
     streamPage(root.id, root.entryType, entryPrompt(root.entryType, query), root.title);
 }
 

@@ -32,6 +32,7 @@ void AppViewModel::openSection(const Page& root, const QString& section)
     const QString prompt = sectionPrompt(section, root.title);
     m_session->push(page);
     m_pendingChanges |= Change::session;
+    m_pageBeforeWriting = page;
     streamPage(page.id, page.entryType, prompt, section);
 }
 

@@ -28,8 +28,7 @@ void AppViewModel::reload(EntryType entryType)
     cancelActiveStreams();
     set(m_errorMessage, std::nullopt, Change::errorMessage);
 
-    const Page before = *currentPage();
-    Page page = before;
+    Page page = m_pageBeforeWriting = *currentPage();
     page.entryType = entryType;
     page.content.clear();
     QString prompt;
@@ -45,7 +44,6 @@ void AppViewModel::reload(EntryType entryType)
     m_session->pages.insert(page.id, page);
     m_pendingChanges |= Change::session;
     streamPage(page.id, page.entryType, prompt, page.title);
-    m_pageBeforeWriting = before;
 }
 
 void AppViewModel::streamPage(const QUuid& id, EntryType entryType, const QString& prompt,
@@ -56,7 +54,6 @@ void AppViewModel::streamPage(const QUuid& id, EntryType entryType, const QStrin
     set(m_streamingTitle, title, Change::streamingTitle);
 
     const Page* page = sessionPage(id);
-    m_pageBeforeWriting = page ? *page : Page();
     const bool isSection = page && page->parentPageId;
     if (!isSection && entryType == EntryType::full)
         requestTOC(id, title);

@@ -7,7 +7,6 @@
 #include <QString>
 
 #include <utility>
-#include <variant>
 
 namespace varno {
 
@@ -25,7 +24,7 @@ public:
     struct Completed {
         bool operator==(const Completed&) const = default;
     };
-    using Outcome = std::variant<Completed, Failure>;
+    using Outcome = Result<Completed>;
 
     /// The producer's end. May outlive the stream, is freely copied and used from any thread; what
     /// is sent to a stream that is finished or gone is dropped.

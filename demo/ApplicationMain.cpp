@@ -26,7 +26,7 @@ const char* const introduction =
     "\n"
     "Ctrl+C here ends it.\n";
 
-class Stage final : public Surroundings {
+class Stage final : public Owners {
 public:
     Stage(std::unique_ptr<DemonstrationSetting> setting, Invocation invocation)
         : m_setting(std::move(setting))
@@ -64,22 +64,24 @@ private:
 
 int run(int argc, char** argv)
 {
-    QString error;
     QStringList arguments;
     for (int i = 0; i < argc; ++i)
         arguments.append(QString::fromLocal8Bit(argv[i]));
-    const std::optional<Invocation> invocation = readInvocation(arguments, error);
-    if (!invocation)
-        return fail(error, usageError);
+    const auto invocation = readInvocation(arguments);
+    if (const auto* failure = std::get_if<Failure>(&invocation))
+        return fail(failure->description, usageError);
     separateKeyRingFromDesktop();
-    return VarnoApp::run(argc, argv,
-                         {.busName = u"com.kelbrin.varno.demonstration"_s,
-                          .surroundings = [&](QString& problem) -> std::unique_ptr<Surroundings> {
-                              auto setting = DemonstrationSetting::open(problem);
-                              if (!setting)
-                                  return nullptr;
-                              return std::make_unique<Stage>(std::move(setting), *invocation);
-                          }});
+    return VarnoApp::run(
+        argc, argv,
+        {.busName = u"com.kelbrin.varno.demonstration"_s,
+         .owners = [&]() -> Result<std::unique_ptr<Owners>> {
+             auto setting = DemonstrationSetting::open();
+             if (const auto* failure = std::get_if<Failure>(&setting))
+                 return *failure;
+             return std::make_unique<Stage>(
+                 std::get<std::unique_ptr<DemonstrationSetting>>(std::move(setting)),
+                 std::get<Invocation>(invocation));
+         }});
 }
 
 } // namespace

@@ -13,16 +13,17 @@ using namespace Qt::StringLiterals;
 
 int run(const QCoreApplication& application)
 {
-    QString error;
-    const auto invocation = readInvocation(QCoreApplication::arguments(), error);
-    if (!invocation)
-        return fail(error, usageError);
-    const auto setting = DemonstrationSetting::open(error);
-    if (!setting)
-        return fail(error);
+    const auto read = readInvocation(QCoreApplication::arguments());
+    if (const auto* failure = std::get_if<Failure>(&read))
+        return fail(failure->description, usageError);
+    const auto opened = DemonstrationSetting::open();
+    if (const auto* failure = std::get_if<Failure>(&opened))
+        return fail(failure->description);
+    const auto& invocation = std::get<Invocation>(read);
+    const auto& setting = std::get<std::unique_ptr<DemonstrationSetting>>(opened);
     setting->service().setScript({.pace = std::chrono::milliseconds(12)});
     AppViewModel model(setting->dependencies());
-    model.setAIModel(invocation->model);
+    model.setAIModel(invocation.model);
 
     QTextStream terminal(stdout);
     terminal << "A demonstration: " << details(model.aiModel()).displayName
@@ -36,7 +37,7 @@ int run(const QCoreApplication& application)
     QObject::connect(terminationSignals.get(), &TerminationSignals::received, &application,
                      [] { QCoreApplication::exit(1); });
     const QString favourite = u"the history of the roman empire"_s;
-    demonstration.start(invocation->query.isEmpty() ? favourite : invocation->query);
+    demonstration.start(invocation.query.isEmpty() ? favourite : invocation.query);
     return QCoreApplication::exec();
 }
 

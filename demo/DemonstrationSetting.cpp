@@ -25,20 +25,20 @@ bool allAre(KeyPresence presence)
 
 } // namespace
 
-std::unique_ptr<DemonstrationSetting> DemonstrationSetting::open(QString& error)
+Result<std::unique_ptr<DemonstrationSetting>> DemonstrationSetting::open()
 {
+    QString error;
     auto service = StandInService::start({}, &error);
     if (!service)
-        return nullptr;
+        return Failure{error};
     std::unique_ptr<DemonstrationSetting> setting;
     if (allAre(KeyPresence::absent)) { // no user's keys are there, and none is touched
         setting.reset(new DemonstrationSetting(std::move(service)));
         storeKeys();
     }
-    if (!setting || !allAre(KeyPresence::present)) {
-        error = u"The demonstration needs a key ring of its own: start it with “make demo”."_s;
-        return nullptr;
-    }
+    if (!setting || !allAre(KeyPresence::present))
+        return Failure{
+            u"The demonstration needs a key ring of its own: start it with “make demo”."_s};
     return setting;
 }
 

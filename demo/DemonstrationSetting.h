@@ -16,9 +16,9 @@ namespace varno {
 /// key ring, and stores in a folder that is gone with it.
 class DemonstrationSetting {
 public:
-    /// Null when the stand-in does not start, or there is no key ring, or one that holds the keys
-    /// of a user: those must not be touched. Then `error` says it.
-    static std::unique_ptr<DemonstrationSetting> open(QString& error);
+    /// Fails when the stand-in does not start, or there is no key ring, or one that holds the keys
+    /// of a user: those must not be touched.
+    static Result<std::unique_ptr<DemonstrationSetting>> open();
 
     [[nodiscard]] StandInService& service() { return *m_service; }
 

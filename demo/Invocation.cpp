@@ -29,20 +29,17 @@ QString modelNames()
 
 } // namespace
 
-std::optional<Invocation> readInvocation(const QStringList& arguments, QString& error)
+Result<Invocation> readInvocation(const QStringList& arguments)
 {
     if (arguments.size() > 3) {
         const QString program = QFileInfo(arguments.value(0)).fileName();
-        error = u"Usage: %1 [QUERY [MODEL]]\nModels: %2"_s.arg(program, modelNames());
-        return std::nullopt;
+        return Failure{u"Usage: %1 [QUERY [MODEL]]\nModels: %2"_s.arg(program, modelNames())};
     }
     Invocation invocation{.query = arguments.value(1).trimmed()};
     if (arguments.size() == 3) {
         const std::optional<AIModel> model = modelNamed(arguments.at(2));
-        if (!model) {
-            error = u"There is no such model. The models are: %1"_s.arg(modelNames());
-            return std::nullopt;
-        }
+        if (!model)
+            return Failure{u"There is no such model. The models are: %1"_s.arg(modelNames())};
         invocation.model = *model;
     }
     return invocation;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "core/AIModel.h"
+#include "platform/Result.h"
 
 #include <QStringList>
 
@@ -16,10 +17,8 @@ struct Invocation {
     AIModel model = AIModel::sonnet; ///< any part of its identifier names it
 };
 
-/// Nothing when the arguments of the process are not in order; then `error` says what they have to
-/// be.
-[[nodiscard]] std::optional<Invocation> readInvocation(const QStringList& arguments,
-                                                       QString& error);
+/// From the arguments of the process; a failure says what they have to be.
+[[nodiscard]] Result<Invocation> readInvocation(const QStringList& arguments);
 
 /// Says on standard error why the program ends; returns `status`.
 int fail(const QString& sentence, int status = 1);

@@ -26,10 +26,10 @@ int run()
     if (!folder.mkpath(u"."_s))
         return fail(u"The folder “%1” cannot be created."_s.arg(folder.path()));
 
-    QString error;
-    const auto setting = DemonstrationSetting::open(error);
-    if (!setting)
-        return fail(error);
+    const auto opened = DemonstrationSetting::open();
+    if (const auto* failure = std::get_if<Failure>(&opened))
+        return fail(failure->description);
+    const auto& setting = std::get<std::unique_ptr<DemonstrationSetting>>(opened);
     AppViewModel model(setting->dependencies());
     KeychainTasks keys(KeychainService::shared());
     VarnoPanel panel(model, keys, panelShortcut());

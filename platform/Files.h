@@ -1,11 +1,12 @@
 #pragma once
 
+#include "platform/Result.h"
+
 #include <QByteArray>
 #include <QString>
 
 #include <chrono>
 #include <optional>
-#include <variant>
 
 namespace varno {
 
@@ -22,7 +23,7 @@ void createPrivateDirectory(const QString& path);
 
 /// The whole of a private file of at most `limit` bytes. Anything else that is there, however it
 /// resists, is `unreadable`.
-std::variant<QByteArray, FileError> readFile(const QString& path, qint64 limit);
+Result<QByteArray, FileError> readFile(const QString& path, qint64 limit);
 
 /// Replaces what is at `path`, a link itself and not its target, by a file that holds `bytes`,
 /// readable by the user alone. After a failure, or a loss of power at any moment, the file holds

@@ -14,7 +14,8 @@ struct Failure {
     bool operator==(const Failure&) const = default;
 };
 
-template <typename Value>
-using Result = std::variant<Value, Failure>;
+/// What an operation came to: its value, or why there is none.
+template <typename Value, typename Error = Failure>
+using Result = std::variant<Value, Error>;
 
 } // namespace varno

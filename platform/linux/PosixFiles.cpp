@@ -124,7 +124,7 @@ void createPrivateDirectory(const QString& path)
     ::mkdir(QFile::encodeName(plain).constData(), S_IRWXU);
 }
 
-std::variant<QByteArray, FileError> readFile(const QString& path, qint64 limit)
+Result<QByteArray, FileError> readFile(const QString& path, qint64 limit)
 {
     const Descriptor file = openForReading(path);
     if (!file)
