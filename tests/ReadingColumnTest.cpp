@@ -98,13 +98,13 @@ private Q_SLOTS:
         LongPage page(1500);
         const int block = page.topBlock();
         QVERIFY(block > 5);
-        const std::function<void()> changes[] = {[&] { page.model->setFontSize(FontSize::small); },
-                                                 [&] { page.model->setFontSize(FontSize::large); },
-                                                 [&] { setTheme(page.window, AppTheme::dark); },
-                                                 [&] { page.window.resize(500, 500); },
-                                                 [&] { page.window.resize(1000, 500); }};
-        for (const auto& change : changes) {
-            const InRow row(&change - &changes[0]);
+        int count = 0;
+        for (const std::function<void()>& change : std::initializer_list<std::function<void()>>{
+                 [&] { page.model->setFontSize(FontSize::small); },
+                 [&] { page.model->setFontSize(FontSize::large); },
+                 [&] { setTheme(page.window, AppTheme::dark); },
+                 [&] { page.window.resize(500, 500); }, [&] { page.window.resize(1000, 500); }}) {
+            const InRow row(++count);
             change();
             QTest::qWait(50);
             QCOMPARE(page.topBlock(), block);

@@ -209,42 +209,34 @@ private Q_SLOTS:
 
     void statusCodes()
     {
-        struct Row {
-            bool isGemini;
-            int status;
-            QByteArray body;
-            QString error;
-        };
         const QByteArray page = "<html>Sorry</html>";
-        QList<Row> rows = {
-            {false, 401, page,
-             u"Invalid API key. Please check your Anthropic API key in Settings."_s},
-            {false, 429, page, u"Rate limit reached. Please wait a moment, then try again."_s},
-            {false, 529, page,
-             u"Anthropic's servers are overloaded. Please try again in a moment."_s},
-            {true, 503,
-             "{\r\n \"error\": {\r\n \"code\": 503,\r\n \"message\": \"A “valid” key.\"\r\n}}",
-             u"Gemini error: A “valid” key."_s},
-            {true, 403, R"({"error":{"code":403}})", {}},
-            {true, 500, {}, {}},
-            {true, 302, page, {}},
-            {true, 400, R"({"error":{"message":"key=AIza-made-up-secret-0123 is bad"}})",
-             u"Gemini error: key=… is bad"_s}};
-        for (const int status : {201, 204, 301, 307, 400, 403, 500})
-            rows.append({false, status, page, {}});
+        const QString claude = u"API error (HTTP %1). Please try again."_s;
+        const QString gemini = u"Gemini "_s + claude;
         const Clients clients;
-        for (const auto& [isGemini, status, body, itsError] : std::as_const(rows)) {
+        for (const auto& [isGemini, status, body, message] : Rows<bool, int, QByteArray, QString>{
+                 {false, 401, page,
+                  u"Invalid API key. Please check your Anthropic API key in Settings."_s},
+                 {false, 429, page, u"Rate limit reached. Please wait a moment, then try again."_s},
+                 {false, 529, page,
+                  u"Anthropic's servers are overloaded. Please try again in a moment."_s},
+                 {false, 201, page, claude},
+                 {false, 204, page, claude},
+                 {false, 307, page, claude},
+                 {false, 400, page, claude},
+                 {true, 302, page, gemini},
+                 {true, 500, {}, gemini},
+                 {true, 403, R"({"error":{"code":403}})", gemini},
+                 {true, 503, R"({"error": {"code": 503, "message": "A “valid” key."}})",
+                  u"Gemini error: A “valid” key."_s},
+                 {true, 400, R"({"error":{"message":"key=AIza-made-up-secret-0123 is bad"}})",
+                  u"Gemini error: key=… is bad"_s}}) {
             const InRow row(isGemini, status, body);
             const Script script{
                 .statusCode = status, .body = body, .contentType = "text/event-stream"};
             clients.service->setScript(script);
             clients.service->setTOCScript(script);
             const auto requests = clients.service->requests().size();
-            const QString error =
-                !itsError.isEmpty() ? itsError
-                                    : (isGemini ? u"Gemini API error (HTTP %1). Please try again."_s
-                                                : u"API error (HTTP %1). Please try again."_s)
-                                          .arg(status);
+            const QString error = QString(message).replace(u"%1"_s, QString::number(status));
             const Received received = clients.ask(isGemini);
             QCOMPARE(received.error, error);
             QVERIFY(received.pieces.isEmpty());
@@ -260,7 +252,7 @@ private Q_SLOTS:
             Script script;
             QString error = {};
         };
-        const Row rows[] = {
+        const QList<Row> rows = {
             {"drop",
              {.dropAfterEvents = 6},
              u"Network error: The connection to the server was lost."_s},
