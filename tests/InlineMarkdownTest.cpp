@@ -15,7 +15,7 @@ using namespace Qt::StringLiterals;
 namespace {
 
 struct Look {
-    InlineStyle style;
+    InlineStyle style = {};
     QChar letter;
     QLatin1StringView element;
 };
@@ -38,22 +38,24 @@ QString described(const QList<InlineRun>& runs)
     return parts.join(u'|').replace(QChar(QChar::LineSeparator), u'/');
 }
 
+void add(QList<InlineRun>& runs, const QString& text, const QStringList& open, const QString& link)
+{
+    if (text.isEmpty())
+        return;
+    InlineStyles styles;
+    for (const Look& look : looks)
+        styles.setFlag(look.style, open.contains(look.element));
+    if (runs.isEmpty() || runs.last().styles != styles || runs.last().link != link)
+        runs.append({.text = {}, .styles = styles, .link = link});
+    runs.last().text += text;
+}
+
 /// What the HTML of one paragraph implies; nothing when there is more to it than inline Markdown.
 std::optional<QList<InlineRun>> runsOf(const QString& html)
 {
     QList<InlineRun> runs;
     QStringList open; // elements
     QString link;
-    const auto add = [&](const QString& text) {
-        InlineStyles styles;
-        for (const Look& look : looks)
-            styles.setFlag(look.style, open.contains(look.element));
-        if (!text.isEmpty() &&
-            (runs.isEmpty() || runs.last().styles != styles || runs.last().link != link))
-            runs.append({.text = {}, .styles = styles, .link = link});
-        if (!text.isEmpty())
-            runs.last().text += text;
-    };
     QXmlStreamReader reader(html.trimmed());
     while (!reader.atEnd()) {
         reader.readNext();
@@ -66,16 +68,17 @@ std::optional<QList<InlineRun>> runsOf(const QString& html)
             open.append(name);
             if (name == u"a")
                 link = reader.attributes().value(u"href"_s).toString();
-            add(name == u"br" ? QString(QChar::LineSeparator)
-                              : reader.attributes().value(u"alt"_s).toString());
+            const QString alternative = reader.attributes().value(u"alt"_s).toString();
+            add(runs, name == u"br" ? QString(QChar::LineSeparator) : alternative, open, link);
         } else if (reader.isEndElement()) {
             if (open.takeLast() == u"a")
                 link.clear();
         } else if (reader.isCharacters()) {
             const bool afterBreak =
                 !runs.isEmpty() && runs.last().text.endsWith(QChar(QChar::LineSeparator));
-            const QString text = reader.text().toString();
-            add(text.sliced(afterBreak && text.startsWith(u'\n') ? 1 : 0).replace(u'\n', u' '));
+            QString text = reader.text().toString();
+            text.remove(0, afterBreak && text.startsWith(u'\n') ? 1 : 0);
+            add(runs, text.replace(u'\n', u' '), open, link);
         }
     }
     return reader.hasError() ? std::nullopt : std::optional(runs);

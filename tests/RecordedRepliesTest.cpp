@@ -38,7 +38,7 @@ Received replay(bool isGemini, int status, const QByteArray& body, int longest)
         bool wanted = receiver.onStatus(status);
         while (wanted && !rest.empty()) {
             const std::string_view part =
-                rest.substr(0, static_cast<std::size_t>(random.bounded(longest) + 1));
+                rest.substr(0, std::size_t{1} + random.bounded(static_cast<quint32>(longest)));
             wanted = receiver.onBytes(part);
             rest.remove_prefix(part.size());
         }
