@@ -65,7 +65,7 @@ private Q_SLOTS:
     void animationRestsWhileHidden()
     {
         for (const auto& [level, isMinimised] :
-             {std::pair(0, false), std::pair(1, false), std::pair(2, true)}) {
+             Rows<int, bool>{{0, false}, {1, false}, {2, true}}) {
             const InRow row(level);
             QWidget window;
             QWidget parent(&window);

@@ -109,34 +109,29 @@ private Q_SLOTS:
         const QByteArray gzip = QByteArray::fromHex("1f8b0800000000000203cbcf060047dddc7902000000");
         const QByteArray informed = "HTTP/1.1 100 Continue\r\n\r\n"
                                     "HTTP/1.1 103 Early Hints\r\nLink: </s>\r\n\r\n";
-        struct Row {
-            const char* name;
-            QByteArray response;
-            QByteArray expected;
-        };
-        for (const auto& [name, response, expected] :
-             {Row{"length", okReply, "200 ok"},
-              Row{"chunks and a trailer", chunked + "1\r\no\r\n1;x=y\r\nk\r\n0\r\nX-T: t\r\n\r\n",
+        for (const auto& [name, response, expected] : Rows<const char*, QByteArray, QByteArray>{
+                 {"length", okReply, "200 ok"},
+                 {"chunks and a trailer", chunked + "1\r\no\r\n1;x=y\r\nk\r\n0\r\nX-T: t\r\n\r\n",
                   "200 ok"},
-              Row{"until the end", "HTTP/1.0 200 OK\r\n\r\nok", "200 ok"},
-              Row{"no reason", "HTTP/1.1 529\r\nContent-Length: 2\r\n\r\nno", "529 no"},
-              Row{"after interim ones", informed + okReply, "200 ok"},
-              Row{"packed unasked", packed("gzip", gzip), "200 ok"},
-              Row{"deflated", packed("deflate", qCompress("ok").sliced(4)), "200 ok"},
-              Row{"packed, cut", packed("gzip", gzip).chopped(1), "200 ok" + lost},
-              Row{"another sum", packed("gzip", QByteArray(gzip).replace("\x47", "x")),
+                 {"until the end", "HTTP/1.0 200 OK\r\n\r\nok", "200 ok"},
+                 {"no reason", "HTTP/1.1 529\r\nContent-Length: 2\r\n\r\nno", "529 no"},
+                 {"after interim ones", informed + okReply, "200 ok"},
+                 {"packed unasked", packed("gzip", gzip), "200 ok"},
+                 {"deflated", packed("deflate", qCompress("ok").sliced(4)), "200 ok"},
+                 {"packed, cut", packed("gzip", gzip).chopped(1), "200 ok" + lost},
+                 {"another sum", packed("gzip", QByteArray(gzip).replace("\x47", "x")),
                   "200 ok" + damaged},
-              Row{"not packed", packed("gzip", "ok"), "200 " + damaged},
-              Row{"packed by nobody knows what", packed("mystery", "ok"), "200 " + damaged},
-              Row{"nothing", "", lost},
-              Row{"cut in the status line", "HTTP/1.1 20", lost},
-              Row{"cut in a header", "HTTP/1.1 200 OK\r\nContent-Le", lost},
-              Row{"cut after an interim one", informed, lost},
-              Row{"cut before the length", okReply.chopped(1), "200 o" + lost},
-              Row{"cut in a chunk", chunked + "9\r\nok", "200 ok" + lost},
-              Row{"cut before the last chunk", chunked + "2\r\nok\r\n", "200 ok" + lost},
-              Row{"no chunk", chunked + "?key=SECRET\r\n", "200 " + lost},
-              Row{"no HTTP", "220 ready for key=SECRET\r\n", "[Unsupported protocol]"}}) {
+                 {"not packed", packed("gzip", "ok"), "200 " + damaged},
+                 {"packed by nobody knows what", packed("mystery", "ok"), "200 " + damaged},
+                 {"nothing", "", lost},
+                 {"cut in the status line", "HTTP/1.1 20", lost},
+                 {"cut in a header", "HTTP/1.1 200 OK\r\nContent-Le", lost},
+                 {"cut after an interim one", informed, lost},
+                 {"cut before the length", okReply.chopped(1), "200 o" + lost},
+                 {"cut in a chunk", chunked + "9\r\nok", "200 ok" + lost},
+                 {"cut before the last chunk", chunked + "2\r\nok\r\n", "200 ok" + lost},
+                 {"no chunk", chunked + "?key=SECRET\r\n", "200 " + lost},
+                 {"no HTTP", "220 ready for key=SECRET\r\n", "[Unsupported protocol]"}}) {
             const InRow row(name);
             QList<QByteArray> singleBytes;
             for (const char byte : response)
@@ -151,28 +146,26 @@ private Q_SLOTS:
 
     void refusedRequest()
     {
-        struct Row {
-            const char* name;
-            QByteArray url; ///< PORT stands for that of the server
-            QByteArrayList header = {"x-api-key", "k"};
-        };
-        const QByteArray good = "http://127.0.0.1:PORT/";
-        for (const auto& [name, url, header] :
-             {Row{"no address", ""}, Row{"no host", "http://?key=SECRET"},
-              Row{"no such port", "http://localhost:99999/?key=SECRET"},
-              Row{"line break in the address", good + "?key=SECRET\r\nx: y"},
-              Row{"zero in the address", good + QByteArray("\0?key=SECRET", 12)},
-              Row{"file", "file:///etc/passwd?key=SECRET"},
-              Row{"ftp", "ftp://127.0.0.1:PORT/?key=SECRET"},
-              Row{"line break", good, {"x-api-key", "SECRET\r\nx-other: SECRET"}},
-              Row{"zero", good, {"x-api-key", QByteArray("SECRET\0SECRET", 13)}},
-              Row{"escape", good, {"x-api-key", "SECRET\x1b[0m"}},
-              Row{"delete", good, {"x-api-key", "SECRET\x7f"}},
-              Row{"line break in a name", good, {"x\r\ny", "SECRET"}}}) {
+        const QByteArray good = "http://127.0.0.1:PORT/"; // where PORT stands for the server's
+        const QByteArray key = "x-api-key";
+        for (const auto& [name, url, header, value] :
+             Rows<const char*, QByteArray, QByteArray, QByteArray>{
+                 {"no address", "", key, "k"},
+                 {"no host", "http://?key=SECRET", key, "k"},
+                 {"no such port", "http://localhost:99999/?key=SECRET", key, "k"},
+                 {"line break in the address", good + "?key=SECRET\r\nx: y", key, "k"},
+                 {"zero in the address", good + QByteArray("\0?key=SECRET", 12), key, "k"},
+                 {"file", "file:///etc/passwd?key=SECRET", key, "k"},
+                 {"ftp", "ftp://127.0.0.1:PORT/?key=SECRET", key, "k"},
+                 {"line break", good, key, "SECRET\r\nx-other: SECRET"},
+                 {"zero", good, key, QByteArray("SECRET\0SECRET", 13)},
+                 {"escape", good, key, "SECRET\x1b[0m"},
+                 {"delete", good, key, "SECRET\x7f"},
+                 {"line break in a name", good, "x\r\ny", "SECRET"}}) {
             const InRow row(name);
             const ScriptedServer server({.pieces = {okReply}});
             HttpRequest request = requestTo(QByteArray(url).replace("PORT", server.port()));
-            request.headers = {{"x-a", "a"}, {header[0], header[1]}};
+            request.headers = {{"x-a", "a"}, {header, value}};
             const QByteArray outcome = post(request);
             QVERIFY2(outcome.startsWith('[') && outcome.size() > 2, outcome.constData());
             QVERIFY2(!outcome.toUpper().contains("SECRET"), outcome.constData());
@@ -190,11 +183,8 @@ private Q_SLOTS:
 
     void nothingIsSentAgain()
     {
-        struct Row {
-            int answered; ///< requests before it
-            bool readsBody;
-        };
-        for (const auto& [answered, readsBody] : {Row{0, true}, Row{2, true}, Row{1, false}}) {
+        for (const auto& [answered, readsBody] :
+             Rows<int, bool>{{0, true}, {2, true}, {1, false}}) {
             const InRow row(answered, readsBody);
             // These keep the connection open, as if it could be used again.
             std::vector<Answer> answers(static_cast<std::size_t>(answered),
@@ -278,13 +268,8 @@ private Q_SLOTS:
 
     void stopEndsTheTransfer()
     {
-        struct Row {
-            QByteArray response;
-            qsizetype bodySize;
-            QByteArray received;
-        };
-        for (const auto& [response, bodySize, received] :
-             {Row{"", 1, ""}, Row{"", 1 << 24, ""}, Row{okReply.chopped(1), 1, "200 o"}}) {
+        for (const auto& [response, bodySize, received] : Rows<QByteArray, qsizetype, QByteArray>{
+                 {"", 1, ""}, {"", 1 << 24, ""}, {okReply.chopped(1), 1, "200 o"}}) {
             const InRow row(response, bodySize);
             const ScriptedServer server(
                 {.pieces = {response}, .readsBody = false, .closes = false});

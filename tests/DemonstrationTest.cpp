@@ -49,24 +49,20 @@ private Q_SLOTS:
 
     void shows()
     {
-        struct Row {
-            QStringList arguments;
-            QString pattern; ///< what the output holds, in this order
-        };
-        for (const auto& [arguments, pattern] :
-             {Row{{}, u"THE HISTORY OF THE ROMAN EMPIRE.*"_s},
-              Row{{u"the history of the roman empire"_s},
+        for (const auto& [arguments, pattern] : Rows<QStringList, QString>{
+                 {QStringList(), u"THE HISTORY OF THE ROMAN EMPIRE.*"_s},
+                 {{u"the history of the roman empire"_s},
                   u"Claude Sonnet 5.*THE HISTORY OF THE ROMAN EMPIRE.*## .*"
                   "CONTENTS\n  1\\. From Republic to Empire.*SEE ALSO.*"
                   "→ opening the section “From Republic to Empire”.*"
                   "FROM REPUBLIC TO EMPIRE.*SEE ALSO.*"
                   "← back to “The History Of The Roman Empire”.* 0 requests.*"
                   "reopened, 0 requests made"_s},
-              Row{{u" Black HOLES "_s, u"gemini"_s},
+                 {{u" Black HOLES "_s, u"gemini"_s},
                   u"Gemini 3.6 Flash.*BLACK HOLES.*SEE ALSO.*reopened, 0 requests made"_s},
-              Row{{u"palimpsest"_s, u"claude-haiku-4-5"_s},
+                 {{u"palimpsest"_s, u"claude-haiku-4-5"_s},
                   u"Claude Haiku 4.5.*PALIMPSEST.*SEE ALSO.*reopened, 0 requests made"_s},
-              Row{{u"the invention of the \"teapot\" lid"_s},
+                 {{u"the invention of the \"teapot\" lid"_s},
                   u"library.*reopened, 0 requests made"_s}}) {
             const InRow row(arguments);
             const Run result = run(arguments);

@@ -149,9 +149,10 @@ private Q_SLOTS:
         QVERIFY(writeFileAtomically(at(u"file"_s), "old"));
         const auto limit = onFullDisk();
         for (const auto& [name, length, folderMode] :
-             {std::tuple(u"file"_s, 100000, 0700U), // too much for the disk
-              std::tuple(u"file"_s, 1, 0500U), std::tuple(u"folder"_s, 1, 0700U),
-              std::tuple(u"nothing/below"_s, 1, 0700U)}) {
+             Rows<QString, int, mode_t>{{u"file"_s, 100000, 0700U}, // too much for the disk
+                                        {u"file"_s, 1, 0500U},
+                                        {u"folder"_s, 1, 0700U},
+                                        {u"nothing/below"_s, 1, 0700U}}) {
             const InRow row(name, length, folderMode);
             setMode(m_folder->path(), folderMode);
             QVERIFY(!writeFileAtomically(at(name), QByteArray(length, 'x')));

@@ -93,9 +93,10 @@ private Q_SLOTS:
         m_shortcuts->onKeyUp(other(), calls(u"other"_s));
         QCOMPARE(m_events.registered.size(), 2U);
         QCOMPARE(m_events.installations, 1);
-        for (const auto& [shortcut, kind, call] : {std::tuple(optionCommandF, pressed, u"down"_s),
-                                                   std::tuple(optionCommandF, released, u"up"_s),
-                                                   std::tuple(controlJ, released, u"other"_s)}) {
+        for (const auto& [shortcut, kind, call] :
+             Rows<Shortcut, quint32, QString>{{optionCommandF, pressed, u"down"_s},
+                                              {optionCommandF, released, u"up"_s},
+                                              {controlJ, released, u"other"_s}}) {
             QCOMPARE(send(shortcut, kind), std::optional(0));
             QCOMPARE(takeCalls(), QStringList{call});
         }
@@ -106,12 +107,12 @@ private Q_SLOTS:
     {
         m_shortcuts->onKeyDown(open(), calls(u"down"_s));
         constexpr HotKeyIdentity ours{.signature = 0x53534B53, .id = 1};
-        for (const auto& [event, answer] :
-             {std::pair(HotKeyEvent{.kind = pressed, .parameterStatus = -9870, .identity = ours},
-                        -9870), // unreadable
-              std::pair(HotKeyEvent{.kind = pressed, .identity = {0x53534B54, 1}}, -9874),
-              std::pair(HotKeyEvent{.kind = pressed, .identity = {0x53534B53, 2}}, -9874),
-              std::pair(HotKeyEvent{.kind = 1, .identity = ours}, -9874)}) { // as a key's
+        for (const auto& [event, answer] : Rows<HotKeyEvent, int>{
+                 {HotKeyEvent{.kind = pressed, .parameterStatus = -9870, .identity = ours},
+                  -9870}, // unreadable
+                 {HotKeyEvent{.kind = pressed, .identity = {0x53534B54, 1}}, -9874},
+                 {HotKeyEvent{.kind = pressed, .identity = {0x53534B53, 2}}, -9874},
+                 {HotKeyEvent{.kind = 1, .identity = ours}, -9874}}) { // as a key's
             const InRow row(event.kind, event.identity.signature, event.identity.id);
             QCOMPARE(m_events.send(event), std::optional(answer));
             QVERIFY(m_calls.isEmpty());

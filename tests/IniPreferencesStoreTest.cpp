@@ -97,14 +97,15 @@ private Q_SLOTS:
     {
         const QString none = u"(none)"_s;
         for (const auto& [text, expected] :
-             {std::pair(QByteArray("a=@ByteArray(x)"), none),
-              std::pair(QByteArray("a=b, @Variant(\\0)"), none),
-              std::pair(QByteArray("[x]\na=x"), none), std::pair(QByteArray("b=\"\na=x"), none),
-              std::pair(QByteArray("\ta = x , \ty; no"), u"x|y"_s),
-              std::pair(QByteArray("; a=1\n ;a=2\n\ta=x"), u"x"_s),
-              std::pair(QByteArray("a=\\x62\\141n\\x61\"na\"\\z"), u"banana"_s),
-              std::pair(QByteArray("a=1\n[x]\na=2\n[GENERAL]\na=x"), u"x"_s),
-              std::pair(QByteArray("\xEF\xBB\xBF[General]\r\na=x\r\n"), u"x"_s)}) {
+             Rows<QByteArray, QString>{{QByteArray("a=@ByteArray(x)"), none},
+                                       {QByteArray("a=b, @Variant(\\0)"), none},
+                                       {QByteArray("[x]\na=x"), none},
+                                       {QByteArray("b=\"\na=x"), none},
+                                       {QByteArray("\ta = x , \ty; no"), u"x|y"_s},
+                                       {QByteArray("; a=1\n ;a=2\n\ta=x"), u"x"_s},
+                                       {QByteArray("a=\\x62\\141n\\x61\"na\"\\z"), u"banana"_s},
+                                       {QByteArray("a=1\n[x]\na=2\n[GENERAL]\na=x"), u"x"_s},
+                                       {QByteArray("\xEF\xBB\xBF[General]\r\na=x\r\n"), u"x"_s}}) {
             const InRow row(text);
             const auto words = IniPreferencesStore(fileOf(text)).stringArray(u"a"_s);
             QCOMPARE(words ? words->join(u'|') : none, expected);

@@ -166,30 +166,24 @@ private Q_SLOTS:
 
     void bindsWhatHasToBe()
     {
-        struct Row {
-            const char* name;
-            bool isPlasma;
-            uint version;
-            QStringList listed;
-            uint listing;
-            int bindings;
-        };
-        for (const Row& row :
-             {Row{"known", false, 1, {idJ, idF}, 0, 1}, Row{"cannot list", false, 1, {}, 2, 1},
-              Row{"new, Plasma 6.3", true, 1, {idJ}, 0, 1},
-              Row{"known, Plasma 6.3", true, 1, {idJ, idF}, 0, 0},
-              Row{"known, Plasma 6.7", true, 2, {idJ, idF}, 0, 1}}) {
-            const InRow name(row.name);
+        for (const auto& [name, isPlasma, version, listed, listing, bindings] :
+             Rows<const char*, bool, uint, QStringList, uint, int>{
+                 {"known", false, 1, {idJ, idF}, 0, 1},
+                 {"cannot list", false, 1, {}, 2, 1},
+                 {"new, Plasma 6.3", true, 1, {idJ}, 0, 1},
+                 {"known, Plasma 6.3", true, 1, {idJ, idF}, 0, 0},
+                 {"known, Plasma 6.7", true, 2, {idJ, idF}, 0, 1}}) {
+            const InRow row(name);
             Fixture f;
-            f.backend.version = row.version;
-            f.backend.listed = row.listed;
-            f.backend.listing = row.listing;
-            if (row.isPlasma)
+            f.backend.version = version;
+            f.backend.listed = listed;
+            f.backend.listing = listing;
+            if (isPlasma)
                 QVERIFY(f.desktop.registerService(u"org.freedesktop.impl.portal.desktop.kde"_s));
             f.startPortal();
             QVERIFY(f.add(keyF));
             f.tryToHear(idF, 1);
-            QTRY_COMPARE(f.backend.bindings, row.bindings); // a known one may be heard before
+            QTRY_COMPARE(f.backend.bindings, bindings); // a known one may be heard before
             QCOMPARE(f.backend.sessions.size(), 1U);
             QVERIFY(f.refused.isEmpty());
         }
@@ -197,29 +191,24 @@ private Q_SLOTS:
 
     void refusals()
     {
-        struct Row {
-            const char* name;
-            uint creation;
-            uint binding;
-            QStringList granted;
-            int refused;
-        };
-        for (const Row& row :
-             {Row{"no session", 2, 0, {idF, idJ}, 2}, Row{"by the user", 0, 1, {idF, idJ}, 2},
-              Row{"nothing bound", 0, 0, {}, 2}, Row{"one of two", 0, 0, {idJ}, 1}}) {
-            const InRow name(row.name);
+        for (const auto& [name, creation, binding, granted, refused] :
+             Rows<const char*, uint, uint, QStringList, int>{{"no session", 2, 0, {idF, idJ}, 2},
+                                                             {"by the user", 0, 1, {idF, idJ}, 2},
+                                                             {"nothing bound", 0, 0, {}, 2},
+                                                             {"one of two", 0, 0, {idJ}, 1}}) {
+            const InRow row(name);
             Fixture f;
-            f.backend.creation = row.creation;
-            f.backend.binding = row.binding;
-            f.backend.granted = row.granted;
+            f.backend.creation = creation;
+            f.backend.binding = binding;
+            f.backend.granted = granted;
             f.startPortal();
             const auto first = f.add(keyF, 1);
             const auto second = f.add(keyJ, 2);
-            QTRY_COMPARE(f.refused.size(), row.refused);
+            QTRY_COMPARE(f.refused.size(), refused);
             QVERIFY(f.refused.contains(first.value()));
-            QCOMPARE(f.refused.contains(second.value()), row.refused == 2);
-            QTRY_COMPARE(f.backend.openSessions().size(), 2 - row.refused);
-            if (row.refused == 1)
+            QCOMPARE(f.refused.contains(second.value()), refused == 2);
+            QTRY_COMPARE(f.backend.openSessions().size(), 2 - refused);
+            if (refused == 1)
                 f.tryToHear(idJ, 2);
 
             f.backend.creation = 0;
@@ -233,7 +222,7 @@ private Q_SLOTS:
     void noPortalForShortcuts()
     {
         for (const auto& [isPortal, isBus] :
-             {std::pair(true, true), std::pair(false, true), std::pair(false, false)}) {
+             Rows<bool, bool>{{true, true}, {false, true}, {false, false}}) {
             const InRow row(isPortal, isBus);
             Fixture f;
             if (isPortal)
@@ -389,9 +378,9 @@ private Q_SLOTS:
     {
         Fixture f;
         for (const auto& [key, modifiers, plasma] :
-             {std::tuple(0x7F, optionCommand, ""), // no key
-              std::tuple(keyF, carbonModifier::function | optionCommand, ""),
-              std::tuple(keyF, optionCommand, "5")}) {
+             Rows<int, int, const char*>{{0x7F, optionCommand, ""}, // no key
+                                         {keyF, carbonModifier::function | optionCommand, ""},
+                                         {keyF, optionCommand, "5"}}) {
             qputenv("KDE_SESSION_VERSION", plasma);
             QVERIFY(!f.events->registerHotKey(key, modifiers, {.signature = 1, .id = 1}));
             qunsetenv("KDE_SESSION_VERSION");
@@ -404,23 +393,17 @@ private Q_SLOTS:
         FakeKeyboard keyboard;
         constexpr int control = carbonModifier::control;
         constexpr int all = control | carbonModifier::shift | optionCommand;
-        struct Row {
-            int key;
-            QString typed; ///< on the layout
-            int modifiers;
-            QString trigger;
-            QString shown;
-        };
         for (const auto& [key, typed, modifiers, trigger, shown] :
-             {Row{keyF, u""_s, optionCommand, u"ALT+LOGO+f"_s, u"Alt+Super+F"_s},
-              Row{keyJ, u"j"_s, all, u"CTRL+ALT+SHIFT+LOGO+j"_s, u"Ctrl+Alt+Shift+Super+J"_s},
-              Row{0x6F, u""_s, 0, u"F12"_s, u"F12"_s},
-              Row{0x06, u"y"_s, optionCommand, u"ALT+LOGO+y"_s, u"Alt+Super+Y"_s}, // German
-              Row{0x12, u"&"_s, optionCommand, u"ALT+LOGO+ampersand"_s, u"Alt+Super+ampersand"_s},
-              Row{keyF, u"а"_s, optionCommand, u"ALT+LOGO+f"_s, u"Alt+Super+F"_s}, // Russian
-              Row{0x31, u" "_s, control, u"CTRL+space"_s, u"Ctrl+space"_s},
-              Row{0x7B, u""_s, control, u"CTRL+Left"_s, u"Ctrl+Left"_s},
-              Row{0x57, u"5"_s, control, u"CTRL+KP_5"_s, u"Ctrl+KP_5"_s}}) {
+             Rows<int, QString, int, QString, QString>{
+                 {keyF, u""_s, optionCommand, u"ALT+LOGO+f"_s, u"Alt+Super+F"_s},
+                 {keyJ, u"j"_s, all, u"CTRL+ALT+SHIFT+LOGO+j"_s, u"Ctrl+Alt+Shift+Super+J"_s},
+                 {0x6F, u""_s, 0, u"F12"_s, u"F12"_s},
+                 {0x06, u"y"_s, optionCommand, u"ALT+LOGO+y"_s, u"Alt+Super+Y"_s}, // German
+                 {0x12, u"&"_s, optionCommand, u"ALT+LOGO+ampersand"_s, u"Alt+Super+ampersand"_s},
+                 {keyF, u"а"_s, optionCommand, u"ALT+LOGO+f"_s, u"Alt+Super+F"_s}, // Russian
+                 {0x31, u" "_s, control, u"CTRL+space"_s, u"Ctrl+space"_s},
+                 {0x7B, u""_s, control, u"CTRL+Left"_s, u"Ctrl+Left"_s},
+                 {0x57, u"5"_s, control, u"CTRL+KP_5"_s, u"Ctrl+KP_5"_s}}) {
             const InRow row(trigger);
             keyboard.setCharacters({{key, typed}});
             const auto properties = portalShortcut(key, modifiers, keyboard).value().properties;

@@ -99,10 +99,12 @@ private Q_SLOTS:
     {
         QVERIFY(m_program->start());
         // The empty action is the activation of the whole.
-        for (const auto& [action, shown] :
-             {std::pair(u""_s, true), std::pair(u""_s, true), std::pair(u"toggle"_s, false),
-              std::pair(u"toggle"_s, true), std::pair(u"Toggle"_s, true),
-              std::pair(u"quit"_s, true)}) {
+        for (const auto& [action, shown] : Rows<QString, bool>{{u""_s, true},
+                                                               {u""_s, true},
+                                                               {u"toggle"_s, false},
+                                                               {u"toggle"_s, true},
+                                                               {u"Toggle"_s, true},
+                                                               {u"quit"_s, true}}) {
             const InRow row(action);
             QVERIFY(action.isEmpty() ? m_program->activate() : m_program->activateAction(action));
             QVERIFY(m_program->settles());

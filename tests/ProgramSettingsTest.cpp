@@ -66,19 +66,15 @@ private Q_SLOTS:
             settingsPicture("[General]\nKeyboardShortcuts_openVarno=false\n");
         QVERIFY(!usual.isEmpty() && !withoutShortcut.isEmpty());
         QVERIFY(usual != withoutShortcut);
-        struct Row {
-            QByteArray preferences;
-            const QByteArray& picture;
-        };
-        for (const auto& [preferences, picture] :
-             {Row{QByteArray("\0\xff\xfe[[[\n=\n\"", 11), usual},
-              Row{"[General]\ntheme=plaid\naiModel=abacus\nfontSize=gigantic\n"
+        for (const auto& [preferences, picture] : Rows<QByteArray, const QByteArray&>{
+                 {QByteArray("\0\xff\xfe[[[\n=\n\"", 11), usual},
+                 {"[General]\ntheme=plaid\naiModel=abacus\nfontSize=gigantic\n"
                   "webSearchEnabled=perhaps\nsearchHistory=@Point(1 2)\n",
                   usual},
-              Row{"[General]\ntheme=dark, amber\naiModel=@Point(1 2)\n"
+                 {"[General]\ntheme=dark, amber\naiModel=@Point(1 2)\n"
                   "fontSize=@ByteArray(large)\nwebSearchEnabled=true, true\n",
                   usual},
-              Row{"[General]\nKeyboardShortcuts_openVarno=banana\n", withoutShortcut}}) {
+                 {"[General]\nKeyboardShortcuts_openVarno=banana\n", withoutShortcut}}) {
             const InRow row(preferences);
             QVERIFY(settingsPicture(preferences) == picture);
             QCOMPARE(m_program->console(), QByteArray());

@@ -143,15 +143,14 @@ private Q_SLOTS:
 
     void endsWithoutChange()
     {
-        using End = std::function<void()>;
-        for (const auto& [name, end] :
-             {std::pair("Escape", End([this] { press(Key::escape); })),
-              std::pair("Tab", End([this] { press(Key::tab); })),
-              std::pair("click elsewhere",
-                        End([this] { QTest::mouseClick(&m_screen->other, Qt::LeftButton); })),
-              std::pair("focus elsewhere", End([this] { m_screen->other.setFocus(); })),
-              std::pair("hidden", End([this] { recorder().hide(); })),
-              std::pair("destroyed", End([this] { m_screen.reset(); }))}) {
+        for (const auto& [name, end] : Rows<const char*, std::function<void()>>{
+                 {"Escape", [this] { press(Key::escape); }},
+                 {"Tab", [this] { press(Key::tab); }},
+                 {"click elsewhere",
+                  [this] { QTest::mouseClick(&m_screen->other, Qt::LeftButton); }},
+                 {"focus elsewhere", [this] { m_screen->other.setFocus(); }},
+                 {"hidden", [this] { recorder().hide(); }},
+                 {"destroyed", [this] { m_screen.reset(); }}}) {
             const InRow row(name);
             init();
             click();
@@ -168,11 +167,10 @@ private Q_SLOTS:
 
     void clears()
     {
-        using Clear = std::function<void()>;
-        for (const auto& [name, clear] :
-             {std::pair("button", Clear([this] { clearButton().click(); })),
-              std::pair("Backspace", Clear([this] { click(), press(Key::deleteKey); })),
-              std::pair("Delete", Clear([this] { click(), press(Key::forwardDelete); }))}) {
+        for (const auto& [name, clear] : Rows<const char*, std::function<void()>>{
+                 {"button", [this] { clearButton().click(); }},
+                 {"Backspace", [this] { click(), press(Key::deleteKey); }},
+                 {"Delete", [this] { click(), press(Key::forwardDelete); }}}) {
             const InRow row(name);
             init();
             clear();
@@ -229,9 +227,11 @@ private Q_SLOTS:
     {
         const Modifiers option(Modifier::option);
         for (const auto& [minor, modifiers, isRefused] :
-             {std::tuple(1, option, true), std::tuple(0, option | Modifier::shift, true),
-              std::tuple(2, option, false), std::tuple(0, option | Modifier::command, false),
-              std::tuple(0, Modifiers(Modifier::shift), false)}) {
+             Rows<int, Modifiers, bool>{{1, option, true},
+                                        {0, option | Modifier::shift, true},
+                                        {2, option, false},
+                                        {0, option | Modifier::command, false},
+                                        {0, Modifiers(Modifier::shift), false}}) {
             const InRow row(minor, modifiers.toInt());
             const QOperatingSystemVersion system(QOperatingSystemVersion::MacOS, 15, minor);
             const auto refusal = refusalOf(Shortcut(Key::j, modifiers), {.system = system});

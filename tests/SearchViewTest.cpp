@@ -75,8 +75,9 @@ private Q_SLOTS:
     void returnSearches()
     {
         for (const auto& [typed, searched] :
-             {std::pair(u""_s, u""_s), std::pair(u"  \t \u2003"_s, u""_s),
-              std::pair(u"  black holes \t"_s, u"black holes"_s)}) {
+             Rows<QString, QString>{{u""_s, u""_s},
+                                    {u"  \t \u2003"_s, u""_s},
+                                    {u"  black holes \t"_s, u"black holes"_s}}) {
             const InRow row(typed);
             const SearchFixture f;
             f.field().setText(typed);
@@ -167,9 +168,8 @@ private Q_SLOTS:
     void textSizeFollowsTheSetting()
     {
         const SearchFixture f;
-        for (const auto& [size, pixels] :
-             {std::pair(FontSize::small, 14), std::pair(FontSize::large, 19),
-              std::pair(FontSize::medium, 16)}) {
+        for (const auto& [size, pixels] : Rows<FontSize, int>{
+                 {FontSize::small, 14}, {FontSize::large, 19}, {FontSize::medium, 16}}) {
             f.model->setFontSize(size);
             QCOMPARE(f.field().font().pixelSize(), pixels);
         }

@@ -38,9 +38,11 @@ private Q_SLOTS:
 
     void carbonMasksKeepFiveModifiers()
     {
-        for (const auto& [carbon, flag] :
-             {std::pair(0x100, 0x100000U), std::pair(0x200, 0x20000U), std::pair(0x800, 0x80000U),
-              std::pair(0x1000, 0x40000U), std::pair(0x20000, 0x800000U)}) {
+        for (const auto& [carbon, flag] : Rows<int, quint32>{{0x100, 0x100000U},
+                                                             {0x200, 0x20000U},
+                                                             {0x800, 0x80000U},
+                                                             {0x1000, 0x40000U},
+                                                             {0x20000, 0x800000U}}) {
             QCOMPARE(modifiersOf(carbon).toInt(), flag);
             QCOMPARE(carbonModifiersOf(Modifiers::fromInt(flag)), carbon);
         }
@@ -56,12 +58,12 @@ private Q_SLOTS:
         const Modifiers all = Modifier::function | Modifier::command | Modifier::shift |
                               Modifier::option | Modifier::control;
         const QString globe = QString::fromUcs4(U"\U0001F310\uFE0E");
-        for (const auto& [shortcut, text] :
-             {std::pair(optionCommandF, u"⌥⌘F"_s),
-              std::pair(Shortcut(Key::returnKey, all), u"⌃⌥⇧⌘"_s + globe + u"↩"_s),
-              std::pair(Shortcut(Key::y, Modifier::command), u"⌘Z"_s), // as the layout types
-              std::pair(Shortcut(Key::minus, Modifiers()), u"ß"_s),    // no second letter
-              std::pair(Shortcut(Key::space, {}), u"Space"_s)})
+        for (const auto& [shortcut, text] : Rows<Shortcut, QString>{
+                 {optionCommandF, u"⌥⌘F"_s},
+                 {Shortcut(Key::returnKey, all), u"⌃⌥⇧⌘"_s + globe + u"↩"_s},
+                 {Shortcut(Key::y, Modifier::command), u"⌘Z"_s}, // as the layout types
+                 {Shortcut(Key::minus, Modifiers()), u"ß"_s},    // no second letter
+                 {Shortcut(Key::space, {}), u"Space"_s}})
             QCOMPARE(shortcut.description(m_keyboard), text);
     }
 

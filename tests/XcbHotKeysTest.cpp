@@ -212,14 +212,8 @@ private Q_SLOTS:
         const XcbKeyboard keyboard(*m_connection);
         QCOMPARE(keyboard.character(static_cast<int>(Key::y)), u"y"_s);
         QVERIFY(add(Shortcut(Key::y, Modifier::command)));
-        struct Row {
-            QString layout;
-            bool isSecond; ///< of the two
-            QString character;
-        };
-        for (const auto& [layout, isSecond, character] :
-             {Row{u"de"_s, false, u"z"_s}, Row{u"us,ru"_s, true, u"н"_s},
-              Row{u"us"_s, false, u"y"_s}}) {
+        for (const auto& [layout, isSecond, character] : Rows<QString, bool, QString>{
+                 {u"de"_s, false, u"z"_s}, {u"us,ru"_s, true, u"н"_s}, {u"us"_s, false, u"y"_s}}) {
             const InRow row(layout);
             QCOMPARE(
                 QProcess::execute(u"setxkbmap"_s, {layout, u"-option"_s, u"grp:sclk_toggle"_s}), 0);
