@@ -140,10 +140,11 @@ private Q_SLOTS:
         QCOMPARE(takeCalls(), QStringList({u"down"_s, u"up"_s}));
     }
 
-    void changedShortcutIsLiveAtOnce()
+    void changesAreLiveAtOnce()
     {
         const Name name = open();
         m_shortcuts->onKeyUp(name, calls(u"up"_s));
+        QVERIFY(m_shortcuts->isEnabled(name));
         m_shortcuts->setShortcut(controlJ, name);
         QVERIFY(!send(optionCommandF));
         QCOMPARE(send(controlJ), std::optional(0));
@@ -152,6 +153,13 @@ private Q_SLOTS:
         QVERIFY(m_events.registered.empty());
         m_shortcuts->resetAll();
         QCOMPARE(send(optionCommandF), std::optional(0));
+        m_shortcuts->disable({name});
+        QVERIFY(!m_shortcuts->isEnabled(name));
+        QVERIFY(m_events.registered.empty());
+        QCOMPARE(m_shortcuts->getShortcut(name), std::optional(optionCommandF));
+        m_shortcuts->enable({name});
+        QVERIFY(m_shortcuts->isEnabled(name));
+        QVERIFY(send(optionCommandF));
     }
 
     void sharedShortcut()
@@ -168,20 +176,6 @@ private Q_SLOTS:
         QCOMPARE(takeCalls(), QStringList{u"other"_s});
         m_shortcuts->removeAllHandlers();
         QVERIFY(m_events.registered.empty());
-    }
-
-    void enableAndDisable()
-    {
-        const Name name = open();
-        m_shortcuts->onKeyUp(name, calls(u"up"_s));
-        QVERIFY(m_shortcuts->isEnabled(name));
-        m_shortcuts->disable({name});
-        QVERIFY(!m_shortcuts->isEnabled(name));
-        QVERIFY(m_events.registered.empty());
-        QCOMPARE(m_shortcuts->getShortcut(name), std::optional(optionCommandF));
-        m_shortcuts->enable({name});
-        QVERIFY(m_shortcuts->isEnabled(name));
-        QVERIFY(send(optionCommandF));
     }
 
     void pausing()

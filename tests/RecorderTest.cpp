@@ -139,6 +139,16 @@ private Q_SLOTS:
         QCOMPARE(stored(), std::optional(optionCommandJ));
         QCOMPARE(m_changes, QList{std::optional(optionCommandJ)});
         QCOMPARE(m_active, QList({true, false}));
+        for (const Key key : {Key::escape, Key::tab, Key::deleteKey, Key::forwardDelete}) {
+            click();
+            press(key, Qt::AltModifier);
+            QCOMPARE(stored(), std::optional(Shortcut(key, Modifier::option)));
+        }
+        m_shortcuts->setShortcut(optionCommandF, openVarno()); // by somebody else
+        QCOMPARE(recorder().text(), u"⌥⌘F"_s);
+        m_keyboard.setCharacters({{static_cast<int>(Key::f), u"а"_s}});
+        QCOMPARE(recorder().text(), u"⌥⌘А"_s);
+        m_keyboard.setCharacters({});
     }
 
     void endsWithoutChange()
@@ -179,15 +189,6 @@ private Q_SLOTS:
             QVERIFY(!recorder().isRecording());
             QCOMPARE(recorder().text(), QString());
             QVERIFY(!clearButton().isVisible());
-        }
-    }
-
-    void keysWithModifiersAreCombinations()
-    {
-        for (const Key key : {Key::escape, Key::tab, Key::deleteKey, Key::forwardDelete}) {
-            click();
-            press(key, Qt::AltModifier);
-            QCOMPARE(stored(), std::optional(Shortcut(key, Modifier::option)));
         }
     }
 
@@ -292,15 +293,6 @@ private Q_SLOTS:
         pressOptionCommand(Key::j);
         QVERIFY(!doomed);
         QCOMPARE(stored(), std::optional(optionCommandJ));
-    }
-
-    void followsOthersChanges()
-    {
-        m_shortcuts->setShortcut(optionCommandJ, openVarno());
-        QCOMPARE(recorder().text(), u"⌥⌘J"_s);
-        m_keyboard.setCharacters({{static_cast<int>(Key::j), u"о"_s}});
-        QCOMPARE(recorder().text(), u"⌥⌘О"_s);
-        m_keyboard.setCharacters({});
     }
 
     void realKeys()

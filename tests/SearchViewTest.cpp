@@ -129,8 +129,14 @@ private Q_SLOTS:
     void typingTakesThePlaceOfRecentSearches()
     {
         const SearchFixture f(2);
-        QTest::keyClicks(&f.field(), u"r"_s);
+        QVERIFY(f.field().hasFocus());
+        QTest::keyClicks(&f.field(), u"one two"_s);
         QCOMPARE(f.rows(), QStringList());
+        QTest::keyClick(&f.field(), Qt::Key_Left, Qt::ControlModifier);
+        QCOMPARE(f.field().cursorPosition(), 4); // words, as in any field
+        QTest::keyClick(&f.field(), Qt::Key_Z, Qt::ControlModifier);
+        QVERIFY(f.field().text() != u"one two"_s);
+        QTest::keyClicks(&f.field(), u"three"_s);
         shownButton(f.view, u"Clear the search"_s)->click();
         QCOMPARE(f.field().text(), QString());
         QVERIFY(f.field().hasFocus());
@@ -152,7 +158,7 @@ private Q_SLOTS:
         }
     }
 
-    void bottomBarTellsTheShortcut()
+    void followsShortcutAndTextSize()
     {
         SearchFixture f;
         QVERIFY(shownText(f.view, u"⌘K  New search"_s));
@@ -163,13 +169,8 @@ private Q_SLOTS:
         QCOMPARE(settings->toolTip(), u"Settings"_s);
         settings->click();
         QVERIFY(f.model->isShowingSettings());
-    }
-
-    void textSizeFollowsTheSetting()
-    {
-        const SearchFixture f;
-        for (const auto& [size, pixels] : Rows<FontSize, int>{
-                 {FontSize::small, 14}, {FontSize::large, 19}, {FontSize::medium, 16}}) {
+        for (const auto& [size, pixels] :
+             Rows<FontSize, int>{{FontSize::small, 14}, {FontSize::large, 19}}) {
             f.model->setFontSize(size);
             QCOMPARE(f.field().font().pixelSize(), pixels);
         }
@@ -184,17 +185,6 @@ private Q_SLOTS:
             QVERIFY(row->width() <= area.viewport()->width());
             QVERIFY(row->height() >= row->sizeHint().height());
         }
-    }
-
-    void worksByKeyboard()
-    {
-        const SearchFixture f;
-        QVERIFY(f.field().hasFocus());
-        QTest::keyClicks(&f.field(), u"one two"_s);
-        QTest::keyClick(&f.field(), Qt::Key_Left, Qt::ControlModifier);
-        QCOMPARE(f.field().cursorPosition(), 4); // words, as in any field
-        QTest::keyClick(&f.field(), Qt::Key_Z, Qt::ControlModifier);
-        QVERIFY(f.field().text() != u"one two"_s);
     }
 };
 
