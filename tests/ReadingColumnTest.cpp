@@ -146,6 +146,8 @@ private Q_SLOTS:
         }
         QVERIFY(page.window.keys.isEmpty());
         page.scrollBar().setValue(1000);
+        page.key(Qt::Key_Shift, Qt::ShiftModifier);
+        QCOMPARE(page.scrollBar().value(), 1000);
         page.key(Qt::Key_Space, Qt::ShiftModifier);
         QCOMPARE(page.scrollBar().value(), 1000 - height);
         page.key(Qt::Key_Down, Qt::AltModifier);
