@@ -64,7 +64,7 @@ struct Fixture {
         backend.sessions.clear();
     }
 
-    std::optional<Reference> add(int key, quint32 id = 1)
+    [[nodiscard]] std::optional<Reference> add(int key, quint32 id = 1) const
     {
         return events->registerHotKey(key, optionCommand, {.signature = 1, .id = id});
     }

@@ -37,7 +37,7 @@ inline constexpr quint16 altSuper = XCB_MOD_MASK_1 | XCB_MOD_MASK_4;
 class XDesktop {
     /// The reply to a request, or null.
     template <auto request, auto reply, typename... Arguments>
-    auto ask(Arguments... arguments) const
+    [[nodiscard]] auto ask(Arguments... arguments) const
     {
         using Reply = std::remove_pointer_t<decltype(reply(nullptr, {}, nullptr))>;
         const auto send = [&]<typename Cookie, typename... Parameters>(
