@@ -272,8 +272,9 @@ private Q_SLOTS:
 
         RecorderCocoa alone(openVarno(), {}, *m_shortcuts);
         alone.show();
+        alone.activateWindow();
+        QVERIFY(QTest::qWaitForWindowActive(&alone));
         alone.startRecording();
-        QApplication::setActiveWindow(&alone);
         QKeyEvent event(QEvent::KeyPress, Qt::Key_unknown, {},
                         FakeKeyboard::scanCode(static_cast<int>(Key::j)), 0, 0);
         QCoreApplication::sendEvent(&alone, &event);
