@@ -76,7 +76,8 @@ private:
 public:
     HistoryStore history{path()};
     IniPreferencesStore preferences{m_folder.filePath(u"Varno.conf"_s)};
-    AppViewModel model{{preferences, history, m_service, m_service}};
+    AppViewModel model{{preferences, history, m_service, m_service,
+                        [] { return QDateTime::fromSecsSinceEpoch(0); }}}; // keeps all sessions
 };
 
 void start(benchmark::State& state, const QString& path)

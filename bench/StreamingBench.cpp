@@ -52,6 +52,8 @@ public:
         QObject::connect(&m_model, &AppViewModel::changed, &m_model,
                          [this] { m_seen = m_model.streamingContent().size(); });
         m_model.search(u"sediment"_s);
+        while (!m_model.isShowingEntry()) // before the history has been read
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
     }
 
     /// Begins the page anew and brings it to `length`, in pieces as a page grows.
