@@ -227,7 +227,7 @@ void AppViewModel::takeStoredSearches()
         set(m_preferences.searchHistory, std::move(searches), Change::searchHistory);
 }
 
-const Session* AppViewModel::savedSession(const QString& query)
+const Session* AppViewModel::savedSession(const QString& query) const
 {
     const Session* saved = m_dependencies.history.sessions().find(query);
     const Page* root = saved ? saved->rootPage() : nullptr;

@@ -156,7 +156,7 @@ private:
     void recordSearch(const QString& query);
     void takeStoredSearches();
     void discardUnfinishedWriting();
-    [[nodiscard]] const Session* savedSession(const QString& query);
+    [[nodiscard]] const Session* savedSession(const QString& query) const;
 
     [[nodiscard]] const ModelService& service() const;
     [[nodiscard]] Page* sessionPage(const QUuid& id);

@@ -57,6 +57,7 @@ KeychainService::Request KeychainService::request(const QString& account) const
     return request;
 }
 
+// By value: the key does not outlive the call. NOLINTNEXTLINE(performance-unnecessary-value-param)
 std::optional<QString> KeychainService::load(Request request, const std::stop_token& stop)
 {
     const auto bytes = request->wait(stop);
