@@ -23,7 +23,6 @@ void KeychainTasks::end()
     m_changes.waitForDone(2s);
     m_changes.stop();
     m_questions.stop();
-    m_changes.waitForDone();
 }
 
 void KeychainTasks::askPresence(const QString& account, QObject* context, OnPresence onPresence)

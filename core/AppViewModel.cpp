@@ -175,7 +175,7 @@ void AppViewModel::prepareToQuit()
 
 void AppViewModel::loadSessionHistory()
 {
-    m_dependencies.history.load(SessionHistory::oldestKept(m_dependencies.now()));
+    m_dependencies.history.setOldestKept(SessionHistory::oldestKept(m_dependencies.now()));
 }
 
 void AppViewModel::saveCurrentSessionToHistory()

@@ -12,7 +12,6 @@ namespace varno {
 namespace {
 
 using namespace Qt::StringLiterals;
-
 using namespace std::chrono_literals;
 
 /// For another program that writes the file; it takes a fraction of it.
@@ -78,10 +77,7 @@ void HistoryStore::change(std::function<void()> work)
 
 void HistoryStore::refresh()
 {
-    if (!m_readingStarted) {
-        read();
-        return;
-    }
+    read();
     m_lane.add([this, number = m_changes](const std::stop_token&) {
         if (takeIn())
             report(number);

@@ -32,8 +32,8 @@ public:
     /// the folder is created then.
     static QString defaultPath();
 
-    /// Sessions from before `oldestKept` count as gone. To be told before anything else.
-    void load(ReferenceSeconds oldestKept) { m_oldestKept = oldestKept; }
+    /// Sessions from before `date` count as gone. To be told before anything else.
+    void setOldestKept(ReferenceSeconds date) { m_oldestKept = date; }
 
     /// Has the file read, if nothing has had it read yet; `wasRead` follows.
     void read();

@@ -3,7 +3,6 @@
 #include "platform/Inbox.h"
 
 #include <functional>
-#include <memory>
 #include <utility>
 
 namespace varno {

@@ -44,12 +44,12 @@ void Lane::add(Task task)
         if (m_tasks.size() > 1)
             return; // somebody is running them already
     }
-    const bool started = m_background.start([this](const std::stop_token&) {
+    const bool started = m_background.start([this](const std::stop_token& stop) {
         lowerThreadPriority();
-        run();
+        run(stop);
     });
     if (!started)
-        run();
+        run({});
 }
 
 void Lane::waitForDone()
@@ -66,19 +66,19 @@ bool Lane::waitForDone(std::chrono::milliseconds patience)
 
 void Lane::stop()
 {
-    const std::scoped_lock lock(m_mutex);
-    m_stop.request_stop();
-    m_stop = std::stop_source();
-    if (m_tasks.size() > 1)
-        m_tasks.erase(m_tasks.begin() + 1, m_tasks.end());
+    {
+        const std::scoped_lock lock(m_mutex);
+        if (m_tasks.size() > 1)
+            m_tasks.erase(m_tasks.begin() + 1, m_tasks.end());
+    }
+    m_background.stop();
 }
 
-void Lane::run()
+void Lane::run(const std::stop_token& stop)
 {
     std::unique_lock lock(m_mutex);
     do {
         const Task& task = m_tasks.front(); // stays put while others are added
-        const std::stop_token stop = m_stop.get_token();
         lock.unlock();
         task(stop);
         lock.lock();

@@ -58,16 +58,15 @@ public:
     /// The same for `patience` at most; whether they are.
     bool waitForDone(std::chrono::milliseconds patience);
 
-    /// Asks the running task to stop, and drops those that have not begun.
+    /// Asks the running task to stop, drops those behind it, and waits until it has.
     void stop();
 
 private:
-    void run();
+    void run(const std::stop_token& stop);
 
     std::mutex m_mutex;
     std::condition_variable m_emptied;
     std::deque<Task> m_tasks; ///< the first one is running
-    std::stop_source m_stop;
     Background m_background;
 };
 
