@@ -3,8 +3,7 @@
 #include "kit/Layout.h"
 #include "platform/fake/FakeAnimationSetting.h"
 #include "platform/linux/PortalAnimationSetting.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QDBusConnection>
 #include <QDBusMetaType>
@@ -13,8 +12,6 @@
 
 #include <memory>
 
-using namespace varno;
-using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {

@@ -1,11 +1,7 @@
 #include "core/Appearance.h"
 
 #include "core/AIModel.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
-
-using namespace varno;
-using namespace Qt::StringLiterals;
+#include "tests/Test.h"
 
 class AppearanceTest : public QObject {
     Q_OBJECT

@@ -2,11 +2,7 @@
 
 #include "reader/text/Highlights.h"
 #include "reader/text/RowReader.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
-
-using namespace varno;
-using namespace Qt::StringLiterals;
+#include "tests/Test.h"
 
 class BlocksTest : public QObject {
     Q_OBJECT

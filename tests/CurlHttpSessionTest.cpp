@@ -2,16 +2,13 @@
 
 #include "demo/StandInService.h"
 #include "tests/ScriptedServer.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QSet>
 
 #include <atomic>
 #include <future>
 
-using namespace varno;
-using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {

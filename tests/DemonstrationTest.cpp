@@ -4,13 +4,9 @@
 #include "platform/Platform.h"
 #include "providers/KeychainService.h"
 #include "tests/ProgramFixture.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QRegularExpression>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

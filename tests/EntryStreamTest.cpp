@@ -1,14 +1,10 @@
 #include "core/EntryStream.h"
 
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QSignalSpy>
 
 #include <thread>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 class EntryStreamTest : public QObject {
     Q_OBJECT

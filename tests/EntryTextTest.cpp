@@ -1,10 +1,6 @@
 #include "core/EntryText.h"
 
-#include "tests/Table.h"
-#include "tests/TestMain.h"
-
-using namespace varno;
-using namespace Qt::StringLiterals;
+#include "tests/Test.h"
 
 class EntryTextTest : public QObject {
     Q_OBJECT

@@ -1,14 +1,10 @@
 #include "reader/BreadcrumbTrail.h"
 #include "reader/TOCEntry.h"
 #include "tests/EntryScreen.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QHelpEvent>
 #include <QToolTip>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

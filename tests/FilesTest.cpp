@@ -1,7 +1,6 @@
 #include "platform/Files.h"
 
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QDir>
 #include <QFile>
@@ -14,9 +13,6 @@
 
 #include <csignal>
 #include <memory>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

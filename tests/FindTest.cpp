@@ -1,13 +1,9 @@
 #include "reader/text/FindMatches.h"
 #include "tests/EntryScreen.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QShortcut>
 #include <QSignalSpy>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 class FindTest : public QObject {
     Q_OBJECT

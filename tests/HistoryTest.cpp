@@ -3,14 +3,11 @@
 #include "platform/linux/IniPreferencesStore.h"
 #include "tests/ControllerFixture.h"
 #include "tests/Scarcity.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QDir>
 #include <QFile>
 
-using namespace varno;
-using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {

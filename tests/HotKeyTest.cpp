@@ -2,16 +2,13 @@
 #include "platform/fake/FakeKeyboard.h"
 #include "platform/fake/FakePreferencesStore.h"
 #include "shortcuts/ShortcutEvents.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QSignalSpy>
 
 #include <iostream>
 #include <sstream>
 
-using namespace varno;
-using namespace Qt::StringLiterals;
 using Name = KeyboardShortcuts::Name;
 
 namespace {

@@ -1,7 +1,6 @@
 #include "platform/linux/IniPreferencesStore.h"
 
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QDir>
 #include <QFile>
@@ -11,9 +10,6 @@
 
 #include <sys/stat.h>
 #include <unistd.h>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 class IniPreferencesStoreTest : public QObject {
     Q_OBJECT

@@ -1,16 +1,12 @@
 #include "reader/text/InlineMarkdown.h"
 
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QXmlStreamReader>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

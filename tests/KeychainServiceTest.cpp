@@ -4,7 +4,7 @@
 #include "platform/linux/SecretServiceKeyStore.h"
 #include "tests/PrivateBus.h"
 #include "tests/Scarcity.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QDataStream>
 #include <QLibrary>
@@ -16,8 +16,6 @@
 #include <atomic>
 #include <future>
 
-using namespace varno;
-using namespace Qt::StringLiterals;
 using namespace std::chrono_literals;
 
 namespace {

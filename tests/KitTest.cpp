@@ -5,8 +5,7 @@
 #include "kit/SymbolView.h"
 #include "kit/TextCuts.h"
 #include "kit/ThemedText.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QApplication>
 #include <QHelpEvent>
@@ -17,9 +16,6 @@
 #include <QToolTip>
 
 #include <cmath>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,12 +1,9 @@
 #include "providers/LineSplitter.h"
 
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QByteArrayList>
 #include <QRandomGenerator>
-
-using namespace varno;
 
 namespace {
 

@@ -1,15 +1,11 @@
 
 #include "tests/PageText.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QClipboard>
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QTextLayout>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,10 +1,6 @@
 #include "core/Prompts.h"
 #include "tests/ControllerFixture.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
-
-using namespace varno;
-using namespace Qt::StringLiterals;
+#include "tests/Test.h"
 
 /// Sections, the trail, and the ways back.
 class NavigationTest : public QObject {

@@ -3,12 +3,9 @@
 #include "app/VarnoPanel.h"
 #include "reader/EntryView.h"
 #include "tests/ControllerFixture.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QApplication>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -5,14 +5,10 @@
 #include "platform/linux/PortalHotKeyEvents.h"
 #include "tests/PortalDesktop.h"
 #include "tests/PortalRecorder.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QDBusConnectionInterface>
 #include <QDBusMetaType>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

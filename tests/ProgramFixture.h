@@ -1,7 +1,7 @@
 #pragma once
 
 #include "tests/RunningProgram.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QObject>
 

@@ -3,13 +3,9 @@
 #include "tests/PortalRecorder.h"
 #include "tests/PrivateBus.h"
 #include "tests/ProgramFixture.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QDateTime>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

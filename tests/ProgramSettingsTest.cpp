@@ -1,13 +1,9 @@
 #include "providers/KeychainService.h"
 #include "tests/ProgramFixture.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QTcpServer>
 #include <QTcpSocket>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 /// What the program makes of what it finds: preferences, keys in the key ring, its own modules.
 class ProgramSettingsTest : public ProgramFixture {

@@ -1,8 +1,5 @@
 #include "tests/ProgramFixture.h"
-#include "tests/TestMain.h"
-
-using namespace varno;
-using namespace Qt::StringLiterals;
+#include "tests/Test.h"
 
 /// What the user sees of the program: its shortcut, in any application, and its panel.
 class ProgramTest : public ProgramFixture {

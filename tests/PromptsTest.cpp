@@ -1,12 +1,8 @@
 #include "core/Prompts.h"
 
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QCryptographicHash>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 class PromptsTest : public QObject {
     Q_OBJECT

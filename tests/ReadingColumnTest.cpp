@@ -1,11 +1,7 @@
 #include "tests/EntryScreen.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QElapsedTimer>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,16 +1,12 @@
 #include "tests/BothClients.h"
 #include "tests/PageText.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QDir>
 #include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

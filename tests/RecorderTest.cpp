@@ -6,8 +6,7 @@
 #include "platform/linux/XcbKeyboard.h"
 #include "recorder/RecorderCocoa.h"
 #include "recorder/RefusalAlert.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 #include "tests/XDesktop.h"
 
 #include <QApplication>
@@ -16,8 +15,6 @@
 #include <QSignalSpy>
 #include <QVBoxLayout>
 
-using namespace varno;
-using namespace Qt::StringLiterals;
 using Name = KeyboardShortcuts::Name;
 
 namespace {

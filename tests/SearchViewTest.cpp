@@ -3,16 +3,12 @@
 #include "app/RowButton.h"
 #include "tests/ControllerFixture.h"
 #include "tests/ScreenReading.h"
-#include "tests/Table.h"
+#include "tests/Test.h"
 #include "tests/TestKeychain.h"
-#include "tests/TestMain.h"
 
 #include <QApplication>
 #include <QLineEdit>
 #include <QScrollBar>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

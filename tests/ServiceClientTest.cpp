@@ -3,8 +3,7 @@
 #include "platform/linux/CurlHttpSession.h"
 #include "tests/BothClients.h"
 #include "tests/Scarcity.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -12,9 +11,6 @@
 
 #include <atomic>
 #include <future>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

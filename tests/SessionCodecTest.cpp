@@ -1,7 +1,6 @@
 #include "core/SessionCodec.h"
 
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -10,9 +9,6 @@
 
 #include <bit>
 #include <limits>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

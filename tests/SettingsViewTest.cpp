@@ -2,17 +2,13 @@
 #include "tests/ControllerFixture.h"
 #include "tests/Scarcity.h"
 #include "tests/ScreenReading.h"
-#include "tests/Table.h"
+#include "tests/Test.h"
 #include "tests/TestKeychain.h"
-#include "tests/TestMain.h"
 
 #include <QAccessible>
 #include <QApplication>
 #include <QClipboard>
 #include <QMenu>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -5,15 +5,12 @@
 #include "platform/linux/XcbKeyCodes.h"
 #include "shortcuts/KeyLabel.h"
 #include "shortcuts/KeyboardShortcuts.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QSignalSpy>
 
 #include <set>
 
-using namespace varno;
-using namespace Qt::StringLiterals;
 using Name = KeyboardShortcuts::Name;
 
 namespace {

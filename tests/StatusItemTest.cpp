@@ -1,13 +1,10 @@
 #include "tests/ProgramFixture.h"
 #include "tests/StatusHost.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <QDBusArgument>
 
 #include <optional>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

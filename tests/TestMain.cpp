@@ -1,4 +1,4 @@
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <cstdio>
 #include <cstring>

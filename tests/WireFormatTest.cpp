@@ -3,16 +3,12 @@
 #include "core/JsonArray.h"
 #include "core/JsonReader.h"
 #include "providers/EntryTagFilter.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <csignal>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 

@@ -1,10 +1,6 @@
 #include "reader/WrappingHStack.h"
 
-#include "tests/Table.h"
-#include "tests/TestMain.h"
-
-using namespace varno;
-using namespace Qt::StringLiterals;
+#include "tests/Test.h"
 
 namespace {
 

@@ -2,16 +2,12 @@
 #include "platform/linux/XcbHotKeyEvents.h"
 #include "platform/linux/XcbKeyboard.h"
 #include "shortcuts/Shortcut.h"
-#include "tests/Table.h"
-#include "tests/TestMain.h"
+#include "tests/Test.h"
 #include "tests/XDesktop.h"
 
 #include <QAbstractEventDispatcher>
 #include <QProcess>
 #include <QSignalSpy>
-
-using namespace varno;
-using namespace Qt::StringLiterals;
 
 namespace {
 
