@@ -17,7 +17,7 @@ inline QString described(MarkdownContentView& view)
     for (QTextBlock row = view.document().begin(); row.isValid(); row = row.next()) {
         const QTextBlockFormat format = row.blockFormat();
         rows += format.stringProperty(rowMark);
-        for (const int property : {rowBlock, rowEnd, rowMarkWidth})
+        for (const int property : {rowBlock, rowEnd, rowMarkWidth, rowForm, rowNumber, rowIsHeader})
             rows += u'|' + format.property(property).toString();
     }
     return rows;

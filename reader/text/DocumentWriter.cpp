@@ -2,8 +2,6 @@
 
 #include "kit/TextCuts.h"
 
-#include <QTextFrame>
-
 #include <algorithm>
 
 namespace varno {
@@ -11,6 +9,8 @@ namespace {
 
 /// What is laid out together, between two looks at the clock, may cost.
 constexpr qsizetype layoutStep = 2048;
+/// Of the block itself, as the number of letters that take as long.
+constexpr qsizetype layoutCostOfARow = 16;
 
 QStringView withoutLeadingSpace(QStringView text)
 {
@@ -113,9 +113,23 @@ qsizetype DocumentWriter::firstOpenRow() const
         return first;
     if (first == last)
         return last;
-    // A line of a list may have ceased to be an item; then the row before it is the last one.
+    const qsizetype unsettled = firstUnsettledRow(last, first);
+    if (unsettled < last)
+        return unsettled;
+    // A line of a list may have ceased to be an item, or one of code to be code; then the row
+    // before it is the last one.
     const std::optional<Row> row = RowReader(m_text, start).next();
     return row && row->start.offset == start.offset ? last : last - 1;
+}
+
+/// The first row that what follows may still turn into another: the header of a table whose second
+/// line is not complete, or a rule, may become text again and go on the row before.
+qsizetype DocumentWriter::firstUnsettledRow(qsizetype last, qsizetype first) const
+{
+    qsizetype row = last;
+    while (row > first && m_rows[row].start.isTentative)
+        --row;
+    return row == last && row > first && m_rows[row].start.form == RowForm::rule ? row - 1 : row;
 }
 
 void DocumentWriter::write(const QDeadlineTimer& deadline, qsizetype atLeast)
@@ -131,7 +145,7 @@ void DocumentWriter::write(const QDeadlineTimer& deadline, qsizetype atLeast)
     while (const std::optional<Row> row = reader.next()) {
         writeRow(index, *row);
         ++index;
-        toBeLaidOut += layoutCost(row->text);
+        toBeLaidOut += layoutCost(row->text) + layoutCostOfARow;
         if (toBeLaidOut < layoutStep)
             continue;
         toBeLaidOut = 0;
@@ -171,19 +185,19 @@ void DocumentWriter::writeRow(qsizetype index, const Row& row)
                              .textOffset = row.text.data() - m_text.constData(),
                              .textLength = row.text.size()};
     const bool isSame = isWritten(index, written);
-    ShownRow shown{.kind = row.start.kind,
-                   .end = row.end,
-                   .mark = row.mark,
-                   .isSentence = row.start.isSentence};
-    shown.runs = isSame && m_last ? m_last->runs : styledText(row.text);
-    shown.rightToLeft = isList(shown.kind) && plainText(shown.runs).isRightToLeft();
+    ShownRow shown{.look = lookOf(row.start)};
+    if (isSame && m_last)
+        shown.runs = m_last->runs;
+    else
+        shown.runs = row.isVerbatim() ? verbatimText(row.text) : styledText(row.text);
+    const bool hasSides = isList(row.start.kind) || row.start.form == RowForm::quote;
+    shown.format = m_format.block(row, hasSides && plainText(shown.runs).isRightToLeft());
 
-    const bool goesOn = index < m_rows.size() && m_last && m_last->kind == shown.kind &&
-                        m_last->mark == shown.mark && m_last->isSentence == shown.isSentence;
-    if (!goesOn || m_last->end != shown.end || m_last->rightToLeft != shown.rightToLeft)
-        placeBlock(index, row, shown.rightToLeft);
+    const bool goesOn = index < m_rows.size() && m_last && m_last->look == shown.look;
+    if (!goesOn || m_last->format != shown.format)
+        placeBlock(index, shown);
     if (!isSame)
-        writeText(index, row, shown.runs, goesOn ? m_last->runs : QList<InlineRun>());
+        writeText(index, shown, goesOn ? m_last->runs : QList<InlineRun>());
 
     m_last = std::move(shown);
     m_rows.resize(std::max(m_rows.size(), index + 1));
@@ -199,55 +213,47 @@ bool DocumentWriter::isWritten(qsizetype index, const WrittenRow& row) const
         return false;
     const WrittenRow& old = m_rows[index];
     return old.textOffset == row.textOffset && old.textLength == row.textLength &&
-           old.start.kind == row.start.kind;
+           lookOf(old.start) == lookOf(row.start);
 }
 
 /// Sees to it that there is a text block for the row, and that it has the format of the row.
-void DocumentWriter::placeBlock(qsizetype index, const Row& row, bool rightToLeft)
+void DocumentWriter::placeBlock(qsizetype index, const ShownRow& row)
 {
-    const double previousMargin = index == 0 ? 0 : blockOf(index - 1).blockFormat().bottomMargin();
-    const QTextBlockFormat format = m_format.block(row, rightToLeft, previousMargin);
-    const QTextCharFormat& plain = m_format.plain(row.start.kind);
+    const QTextCharFormat& plain = m_format.plain(row.look);
     if (index > 0 && index >= m_rows.size()) {
         m_cursor.setPosition(m_document.characterCount() - 1);
-        m_cursor.insertBlock(format, plain);
+        m_cursor.insertBlock(row.format, plain);
         return;
     }
     const QTextBlock block = blockOf(index);
     m_cursor.setPosition(block.position());
-    if (block.blockFormat() != format)
-        m_cursor.setBlockFormat(format);
+    if (block.blockFormat() != row.format)
+        m_cursor.setBlockFormat(row.format);
     if (block.charFormat() != plain)
         m_cursor.setBlockCharFormat(plain);
-    if (index == 0 && m_document.rootFrame()->frameFormat().topMargin() != format.topMargin()) {
-        QTextFrameFormat frame = m_document.rootFrame()->frameFormat();
-        frame.setTopMargin(format.topMargin());
-        m_document.rootFrame()->setFrameFormat(frame);
-    }
 }
 
 /// Writes a row's text over what it shows already; `old` is empty if that has to go.
-void DocumentWriter::writeText(qsizetype index, const Row& row, const QList<InlineRun>& runs,
-                               const QList<InlineRun>& old)
+void DocumentWriter::writeText(qsizetype index, const ShownRow& row, const QList<InlineRun>& old)
 {
     const QTextBlock block = blockOf(index);
-    const qsizetype kept = commonLength(old, runs);
+    const qsizetype kept = commonLength(old, row.runs);
     m_cursor.setPosition(block.position() + static_cast<int>(kept));
     if (m_cursor.position() < block.position() + block.length() - 1) {
         m_cursor.movePosition(QTextCursor::EndOfBlock, QTextCursor::KeepAnchor);
         m_cursor.removeSelectedText();
     }
-    insertRuns(row.start.kind, runs, kept);
+    insertRuns(row, kept);
 }
 
-/// Inserts the runs at the cursor, less the first characters.
-void DocumentWriter::insertRuns(BlockKind kind, const QList<InlineRun>& runs, qsizetype skipped)
+/// Inserts the runs of a row at the cursor, less the first characters.
+void DocumentWriter::insertRuns(const ShownRow& row, qsizetype skipped)
 {
-    for (const InlineRun& run : runs) {
+    for (const InlineRun& run : row.runs) {
         const qsizetype length = run.text.size();
         if (skipped < length)
             m_cursor.insertText(skipped == 0 ? run.text : run.text.sliced(skipped),
-                                m_format.run(kind, run));
+                                m_format.run(row.look, run));
         skipped = std::max<qsizetype>(skipped - length, 0);
     }
 }

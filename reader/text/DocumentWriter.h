@@ -49,23 +49,20 @@ private:
 
     /// What the last row shows: of what comes instead, only the difference is written.
     struct ShownRow {
-        BlockKind kind = BlockKind::paragraph;
-        RowEnd end = RowEnd::block;
-        QString mark{};
-        bool isSentence = false;
-        bool rightToLeft = false;
+        RowLook look;
+        QTextBlockFormat format{};
         QList<InlineRun> runs{};
     };
 
     [[nodiscard]] qsizetype firstOpenRow() const;
+    [[nodiscard]] qsizetype firstUnsettledRow(qsizetype last, qsizetype first) const;
     void keepRows(qsizetype count);
     void takeNote(qsizetype unchanged);
     void writeRow(qsizetype index, const Row& row);
     [[nodiscard]] bool isWritten(qsizetype index, const WrittenRow& row) const;
-    void placeBlock(qsizetype index, const Row& row, bool rightToLeft);
-    void writeText(qsizetype index, const Row& row, const QList<InlineRun>& runs,
-                   const QList<InlineRun>& old);
-    void insertRuns(BlockKind kind, const QList<InlineRun>& runs, qsizetype skipped);
+    void placeBlock(qsizetype index, const ShownRow& row);
+    void writeText(qsizetype index, const ShownRow& row, const QList<InlineRun>& old);
+    void insertRuns(const ShownRow& row, qsizetype skipped);
     [[nodiscard]] QTextBlock blockOf(qsizetype index) const;
 
     QTextDocument& m_document;

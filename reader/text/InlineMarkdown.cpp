@@ -10,7 +10,11 @@
 
 #include <algorithm>
 #include <array>
+#include <cctype>
+#include <map>
 #include <optional>
+#include <utility>
+#include <vector>
 
 namespace varno {
 namespace {
@@ -21,9 +25,20 @@ constexpr QChar lineSeparator(0x2028);
 /// yet no blank to the rules of blocks.
 constexpr QByteArrayView guard("\xC2\xA0");
 
-/// Stands for a tilde that strikes nothing: to the parser, which would pair it with the next one, a
-/// mark of punctuation like any other. No valid UTF-8 has these two bytes.
-constexpr QByteArrayView loneTilde("\xC1\xBE");
+/// The bytes that a character is hidden from the parser in, which takes them for part of a word.
+/// They are an encoding that no valid UTF-8 has.
+QByteArray hidden(char character)
+{
+    const auto code = static_cast<unsigned char>(character);
+    const std::array bytes = {static_cast<char>(0xC0U | (code >> 6U)),
+                              static_cast<char>(0x80U | (code & 0x3FU))};
+    return {bytes.data(), bytes.size()};
+}
+
+bool isHiding(char byte)
+{
+    return byte == '\xC0' || byte == '\xC1';
+}
 
 /// A paragraph as the parser gets it.
 struct Source {
@@ -32,63 +47,202 @@ struct Source {
     QVarLengthArray<qsizetype, 8> breaks; ///< which of them begin a line of their own
 };
 
-/// Whether a line with that mark begins anew rather than going on. A number that is not the first
-/// of its list, and a mark with nothing after it, may just have come to stand there.
-bool beginsAnew(BlockMark mark, QStringView line, BlockMark previous)
+bool isPunctuation(char byte)
 {
-    return (mark == BlockMark::other && line.trimmed().size() > 1) ||
-           (mark == BlockMark::orderedItem && (previous == BlockMark::orderedItem ||
-                                               line.startsWith(u"1.") || line.startsWith(u"1)")));
+    const auto code = static_cast<unsigned char>(byte);
+    return code < 0x80 && std::ispunct(code) != 0;
 }
 
-/// Appends a line with `loneTilde` for each tilde that has none beside it. One that is escaped is
-/// none to those beside it.
-void appendLine(QByteArray& text, QByteArrayView line)
+/// The end of a formula that begins with those two characters; empty if none does.
+QStringView formulaEnd(QStringView mark)
 {
-    if (!line.contains('~')) {
-        text += line;
+    if (mark == u"\\(")
+        return u"\\)";
+    if (mark == u"\\[")
+        return u"\\]";
+    return mark == u"$$" ? QStringView(u"$$") : QStringView();
+}
+
+/// The number of an ordered item.
+int numberOf(QStringView line)
+{
+    int number = 0;
+    for (const QChar digit : line) {
+        if (digit < u'0' || digit > u'9')
+            break;
+        number = number * 10 + digit.digitValue();
+    }
+    return number;
+}
+
+/// Reads a paragraph line by line and hides from the parser what it would take for marks.
+class SourceWriter {
+public:
+    explicit SourceWriter(QStringView markdown)
+        : m_markdown(markdown)
+    {
+        m_source.text.reserve(markdown.size() + markdown.size() / 8);
+    }
+
+    [[nodiscard]] Source write();
+
+private:
+    void writeLine(QStringView line);
+    [[nodiscard]] bool beginsAnew(BlockMark mark, QStringView line) const;
+    void appendText(QByteArrayView text);
+    QStringView appendFormula(QStringView line);
+    [[nodiscard]] bool isClosed(QStringView formula, QStringView end);
+
+    QStringView m_markdown;
+    Source m_source;
+    BlockMark m_previous = BlockMark::none;
+    int m_number = 0;              ///< of the last item that has one
+    QStringView m_formulaEnd;      ///< of the open formula; empty when none is open
+    bool m_isAfterFormula = false; ///< whether the line before ends with a formula of its own
+    QStringView m_unclosed;        ///< an end that does not occur any more
+};
+
+Source SourceWriter::write()
+{
+    for (const QStringView line : m_markdown.tokenize(u'\n'))
+        writeLine(withoutLeadingBlanks(line));
+    return std::move(m_source);
+}
+
+void SourceWriter::writeLine(QStringView line)
+{
+    const bool isFirst = m_source.text.isEmpty();
+    if (!isFirst)
+        m_source.text += '\n';
+    const BlockMark mark = blockMark(line);
+    const bool isOfFormula = !m_formulaEnd.isEmpty() || m_isAfterFormula ||
+                             line.startsWith(u"\\[") || line.startsWith(u"$$");
+    if (mark != BlockMark::none || isOfFormula) {
+        if ((isOfFormula || beginsAnew(mark, line)) && !isFirst)
+            m_source.breaks.append(m_source.text.size());
+        m_source.guards.append(m_source.text.size());
+        m_source.text += guard;
+    }
+    if (mark == BlockMark::orderedItem)
+        m_number = numberOf(line);
+    m_previous = mark;
+    m_isAfterFormula = false;
+    while (!line.isEmpty())
+        line = appendFormula(line);
+}
+
+/// Whether a line with that mark begins anew rather than going on. A number that does not go on
+/// from another, and a mark with nothing after it, may just have come to stand there.
+bool SourceWriter::beginsAnew(BlockMark mark, QStringView line) const
+{
+    if (mark == BlockMark::orderedItem)
+        return m_previous == BlockMark::orderedItem || m_previous == BlockMark::other ||
+               numberOf(line) == 1 || (m_number > 0 && numberOf(line) == m_number + 1);
+    return mark == BlockMark::other && line.trimmed().size() > 1;
+}
+
+/// Appends what comes up to the end of the open formula, or the text up to the next one; returns
+/// the rest.
+QStringView SourceWriter::appendFormula(QStringView line)
+{
+    if (!m_formulaEnd.isEmpty()) {
+        const qsizetype end = line.indexOf(m_formulaEnd);
+        const qsizetype length = end < 0 ? line.size() : end + m_formulaEnd.size();
+        for (const char byte : line.first(length).toUtf8())
+            m_source.text += isPunctuation(byte) ? hidden(byte) : QByteArray(1, byte);
+        const bool isOfItsOwn = m_formulaEnd != u"\\)";
+        if (end >= 0)
+            m_formulaEnd = {};
+        m_isAfterFormula = end >= 0 && isOfItsOwn && line.sliced(length).trimmed().isEmpty();
+        return line.sliced(length);
+    }
+    qsizetype position = 0;
+    while (position + 1 < line.size()) {
+        const QStringView mark = line.sliced(position, 2);
+        const QStringView end = formulaEnd(mark);
+        if (!end.isEmpty() && isClosed(line.sliced(position + 2), end)) {
+            appendText(line.first(position).toUtf8());
+            for (const QChar character : mark)
+                m_source.text += hidden(character.toLatin1());
+            m_formulaEnd = end;
+            return line.sliced(position + 2);
+        }
+        if (mark[0] == u'\\' && QStringView(u"()[],").contains(mark[1])) {
+            appendText(line.first(position).toUtf8());
+            m_source.text += hidden('\\');
+            return line.sliced(position + 1);
+        }
+        position += mark[0] == u'\\' ? 2 : 1;
+    }
+    appendText(line.toUtf8());
+    return {};
+}
+
+bool SourceWriter::isClosed(QStringView formula, QStringView end)
+{
+    if (end == m_unclosed)
+        return false;
+    if (m_markdown.indexOf(end, formula.data() - m_markdown.data()) >= 0)
+        return true;
+    m_unclosed = end;
+    return false;
+}
+
+/// Appends text with each tilde hidden that has none beside it, which strikes nothing: the parser
+/// would pair it with the next one. One that is escaped is none to those beside it.
+void SourceWriter::appendText(QByteArrayView text)
+{
+    if (!text.contains('~')) {
+        m_source.text += text;
         return;
     }
     bool isEscaped = false;
-    while (!line.isEmpty()) {
-        const bool isMark = line.front() == '~' && !isEscaped;
+    while (!text.isEmpty()) {
+        const bool isMark = text.front() == '~' && !isEscaped;
         qsizetype length = 1;
-        while (isMark && length < line.size() && line[length] == '~')
+        while (isMark && length < text.size() && text[length] == '~')
             ++length;
-        text += isMark && length == 1 ? loneTilde : line.first(length);
-        isEscaped = line.front() == '\\' && !isEscaped;
-        line = line.sliced(length);
+        if (isMark && length == 1)
+            m_source.text += hidden('~');
+        else
+            m_source.text += text.first(length);
+        isEscaped = text.front() == '\\' && !isEscaped;
+        text = text.sliced(length);
     }
 }
 
 QString decoded(QByteArrayView text)
 {
-    if (!text.contains(loneTilde.front()))
+    if (std::none_of(text.begin(), text.end(), isHiding))
         return QString::fromUtf8(text);
-    return QString::fromUtf8(text.toByteArray().replace(loneTilde, "~"));
+    QByteArray shown;
+    for (qsizetype position = 0; position < text.size(); ++position) {
+        if (!isHiding(text[position]) || position + 1 == text.size()) {
+            shown += text[position];
+            continue;
+        }
+        const auto high = static_cast<unsigned char>(text[position]);
+        const auto low = static_cast<unsigned char>(text[++position]);
+        shown += static_cast<char>(((high & 1U) << 6U) | (low & 0x3FU));
+    }
+    return QString::fromUtf8(shown);
 }
 
-Source prepared(QStringView markdown)
+/// A style that a pair of tags gives, by the name of the tag.
+std::optional<std::size_t> tagStyle(QByteArrayView name)
 {
-    Source source;
-    source.text.reserve(markdown.size() + markdown.size() / 8);
-    BlockMark previous = BlockMark::none;
-    for (QStringView line : markdown.tokenize(u'\n')) {
-        line = withoutLeadingBlanks(line);
-        if (!source.text.isEmpty())
-            source.text += '\n';
-        const BlockMark mark = blockMark(line);
-        if (mark != BlockMark::none) {
-            if (beginsAnew(mark, line, previous) && !source.text.isEmpty())
-                source.breaks.append(source.text.size());
-            source.guards.append(source.text.size());
-            source.text += guard;
-        }
-        appendLine(source.text, line.toUtf8());
-        previous = mark;
-    }
-    return source;
+    static const std::map<QByteArray, std::size_t> styles = {
+        {"b", 0}, {"strong", 0}, {"i", 1}, {"em", 1},  {"code", 2}, {"kbd", 2},
+        {"s", 3}, {"del", 3},    {"u", 4}, {"ins", 4}, {"sub", 5},  {"sup", 6}};
+    const auto found = styles.find(name.toByteArray().toLower());
+    return found == styles.end() ? std::nullopt : std::optional(found->second);
 }
+
+constexpr std::array styleOrder = {InlineStyle::strong,     InlineStyle::emphasis,
+                                   InlineStyle::code,       InlineStyle::strikethrough,
+                                   InlineStyle::underline,  InlineStyle::subscript,
+                                   InlineStyle::superscript};
+constexpr std::size_t styleCount = styleOrder.size();
 
 /// What the parser's calls add up to.
 class RunBuilder {
@@ -108,19 +262,27 @@ public:
 private:
     void append(QStringView text);
     void addUnguarded(QByteArrayView text);
+    void addTag(QByteArrayView tag);
+    void closeTag(std::size_t style);
     [[nodiscard]] bool endsWithGuard(QByteArrayView text) const;
     [[nodiscard]] InlineStyles styles() const;
 
+    struct Tag {
+        std::size_t style;
+        qsizetype run; ///< that shows it, until it turns out to be one of a pair
+    };
+
     const Source& m_source;
     QList<InlineRun> m_runs;
-    std::array<int, 4> m_depths = {}; ///< how many spans of each style are open
+    std::array<int, styleCount> m_depths = {};      ///< how many spans of each style are open
+    std::vector<Tag> m_tags;                        ///< that wait for their ends
+    std::array<int, styleCount> m_waiting = {};     ///< how many of each style do
+    std::vector<std::pair<Tag, qsizetype>> m_pairs; ///< of tags, and the run after each
+    bool m_isSplit = false;                         ///< whether what comes next is a run of its own
     QString m_link;
     int m_imageDepth = 0;       ///< what is within an image is plain text
     bool m_lineWrapped = false; ///< the last character is the space between two wrapped lines
 };
-
-constexpr std::array styleOrder = {InlineStyle::strong, InlineStyle::emphasis, InlineStyle::code,
-                                   InlineStyle::strikethrough};
 
 std::optional<std::size_t> styleIndex(MD_SPANTYPE span)
 {
@@ -166,9 +328,33 @@ QString decodedAddress(const MD_ATTRIBUTE& attribute)
     return address;
 }
 
+/// The runs, in the styles that pairs of tags give them.
 QList<InlineRun> RunBuilder::take()
 {
-    return std::move(m_runs);
+    if (m_pairs.empty() && m_tags.empty())
+        return std::move(m_runs);
+    std::vector<std::array<int, styleCount>> changes(static_cast<std::size_t>(m_runs.size()) + 1);
+    for (const auto& [tag, end] : m_pairs) {
+        ++changes[static_cast<std::size_t>(tag.run)][tag.style];
+        --changes[static_cast<std::size_t>(end)][tag.style];
+    }
+    QList<InlineRun> runs;
+    std::array<int, styleCount> depths = {};
+    for (qsizetype index = 0; index < m_runs.size(); ++index) {
+        InlineRun& run = m_runs[index];
+        for (std::size_t style = 0; style < styleCount; ++style) {
+            depths[style] += changes[static_cast<std::size_t>(index)][style];
+            if (depths[style] > 0)
+                run.styles.setFlag(styleOrder[style]);
+        }
+        const bool goesOn =
+            !runs.isEmpty() && runs.last().styles == run.styles && runs.last().link == run.link;
+        if (goesOn)
+            runs.last().text += run.text;
+        else if (!run.text.isEmpty())
+            runs.append(std::move(run));
+    }
+    return runs;
 }
 
 void RunBuilder::enterParagraph()
@@ -222,9 +408,54 @@ void RunBuilder::add(MD_TEXTTYPE type, QByteArrayView text)
         if (endsWithGuard(text)) // which kept blanks in that are none of the code
             m_runs.last().text = m_runs.last().text.trimmed();
         break;
+    case MD_TEXT_HTML:
+        addTag(text);
+        break;
     default:
         addUnguarded(text);
     }
+}
+
+/// Adds a tag as text, or takes it for what it means if that is plain.
+void RunBuilder::addTag(QByteArrayView tag)
+{
+    if (tag == "\n") {
+        append(u" ");
+        m_lineWrapped = true;
+        return;
+    }
+    const bool isEnd = tag.startsWith("</");
+    QByteArrayView name = tag.sliced(isEnd ? 2 : 1).chopped(1).trimmed();
+    if (name.endsWith('/'))
+        name = name.chopped(1).trimmed();
+    const auto style = m_imageDepth > 0 ? std::nullopt : tagStyle(name);
+    if (!isEnd && name.compare("br", Qt::CaseInsensitive) == 0) {
+        append(QStringView(&lineSeparator, 1));
+    } else if (style && isEnd && m_waiting[*style] > 0) {
+        closeTag(*style);
+    } else if (style && !isEnd) {
+        m_isSplit = true;
+        addUnguarded(tag);
+        m_tags.push_back({*style, m_runs.size() - 1});
+        ++m_waiting[*style];
+        m_isSplit = true;
+    } else {
+        addUnguarded(tag);
+    }
+}
+
+/// Closes the last tag of a style that is open, and gives up those within it that are not closed.
+void RunBuilder::closeTag(std::size_t style)
+{
+    while (m_tags.back().style != style) {
+        --m_waiting[m_tags.back().style];
+        m_tags.pop_back();
+    }
+    m_runs[m_tags.back().run].text.clear();
+    m_pairs.emplace_back(m_tags.back(), m_runs.size());
+    --m_waiting[style];
+    m_tags.pop_back();
+    m_isSplit = true;
 }
 
 /// Adds text of the source, less the guards in it.
@@ -259,7 +490,8 @@ void RunBuilder::append(QStringView text)
     if (text.isEmpty())
         return;
     const InlineStyles now = styles();
-    if (m_runs.isEmpty() || m_runs.last().styles != now || m_runs.last().link != m_link)
+    const bool isSplit = std::exchange(m_isSplit, false);
+    if (isSplit || m_runs.isEmpty() || m_runs.last().styles != now || m_runs.last().link != m_link)
         m_runs.append({.text = {}, .styles = now, .link = m_link});
     QString& shown = m_runs.last().text;
     const qsizetype begin = shown.size();
@@ -283,7 +515,8 @@ RunBuilder& builder(void* data)
 
 constexpr MD_PARSER parser = {
     .abi_version = 0,
-    .flags = MD_FLAG_NOHTML | MD_FLAG_NOINDENTEDCODEBLOCKS | MD_FLAG_STRIKETHROUGH,
+    .flags = MD_FLAG_NOHTMLBLOCKS | MD_FLAG_NOINDENTEDCODEBLOCKS | MD_FLAG_STRIKETHROUGH |
+             MD_FLAG_PERMISSIVEURLAUTOLINKS | MD_FLAG_PERMISSIVEWWWAUTOLINKS,
     .enter_block =
         [](MD_BLOCKTYPE type, void*, void* data) {
             if (type == MD_BLOCK_P)
@@ -314,13 +547,21 @@ constexpr MD_PARSER parser = {
 
 QList<InlineRun> styledText(QStringView markdown)
 {
-    const Source source = prepared(markdown);
+    const Source source = SourceWriter(markdown).write();
     RunBuilder runs(source);
     if (md_parse(source.text.constData(), static_cast<MD_SIZE>(source.text.size()), &parser,
                  &runs) != 0)
-        return {
-            {.text = markdown.toString().replace(u'\n', lineSeparator), .styles = {}, .link = {}}};
+        return verbatimText(markdown);
     return runs.take();
+}
+
+QList<InlineRun> verbatimText(QStringView text)
+{
+    if (text.isEmpty())
+        return {};
+    QString shown = text.toString().replace(u'\n', lineSeparator);
+    std::transform(shown.begin(), shown.end(), shown.begin(), documentCharacter);
+    return {{.text = shown, .styles = {}, .link = {}}};
 }
 
 QString plainText(const QList<InlineRun>& runs)

@@ -11,6 +11,9 @@ enum class InlineStyle : quint8 {
     emphasis = 1U << 1U,
     code = 1U << 2U,
     strikethrough = 1U << 3U,
+    underline = 1U << 4U,
+    subscript = 1U << 5U,
+    superscript = 1U << 6U,
 };
 Q_DECLARE_FLAGS(InlineStyles, InlineStyle)
 Q_DECLARE_OPERATORS_FOR_FLAGS(InlineStyles)
@@ -24,15 +27,20 @@ struct InlineRun {
     bool operator==(const InlineRun&) const = default;
 };
 
-/// The inline Markdown of one paragraph, after CommonMark with strikethrough by two tildes: what is
-/// shown, marks gone. Marks of blocks (headings, lists, quotes, fences, …) have no meaning here and
-/// show as they are, as does HTML. Of an image its alternative text is shown. Lines that are only
-/// wrapped are joined by a space; a line that begins with the mark of a block keeps its place on a
-/// line of its own.
+/// The inline Markdown of one paragraph, after CommonMark with strikethrough by two tildes and bare
+/// web addresses as links: what is shown, marks gone. Marks of blocks (headings, lists, quotes,
+/// fences, …) have no meaning here and show as they are, as does HTML but for line breaks and some
+/// pairs of tags: sub, sup, b, strong, i, em, u, ins, s, del, code, kbd. A formula between "\(" and
+/// "\)", "\[" and "\]" or "$$" and "$$" shows as it is written. Of an image its alternative text is
+/// shown. Lines that are only wrapped are joined by a space; a line that begins with the mark of a
+/// block keeps its place on a line of its own, as do the lines of a formula.
 ///
 /// Neighbouring runs differ in style or link. Takes time in proportion to the text, however it is
 /// nested.
 [[nodiscard]] QList<InlineRun> styledText(QStringView markdown);
+
+/// Text that is shown as it stands, in one run.
+[[nodiscard]] QList<InlineRun> verbatimText(QStringView text);
 
 /// The text of the runs, without their styles.
 [[nodiscard]] QString plainText(const QList<InlineRun>& runs);

@@ -38,7 +38,8 @@ bool MarkdownContentView::showsNothing(QStringView text)
 {
     RowReader reader(text);
     while (const auto row = reader.next()) {
-        if (!plainText(styledText(row->text)).trimmed().isEmpty())
+        const bool isDrawn = row->isVerbatim() || row->start.form == RowForm::rule;
+        if (isDrawn || !plainText(styledText(row->text)).trimmed().isEmpty())
             return false;
     }
     return true;
@@ -152,9 +153,8 @@ void MarkdownContentView::adjustHeight()
     const QTextDocument& document = *m_surface.document();
     if (m_writer.rowCount() == 0)
         setFixedHeight(0);
-    else // the document leaves the space under its last block out
-        setFixedHeight(static_cast<int>(std::ceil(
-            document.size().height() + document.lastBlock().blockFormat().bottomMargin())));
+    else
+        setFixedHeight(static_cast<int>(std::ceil(document.size().height())));
 }
 
 MarkdownContentView::Selection MarkdownContentView::selection() const

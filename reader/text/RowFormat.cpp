@@ -29,6 +29,15 @@ constexpr int numberWidth = 24;
 constexpr int markGap = 10;
 constexpr double numberOpacity = 0.55;
 
+// Of what a paragraph may be set as; lengths in sizes of the text.
+constexpr int codeInset = 12; // in points
+constexpr int quoteIndent = 16;
+constexpr int deepestIndent = 8;
+constexpr double cellPadding = 0.3;
+constexpr KindStyle codeStyle{.sizeOffset = -2, .lineSpacing = 0.2};
+constexpr KindStyle cellStyle{.sizeOffset = -1, .lineSpacing = 0.1};
+constexpr KindStyle headerStyle{.sizeOffset = -1, .weight = QFont::DemiBold, .lineSpacing = 0.1};
+
 /// What is wider than its frame reaches into the gap, this far.
 constexpr int widestNumber = numberWidth + 6;
 
@@ -46,10 +55,41 @@ const KindStyle& styleOf(BlockKind kind)
     return styles[static_cast<std::size_t>(kind)];
 }
 
+const KindStyle& styleOf(const RowLook& look)
+{
+    switch (look.form) {
+    case RowForm::code:
+        return codeStyle;
+    case RowForm::cell:
+        return look.isHeader ? headerStyle : cellStyle;
+    case RowForm::text:
+    case RowForm::quote:
+    case RowForm::rule:
+    case RowForm::hidden:
+        break;
+    }
+    return styleOf(look.kind);
+}
+
 /// A sentence that begins with a number looks like the paragraph that it is.
 const KindStyle& styleOf(const Row& row)
 {
-    return styleOf(row.start.isSentence ? BlockKind::paragraph : row.start.kind);
+    return row.start.isSentence ? styleOf(BlockKind::paragraph) : styleOf(lookOf(row.start));
+}
+
+Qt::Alignment alignmentOf(CellAlignment alignment)
+{
+    switch (alignment) {
+    case CellAlignment::left:
+        return Qt::AlignLeft | Qt::AlignAbsolute;
+    case CellAlignment::centre:
+        return Qt::AlignHCenter;
+    case CellAlignment::right:
+        return Qt::AlignRight | Qt::AlignAbsolute;
+    case CellAlignment::natural:
+        break;
+    }
+    return Qt::AlignLeft;
 }
 
 /// The space above a row, beyond that below the row before it.
@@ -76,14 +116,24 @@ QColor RowFormat::numberColor() const
 
 double RowFormat::paddingBelow(const Row& row) const
 {
-    if (row.end == RowEnd::item)
-        return spaceBetweenItems;
-    if (row.end != RowEnd::block)
+    const bool isCell = row.start.form == RowForm::cell;
+    const double padding = isCell ? cellPadding * m_fontSize : 0;
+    switch (row.end) {
+    case RowEnd::blank:
+    case RowEnd::word:
         return 0;
+    case RowEnd::item:
+        return spaceBetweenItems;
+    case RowEnd::line:
+    case RowEnd::cell:
+        return padding;
+    case RowEnd::block:
+        break;
+    }
     const KindStyle& style = styleOf(row);
-    const double padding =
+    const double below =
         style.paddingBelow > 0 ? style.paddingBelow : paddingBelowText * m_fontSize;
-    return padding - style.lineSpacing * m_fontSize; // the last line has its spacing too
+    return padding + below - style.lineSpacing * m_fontSize; // the last line has its spacing too
 }
 
 QFont RowFormat::markFont(const QString& mark) const
@@ -95,7 +145,7 @@ QFont RowFormat::markFont(const QString& mark) const
     return font;
 }
 
-QTextBlockFormat RowFormat::block(const Row& row, bool rightToLeft, double previousMargin) const
+QTextBlockFormat RowFormat::block(const Row& row, bool rightToLeft) const
 {
     QTextBlockFormat format;
     const BlockKind kind = row.start.kind;
@@ -103,10 +153,12 @@ QTextBlockFormat RowFormat::block(const Row& row, bool rightToLeft, double previ
     format.setProperty(rowEnd, static_cast<int>(row.end));
     format.setBottomMargin(paddingBelow(row));
     if (paddingAbove(kind) > 0 && row.start.within == RowStart::Within::piece)
-        format.setTopMargin(previousMargin + paddingAbove(kind));
+        format.setTopMargin(paddingAbove(kind));
     if (styleOf(row).lineSpacing > 0)
         format.setLineHeight(styleOf(row).lineSpacing * m_fontSize,
                              QTextBlockFormat::LineDistanceHeight);
+    if (row.start.form != RowForm::text)
+        placeForm(format, row, rightToLeft);
     if (!isList(kind) || row.start.isSentence)
         return format;
     const double width = kind == BlockKind::bulletList ? bulletWidth : numberWidth;
@@ -120,15 +172,41 @@ QTextBlockFormat RowFormat::block(const Row& row, bool rightToLeft, double previ
     return format;
 }
 
-const QTextCharFormat& RowFormat::styled(BlockKind kind, InlineStyles styles)
+void RowFormat::placeForm(QTextBlockFormat& format, const Row& row, bool rightToLeft) const
 {
-    const int key = static_cast<int>(kind) * 256 + static_cast<int>(styles.toInt());
+    const RowStart& start = row.start;
+    format.setProperty(rowForm, static_cast<int>(start.form));
+    format.setProperty(rowNumber, start.number);
+    if (start.form == RowForm::code) {
+        format.setLeftMargin(codeInset);
+        format.setRightMargin(codeInset);
+        format.setLayoutDirection(Qt::LeftToRight);
+    } else if (start.form == RowForm::quote) {
+        const double indent = quoteIndent * std::min(start.number, deepestIndent);
+        if (rightToLeft)
+            format.setRightMargin(indent);
+        else
+            format.setLeftMargin(indent);
+    } else if (start.form == RowForm::cell) {
+        format.setAlignment(alignmentOf(row.alignment));
+        format.setProperty(rowIsHeader, start.isHeader);
+        if (start.within != RowStart::Within::line)
+            format.setTopMargin(cellPadding * m_fontSize);
+    }
+}
+
+const QTextCharFormat& RowFormat::styled(const RowLook& look, InlineStyles styles)
+{
+    const uint key = ((static_cast<uint>(look.kind) * 8 + static_cast<uint>(look.form)) * 2 +
+                      (look.isHeader ? 1U : 0U)) *
+                         256 +
+                     styles.toInt();
     const auto known = m_formats.constFind(key);
     if (known != m_formats.constEnd())
         return *known;
 
     QTextCharFormat format;
-    const KindStyle& style = styleOf(kind);
+    const KindStyle& style = styleOf(look);
     if (style.sizeOffset != 0)
         format.setProperty(QTextFormat::FontPixelSize, m_fontSize + style.sizeOffset);
     if (styles.testFlag(InlineStyle::strong))
@@ -139,25 +217,46 @@ const QTextCharFormat& RowFormat::styled(BlockKind kind, InlineStyles styles)
         format.setFontItalic(true);
     if (styles.testFlag(InlineStyle::strikethrough))
         format.setFontStrikeOut(true);
-    if (styles.testFlag(InlineStyle::code))
-        format.setFontFamilies({QFontDatabase::systemFont(QFontDatabase::FixedFont).family()});
+    if (styles.testFlag(InlineStyle::underline))
+        format.setFontUnderline(true);
+    if (styles.testFlag(InlineStyle::subscript))
+        format.setVerticalAlignment(QTextCharFormat::AlignSubScript);
+    else if (styles.testFlag(InlineStyle::superscript))
+        format.setVerticalAlignment(QTextCharFormat::AlignSuperScript);
+    if (styles.testFlag(InlineStyle::code) || look.form == RowForm::code)
+        format.setFontFamilies({fixedWidthFamily()});
     return *m_formats.insert(key, format);
 }
 
-const QTextCharFormat& RowFormat::plain(BlockKind kind)
+const QTextCharFormat& RowFormat::plain(const RowLook& look)
 {
-    return styled(kind, {});
+    return styled(look, {});
 }
 
-QTextCharFormat RowFormat::run(BlockKind kind, const InlineRun& run)
+QTextCharFormat RowFormat::run(const RowLook& look, const InlineRun& run)
 {
-    QTextCharFormat format = styled(kind, run.styles);
+    QTextCharFormat format = styled(look, run.styles);
     if (mayBeOpened(run.link)) {
         format.setAnchor(true);
         format.setAnchorHref(run.link);
         format.setFontUnderline(true);
     }
     return format;
+}
+
+RowForm formOf(const QTextBlockFormat& format)
+{
+    return static_cast<RowForm>(format.intProperty(rowForm));
+}
+
+RowLook lookOf(const RowStart& row)
+{
+    return {.kind = row.kind, .form = row.form, .isHeader = row.isHeader};
+}
+
+QString fixedWidthFamily()
+{
+    return QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
 }
 
 bool mayBeOpened(const QString& address)

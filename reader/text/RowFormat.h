@@ -16,7 +16,23 @@ enum RowProperty {
     rowMark,                              ///< of a list's item; drawn beside the row
     rowMarkWidth,                         ///< of the frame that the mark is drawn in
     rowMarkCentred, ///< whether it stands in the middle of its frame, or at the end
+    rowForm,        ///< a `RowForm`
+    rowNumber,      ///< of a cell: its column; of a quote: its depth
+    rowIsHeader,    ///< of a cell: whether it is of the table's header
 };
+
+/// The form of the row that a text block shows.
+[[nodiscard]] RowForm formOf(const QTextBlockFormat& format);
+
+/// What decides the look of a row's letters.
+struct RowLook {
+    BlockKind kind = BlockKind::paragraph;
+    RowForm form = RowForm::text;
+    bool isHeader = false;
+
+    bool operator==(const RowLook&) const = default;
+};
+[[nodiscard]] RowLook lookOf(const RowStart& row);
 
 /// The figures of the column: fonts, colours and lengths of its rows. A point is a
 /// device-independent pixel.
@@ -33,24 +49,25 @@ public:
     /// The font of a list's mark: a number too wide for its place is smaller.
     [[nodiscard]] QFont markFont(const QString& mark) const;
 
-    /// `previousMargin` is the bottom margin of the row before: of two margins that meet, a
-    /// document keeps the wider one.
-    [[nodiscard]] QTextBlockFormat block(const Row& row, bool rightToLeft,
-                                         double previousMargin) const;
+    [[nodiscard]] QTextBlockFormat block(const Row& row, bool rightToLeft) const;
 
     /// The format of a row's text block, which decides the height of an empty row.
-    [[nodiscard]] const QTextCharFormat& plain(BlockKind kind);
-    [[nodiscard]] QTextCharFormat run(BlockKind kind, const InlineRun& run);
+    [[nodiscard]] const QTextCharFormat& plain(const RowLook& look);
+    [[nodiscard]] QTextCharFormat run(const RowLook& look, const InlineRun& run);
 
 private:
     [[nodiscard]] double paddingBelow(const Row& row) const;
-    const QTextCharFormat& styled(BlockKind kind, InlineStyles styles);
+    void placeForm(QTextBlockFormat& format, const Row& row, bool rightToLeft) const;
+    const QTextCharFormat& styled(const RowLook& look, InlineStyles styles);
 
     int m_fontSize;
     QColor m_textColor;
     QFont m_font;
-    QHash<int, QTextCharFormat> m_formats;
+    QHash<uint, QTextCharFormat> m_formats;
 };
+
+/// The family of code.
+[[nodiscard]] QString fixedWidthFamily();
 
 /// Whether a link to that address is opened when it is pressed: of http, https and mailto alone.
 [[nodiscard]] bool mayBeOpened(const QString& address);

@@ -25,7 +25,10 @@ QString separatorAfter(const QTextBlockFormat& format)
     case RowEnd::block:
         return u"\n\n"_s;
     case RowEnd::item:
+    case RowEnd::line:
         return u"\n"_s;
+    case RowEnd::cell:
+        return u"\t"_s;
     case RowEnd::blank:
         return u" "_s;
     case RowEnd::word:

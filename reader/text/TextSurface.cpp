@@ -2,9 +2,9 @@
 
 #include "kit/Theme.h"
 #include "reader/text/Highlights.h"
+#include "reader/text/RowPainter.h"
 #include "reader/text/SelectedText.h"
 
-#include <QAbstractTextDocumentLayout>
 #include <QDesktopServices>
 #include <QHelpEvent>
 #include <QKeyEvent>
@@ -19,6 +19,8 @@ namespace {
 using namespace Qt::StringLiterals;
 
 constexpr double highlightOpacity = 0.55;
+/// How far above its text a row paints.
+constexpr int reach = 8;
 
 void open(const QUrl& address)
 {
@@ -49,8 +51,10 @@ QList<QRectF> rangeRects(const QTextLine& line, qsizetype begin, qsizetype end)
 
 TextSurface::TextSurface(QWidget* parent)
     : QTextBrowser(parent)
+    , m_layout(new PageLayout(document()))
     , m_format(0, {})
 {
+    document()->setDocumentLayout(m_layout);
     setFrameShape(QFrame::NoFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
@@ -78,22 +82,12 @@ void TextSurface::setHighlightText(const QString& text)
 
 QTextBlock TextSurface::rowAt(int y) const
 {
-    int first = 0;
-    for (int count = document()->blockCount(); count > 1;) {
-        const int half = count / 2;
-        const bool isAbove = rowRect(document()->findBlockByNumber(first + half)).top() <= y;
-        first += isAbove ? half : 0;
-        count = isAbove ? count - half : half;
-    }
-    const QTextBlock row = document()->findBlockByNumber(first);
-    const QTextBlock next = row.next();
-    const bool nextIsNearer = next.isValid() && rowRect(next).top() - y < y - rowRect(row).bottom();
-    return nextIsNearer ? next : row;
+    return m_layout->rowAt(y);
 }
 
 QRectF TextSurface::rowRect(const QTextBlock& row) const
 {
-    return document()->documentLayout()->blockBoundingRect(row);
+    return m_layout->blockBoundingRect(row);
 }
 
 QVariant TextSurface::loadResource(int, const QUrl&)
@@ -127,9 +121,13 @@ void TextSurface::mouseMoveEvent(QMouseEvent* event)
 
 void TextSurface::scrollContentsBy(int, int) {}
 
+/// What goes sideways moves a table that is wider than the column; all else is for whoever shows
+/// the text.
 void TextSurface::wheelEvent(QWheelEvent* event)
 {
-    event->ignore();
+    const QPoint delta = event->pixelDelta().isNull() ? event->angleDelta() : event->pixelDelta();
+    const bool isSideways = std::abs(delta.x()) > std::abs(delta.y());
+    event->setAccepted(isSideways && m_layout->scrollTable(event->position(), -delta.x()));
 }
 
 bool TextSurface::viewportEvent(QEvent* event)
@@ -155,13 +153,13 @@ void TextSurface::paintEvent(QPaintEvent* event)
     {
         QPainter painter(viewport());
         painter.setClipRect(event->rect());
-        for (QTextBlock row = rowAt(event->rect().top()); row.isValid(); row = row.next()) {
-            if (rowRect(row).top() > event->rect().bottom())
+        const RowPainter rows(painter, *m_layout, m_format, palette());
+        for (QTextBlock row = rowAt(event->rect().top() - reach); row.isValid(); row = row.next()) {
+            if (rowRect(row).top() > event->rect().bottom() + reach)
                 break;
+            rows.paint(row);
             if (!m_highlightText.isEmpty())
                 paintHighlights(painter, row);
-            if (row.blockFormat().hasProperty(rowMarkWidth))
-                paintMark(painter, row);
         }
     }
     QTextBrowser::paintEvent(event);
@@ -186,27 +184,6 @@ void TextSurface::paintHighlights(QPainter& painter, const QTextBlock& row) cons
                 painter.fillRect(rect.translated(layout.position()), color);
         }
     }
-}
-
-void TextSurface::paintMark(QPainter& painter, const QTextBlock& row) const
-{
-    const QTextBlockFormat format = row.blockFormat();
-    const QString mark = format.stringProperty(rowMark);
-    if (mark.isEmpty() || row.layout()->lineCount() == 0)
-        return;
-    const bool isCentred = format.boolProperty(rowMarkCentred);
-    const bool isRightToLeft = format.rightMargin() > 0;
-    const double frameWidth = format.doubleProperty(rowMarkWidth);
-    const QFont font = m_format.markFont(mark);
-    const double markWidth = QFontMetricsF(font).horizontalAdvance(mark);
-    const double free = frameWidth - markWidth;
-    const double inset = isCentred ? free / 2 : std::max(free, 0.0); // from the column's edge
-    const double x = isRightToLeft ? viewport()->width() - inset - markWidth : inset;
-    const QTextLine line = row.layout()->lineAt(0);
-    painter.setFont(font);
-    painter.setLayoutDirection(isRightToLeft ? Qt::RightToLeft : Qt::LeftToRight);
-    painter.setPen(isCentred ? m_format.textColor() : m_format.numberColor());
-    painter.drawText(QPointF(x, row.layout()->position().y() + line.y() + line.ascent()), mark);
 }
 
 } // namespace varno

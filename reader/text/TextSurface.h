@@ -1,5 +1,6 @@
 #pragma once
 
+#include "reader/text/PageLayout.h"
 #include "reader/text/RowFormat.h"
 
 #include <QTextBlock>
@@ -42,9 +43,9 @@ protected:
 
 private:
     void paintHighlights(QPainter& painter, const QTextBlock& row) const;
-    void paintMark(QPainter& painter, const QTextBlock& row) const;
     bool showAddress(const QPoint& position, const QPoint& globalPosition);
 
+    PageLayout* m_layout; ///< the document's
     RowFormat m_format;
     QString m_highlightText;
 };

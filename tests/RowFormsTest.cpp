@@ -1,0 +1,98 @@
+#include "tests/PageText.h"
+#include "tests/Test.h"
+
+namespace {
+
+const QString everyForm =
+    u"Code:\n```py\nif a_b:\n\tpass  \n\n    # no *mark*\n\n    b = `c`\n\n```\n\n> quoted **a**\n"
+    "> > nested\n>\n> again\nafter\n---\n\n| Name | *N* |\n|:--|--:|\n| a \\| b | 1 |\n| c |\n"
+    "| d | 2 | 3 |\nSource: x\n\na | b\n--|--\n1 | 2\nthree\n\n***\n\n~~~~\n```\n~~~~\nx\n|y\n|-"_s;
+
+/// The rows of a text, each with a letter for its form.
+QStringList rowsOf(const QString& text)
+{
+    QStringList rows;
+    RowReader reader(text);
+    while (const auto row = reader.next()) {
+        const RowStart& start = row->start;
+        const QString number = start.number > 0 ? QString::number(start.number) : QString();
+        rows.append(QString(u"tcqxrh"[static_cast<int>(start.form)]) +
+                    (start.isHeader ? u"!"_s : u""_s) + number + u' ' + row->text.toString());
+    }
+    return rows;
+}
+
+} // namespace
+
+/// What a paragraph may be set as: code, quotes, tables and rules.
+class RowFormsTest : public QObject {
+    Q_OBJECT
+
+private Q_SLOTS:
+    void tellsForms()
+    {
+        for (const auto& [text, rows] :
+             Rows<QString, QStringList>{{everyForm,
+                                         {u"t Code:"_s,
+                                          u"c if a_b:"_s,
+                                          u"c \tpass"_s,
+                                          u"t no *mark*"_s,
+                                          u"c     b = `c`"_s,
+                                          u"h "_s,
+                                          u"q1 quoted **a**"_s,
+                                          u"q2 nested"_s,
+                                          u"q1 "_s,
+                                          u"q1 again"_s,
+                                          u"t after"_s,
+                                          u"r "_s,
+                                          u"x! Name"_s,
+                                          u"x!1 *N*"_s,
+                                          u"x a \\| b"_s,
+                                          u"x1 1"_s,
+                                          u"x c"_s,
+                                          u"x d"_s,
+                                          u"x1 2 | 3"_s,
+                                          u"t Source: x"_s,
+                                          u"x! a"_s,
+                                          u"x!1 b"_s,
+                                          u"x 1"_s,
+                                          u"x1 2"_s,
+                                          u"x three"_s,
+                                          u"r "_s,
+                                          u"c ```"_s,
+                                          u"t x"_s,
+                                          u"x! y"_s}},
+                                        {u"- ```\n  a\n  ```\n\nb"_s, {u"t ```"_s, u"t b"_s}},
+                                        {u"```a`b\nc"_s, {u"t ```a`b\nc"_s}},
+                                        {u"a\n|b\n|-x"_s, {u"t a\n|b\n|-x"_s}},
+                                        {u"a | b\n---"_s, {u"t a | b"_s, u"r "_s}}}) {
+            const InRow row(text);
+            QCOMPARE(rowsOf(text), rows);
+        }
+    }
+
+    void streamsWhatIsBuiltAtOnce()
+    {
+        MarkdownContentView oneByOne;
+        for (qsizetype length = 1; length <= everyForm.size(); ++length) {
+            oneByOne.appendText(QStringView(everyForm).sliced(length - 1, 1));
+            MarkdownContentView atOnce;
+            atOnce.setText(everyForm.first(length));
+            const InRow row(length, everyForm.first(length).right(30));
+            QCOMPARE(described(oneByOne).right(1200), described(atOnce).right(1200));
+        }
+        QRandomGenerator random(7);
+        for (int round = 0; round < 40; ++round) {
+            QString text = everyForm; // and what nobody thought of
+            for (int change = 0; change < 6; ++change)
+                text.insert(random.bounded(text.size()),
+                            QStringList({u"\n"_s, u"```\n"_s, u"|"_s, u">"_s, u"\n---\n"_s,
+                                         u"\n\n"_s})[random.bounded(6)]);
+            const InRow row(text);
+            streamInPieces(text, 9, random);
+        }
+    }
+};
+
+VARNO_TEST(QApplication, RowFormsTest)
+#include "RowFormsTest.moc"
