@@ -1,3 +1,5 @@
+#include "reader/text/SelectedHtml.h"
+#include "reader/text/SelectedText.h"
 #include "tests/PageText.h"
 #include "tests/Test.h"
 
@@ -91,6 +93,31 @@ private Q_SLOTS:
             const InRow row(text);
             streamInPieces(text, 9, random);
         }
+    }
+
+    void copiesWhatItShows()
+    {
+        MarkdownContentView view;
+        view.setText(
+            u"## A & *b*\n\n- c\n- **d**\n\n3. e\n\n```\nf <g>\n\n  h\n```\n\n> i\n> > j\n\n"
+            "|k|l|\n|-|-:|\n|[m](https://n.o/)|p |\n\n---\n\n[https://q.r](https://q.r)<br>"
+            "s ~~t~~ `u` x<sup>2</sup>"_s);
+        QTextCursor cursor(&const_cast<QTextDocument&>(view.document()));
+        cursor.select(QTextCursor::Document);
+        QCOMPARE(selectedTextWithLinks(cursor),
+                 u"A & b\n\n- c\n- d\n\n3. e\n\nf <g>\n\n  h\n\ni\nj\n\nk\tl\n"
+                 "m (https://n.o/)\tp\n\n---\n\nhttps://q.r\ns t u x2"_s);
+        QCOMPARE(selectedHtml(cursor),
+                 u"<h2>A &amp; <em>b</em></h2><ul><li>c</li><li><strong>d</strong></li></ul>"
+                 "<ol><li value=\"3\">e</li></ol><pre>f &lt;g&gt;\n\n  h</pre><blockquote><p>i</p>"
+                 "<blockquote><p>j</p></blockquote></blockquote><table><tr><th>k</th>"
+                 "<th align=\"right\">l</th></tr><tr><td><a href=\"https://n.o/\">m</a></td>"
+                 "<td align=\"right\">p</td></tr></table><hr>"
+                 "<p><a href=\"https://q.r\">https://q.r</a><br>s <s>t</s> <code>u</code> "
+                 "x<sup>2</sup></p>"_s);
+        cursor.setPosition(1);
+        cursor.setPosition(5, QTextCursor::KeepAnchor);
+        QCOMPARE(selectedHtml(cursor), u" &amp; <em>b</em>"_s); // within a paragraph
     }
 };
 

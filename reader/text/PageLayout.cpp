@@ -144,7 +144,7 @@ QRectF PageLayout::room(const QTextBlock& row) const
 /// Whether a row is the rest of the one before it.
 bool PageLayout::goesOn(const QTextBlock& row) const
 {
-    const auto end = static_cast<RowEnd>(row.previous().blockFormat().intProperty(rowEnd));
+    const RowEnd end = endOf(row.previous().blockFormat());
     return row.previous().isValid() && (end == RowEnd::blank || end == RowEnd::word);
 }
 

@@ -151,6 +151,7 @@ QTextBlockFormat RowFormat::block(const Row& row, bool rightToLeft) const
     const BlockKind kind = row.start.kind;
     format.setProperty(rowBlock, row.start.block);
     format.setProperty(rowEnd, static_cast<int>(row.end));
+    format.setProperty(rowKind, static_cast<int>(kind));
     format.setBottomMargin(paddingBelow(row));
     if (paddingAbove(kind) > 0 && row.start.within == RowStart::Within::piece)
         format.setTopMargin(paddingAbove(kind));
@@ -247,6 +248,11 @@ QTextCharFormat RowFormat::run(const RowLook& look, const InlineRun& run)
 RowForm formOf(const QTextBlockFormat& format)
 {
     return static_cast<RowForm>(format.intProperty(rowForm));
+}
+
+RowEnd endOf(const QTextBlockFormat& format)
+{
+    return static_cast<RowEnd>(format.intProperty(rowEnd));
 }
 
 RowLook lookOf(const RowStart& row)

@@ -19,10 +19,12 @@ enum RowProperty {
     rowForm,        ///< a `RowForm`
     rowNumber,      ///< of a cell: its column; of a quote: its depth
     rowIsHeader,    ///< of a cell: whether it is of the table's header
+    rowKind,        ///< the `BlockKind` of the row's block
 };
 
-/// The form of the row that a text block shows.
+/// The form of the row that a text block shows, and what comes after it.
 [[nodiscard]] RowForm formOf(const QTextBlockFormat& format);
+[[nodiscard]] RowEnd endOf(const QTextBlockFormat& format);
 
 /// What decides the look of a row's letters.
 struct RowLook {

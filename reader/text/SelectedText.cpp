@@ -1,10 +1,7 @@
 #include "reader/text/SelectedText.h"
 
 #include "reader/text/RowFormat.h"
-
-#include <QTextBlock>
-#include <QTextCursor>
-#include <QTextDocument>
+#include "reader/text/SelectedRows.h"
 
 namespace varno {
 namespace {
@@ -14,6 +11,8 @@ using namespace Qt::StringLiterals;
 /// The mark of a row that does not have it in its text.
 QString leadingMark(const QTextBlockFormat& format)
 {
+    if (formOf(format) == RowForm::rule)
+        return u"---"_s;
     if (!format.hasProperty(rowMarkWidth) || format.stringProperty(rowMark).isEmpty())
         return {};
     return format.boolProperty(rowMarkCentred) ? u"- "_s : format.stringProperty(rowMark) + u' ';
@@ -21,7 +20,7 @@ QString leadingMark(const QTextBlockFormat& format)
 
 QString separatorAfter(const QTextBlockFormat& format)
 {
-    switch (static_cast<RowEnd>(format.intProperty(rowEnd))) {
+    switch (endOf(format)) {
     case RowEnd::block:
         return u"\n\n"_s;
     case RowEnd::item:
@@ -37,26 +36,34 @@ QString separatorAfter(const QTextBlockFormat& format)
     return {};
 }
 
+QString textOf(const QTextCursor& cursor, bool withLinks)
+{
+    QString result;
+    for (const SelectedRow& row : selectedRows(cursor)) {
+        if (row.isFromStart)
+            result += leadingMark(row.format);
+        for (const SelectedRun& run : row.runs) {
+            const QString address = run.format.anchorHref();
+            result += run.text;
+            if (withLinks && run.endsLink && !run.link.endsWith(address))
+                result += u" ("_s + address + u')';
+        }
+        if (row.isToEnd)
+            result += separatorAfter(row.format);
+    }
+    return result.replace(QChar(QChar::LineSeparator), u'\n');
+}
+
 } // namespace
 
 QString selectedText(const QTextCursor& cursor)
 {
-    QString result;
-    const int end = cursor.selectionEnd();
-    QTextBlock row = cursor.document()->findBlock(cursor.selectionStart());
-    for (int begin = cursor.selectionStart(); row.isValid() && begin < end; row = row.next()) {
-        const QTextBlockFormat format = row.blockFormat();
-        const QString text = row.text();
-        const int from = begin - row.position();
-        if (from == 0)
-            result += leadingMark(format);
-        result += QStringView(text).sliced(from).first(
-            std::min<qsizetype>(end - begin, text.size() - from));
-        begin = row.position() + row.length();
-        if (begin <= end)
-            result += separatorAfter(format);
-    }
-    return result.replace(QChar(QChar::LineSeparator), u'\n');
+    return textOf(cursor, false);
+}
+
+QString selectedTextWithLinks(const QTextCursor& cursor)
+{
+    return textOf(cursor, true);
 }
 
 } // namespace varno

@@ -3,6 +3,7 @@
 #include "kit/Theme.h"
 #include "reader/text/Highlights.h"
 #include "reader/text/RowPainter.h"
+#include "reader/text/SelectedHtml.h"
 #include "reader/text/SelectedText.h"
 
 #include <QDesktopServices>
@@ -97,9 +98,10 @@ QVariant TextSurface::loadResource(int, const QUrl&)
 
 QMimeData* TextSurface::createMimeDataFromSelection() const
 {
-    auto* plainText = new QMimeData;
-    plainText->setText(selectedText(textCursor()));
-    return plainText;
+    auto* selection = new QMimeData;
+    selection->setText(selectedTextWithLinks(textCursor()));
+    selection->setHtml(selectedHtml(textCursor()));
+    return selection;
 }
 
 /// Keys that scroll are for whoever shows the text.
