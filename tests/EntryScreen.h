@@ -11,8 +11,6 @@
 #include <QScrollBar>
 #include <QVBoxLayout>
 
-#include <algorithm>
-
 namespace varno {
 
 inline constexpr QLatin1StringView relatedTopicsLine =
@@ -57,20 +55,14 @@ struct Screen : ControllerFixture {
     {
         return *view.findChild<Widget*>();
     }
-    [[nodiscard]] QRect place(const QWidget& widget) const
-    {
-        return {widget.mapTo(&view, QPoint()), widget.size()};
-    }
     template <typename Widget>
     [[nodiscard]] QRect place() const
     {
-        return place(part<Widget>());
+        return {part<Widget>().mapTo(&view, QPoint()), part<Widget>().size()};
     }
     [[nodiscard]] PlainButton* button(const QString& name) const
     {
-        const QList<PlainButton*> all = shown<PlainButton>(view);
-        const auto found = std::ranges::find(all, name, &QWidget::accessibleName);
-        return found == all.end() ? nullptr : *found;
+        return shownButton<PlainButton>(view, name);
     }
     void press(const QString& name) const
     {

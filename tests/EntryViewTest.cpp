@@ -3,15 +3,7 @@
 #include "tests/EntryScreen.h"
 #include "tests/Test.h"
 
-#include <QHelpEvent>
-#include <QToolTip>
-
 namespace {
-
-void finishDefinition(Screen& screen)
-{
-    screen.write(u"rome"_s, u"Text."_s + relatedTopicsLine);
-}
 
 void finishArticle(Screen& screen)
 {
@@ -55,66 +47,23 @@ class EntryViewTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void frameOfTheScreen()
+    void placesOfTheParts()
     {
         Screen screen;
         finishArticle(screen);
         screen.model->setShowingFind(true);
-        QTRY_COMPARE(screen.part<FindBar>().width(), 700); // laid out
+        QTRY_COMPARE(screen.place<FindBar>().width(), 700); // laid out
 
-        const QRect breadcrumbs = screen.place<BreadcrumbBar>();
         const QRect find = screen.place<FindBar>();
-        const QRect sidebar = screen.place<TOCSidebarView>();
-        const QRect divider = screen.place<ResizeDivider>();
-        QCOMPARE(breadcrumbs.topLeft(), QPoint(0, 0));
-        QCOMPARE(find.top(), breadcrumbs.bottom() + 1);
-        QCOMPARE(find.height(), 38);
-        QCOMPARE(sidebar.top(), find.bottom() + 1);
-        QCOMPARE(sidebar.bottom(), 499);
-        QCOMPARE(sidebar.width(), 200);
-        QCOMPARE(divider.left(), 200);
-        QCOMPARE(screen.place<ReadingColumn>(),
-                 QRect(QPoint(divider.right() + 1, sidebar.top()), QPoint(699, 499)));
-        QCOMPARE(screen.place(*screen.button(u"Search"_s)).left(), 20);
-        QCOMPARE(screen.place(*screen.button(u"Settings"_s)).right(), 679);
-        QCOMPARE(screen.place(*screen.part<FindBar>().findChildren<PlainButton*>().last()),
-                 QRect(680 - 22, find.top() + 8, 22, 22));
-    }
-
-    void gapsOfTheColumn()
-    {
-        const auto gap = [](const QRect& upper, const QRect& lower) {
-            return lower.top() - upper.bottom() - 1;
-        };
-        Screen screen;
-        screen.model->search(article);
-        QTRY_COMPARE(gap(screen.place<MarkdownContentView>(), screen.place<BlinkingCursor>()), 4);
-        const QList<PlaceholderBar*> bars = screen.view.findChildren<PlaceholderBar*>();
-        QCOMPARE(bars.size(), 6);
-        for (qsizetype i = 0; i < bars.size(); ++i) {
-            QCOMPARE(bars.at(i)->pos(), QPoint(16, bars.at(0)->y() + int(i) * 20));
-            QCOMPARE(bars.at(i)->height(), 10);
-        }
-        finishDefinition(screen);
-        QTRY_COMPARE(gap(screen.place<FullEntryButton>(), screen.place<RelatedTopics>()), 32);
-        QTRY_COMPARE(gap(screen.place<MarkdownContentView>(), screen.place<FullEntryButton>()), 24);
+        const QRect column = screen.place<ReadingColumn>();
+        QCOMPARE(find.top(), screen.place<BreadcrumbBar>().bottom() + 1);
+        QCOMPARE(screen.place<TOCSidebarView>(), QRect(0, find.bottom() + 1, 200, column.height()));
+        QCOMPARE(screen.place<ResizeDivider>().left(), 200);
+        QCOMPARE(column.topLeft(), screen.place<ResizeDivider>().topRight() + QPoint(1, 0));
+        QCOMPARE(column.bottomRight(), QPoint(699, 499));
         const QRect header = screen.place<EntryHeader>();
-        QCOMPARE(gap(header, screen.place<MarkdownContentView>()), 20);
-        QCOMPARE(header.topLeft() - screen.place<ReadingColumn>().topLeft(), QPoint(36, 28));
-        const QRect name = screen.part<EntryHeader>().findChild<ThemedText*>()->geometry();
-        const QRect rule = screen.part<EntryHeader>().findChild<Rule*>()->geometry();
-        QCOMPARE(gap(name, rule), 4);
-        QCOMPARE(rule.height(), 1);
-        QCOMPARE(rule.width(), screen.part<ReadingColumn>().viewport()->width() - 72);
-
-        screen.model->search(u"straße"_s);
-        QVERIFY(screen.showsText(u"STRASSE"_s));
-        screen.answer({}, Failure{u"It broke."_s});
-        QTRY_COMPARE(gap(screen.place<EntryHeader>(), screen.place<ErrorPanel>()), 40);
-        QTRY_VERIFY(screen.part<ErrorPanel>().height() > 60);
-        const QRect panel = screen.place<ErrorPanel>();
-        QVERIFY(panel.width() <= 360);
-        QCOMPARE(panel.center().x(), screen.place<EntryHeader>().center().x());
+        QCOMPARE(header.topLeft() - column.topLeft(), QPoint(36, 28));
+        QCOMPARE(screen.place<MarkdownContentView>().top(), header.bottom() + 1 + 20);
     }
 
     void whatTheScreenShows()
@@ -156,11 +105,10 @@ private Q_SLOTS:
         Screen screen;
         finishArticle(screen);
         auto& divider = screen.part<ResizeDivider>();
-        QCOMPARE(divider.cursor().shape(), Qt::SplitHCursor);
         // Where the pointer is led in turn, and how wide the sidebar is then: from 140 to 340, and
         // measured from where the drag began.
-        for (const auto& [places, width] : Rows<QList<int>, int>{
-                 {{30, 50}, 250}, {{500, 40}, 290}, {{200}, 340}, {{-300}, 140}, {{50}, 190}}) {
+        for (const auto& [places, width] :
+             Rows<QList<int>, int>{{{500, 40}, 240}, {{200}, 340}, {{-300}, 140}}) {
             const InRow row(places);
             QTRY_COMPARE(divider.x(), screen.part<TOCSidebarView>().width());
             const int start = divider.mapTo(&screen.window, QPoint(2, 9)).x();
@@ -196,15 +144,15 @@ private Q_SLOTS:
         QVERIFY(ground(0) == ground(1));
 
         // By keyboard: one stop for Tab, and arrows between.
-        entries.at(0)->setFocus();
-        screen.key(Qt::Key_Down);
-        QVERIFY(entries.at(1)->hasFocus());
-        screen.key(Qt::Key_Up);
-        screen.key(Qt::Key_Up);
-        QVERIFY(entries.at(0)->hasFocus());
-        screen.key(Qt::Key_End);
-        screen.key(Qt::Key_Down);
-        QVERIFY(entries.at(2)->hasFocus());
+        entries.at(1)->setFocus();
+        for (const auto& [key, focused] : Rows<Qt::Key, int>{{Qt::Key_Up, 0},
+                                                             {Qt::Key_Up, 0},
+                                                             {Qt::Key_Down, 1},
+                                                             {Qt::Key_End, 2},
+                                                             {Qt::Key_Down, 2}}) {
+            screen.key(key);
+            QVERIFY(entries.at(focused)->hasFocus());
+        }
         screen.key(Qt::Key_Tab);
         QVERIFY(!entries.contains(QApplication::focusWidget()));
         screen.key(Qt::Key_Backtab);
@@ -246,6 +194,10 @@ private Q_SLOTS:
         QCOMPARE(text.selectedText(), u"Consuls"_s);
         screen.model->setFontSize(FontSize::large); // the same page
         QCOMPARE(text.selectedText(), u"Consuls"_s);
+        const EntryView another(*screen.model);
+        for (const QWidget* view : std::array<const QWidget*, 2>{&screen.view, &another})
+            QCOMPARE(view->findChild<MarkdownContentView*>()->document().defaultFont().pixelSize(),
+                     19);
         screen.model->goBack();
         QCOMPARE(screen.shownLength(), u"Overview."_s.size());
         QCOMPARE(text.selectedText(), QString());
@@ -273,48 +225,32 @@ private Q_SLOTS:
     void crumbsShareTheirRoom()
     {
         for (const auto& [widths, available, shared] :
-             Rows<QList<int>, int, QList<int>>{{QList<int>(), 10, {}},
-                                               {{40, 60}, 100, {40, 60}},
-                                               {{40, 90}, 100, {40, 60}},
+             Rows<QList<int>, int, QList<int>>{{{40, 60}, 100, {40, 60}},
                                                {{80, 90, 20}, 100, {40, 40, 20}},
                                                {{80, 90}, -5, {0, 0}}}) {
             const InRow row(widths, available);
             QCOMPARE(sharedWidths(widths, available), shared);
         }
         Screen screen;
-        screen.writeArticle(u"an endless question "_s.repeated(30), {u"A section"_s});
-        screen.model->navigateTo(u"Ein "_s + QString(200, u'x'));
-        QCoreApplication::processEvents();
-        const auto& trail = screen.part<BreadcrumbTrail>();
-        for (const QWidget* crumb : trail.findChildren<QWidget*>(Qt::FindDirectChildrenOnly))
-            QVERIFY(trail.rect().contains(crumb->geometry()) || crumb->isHidden());
-        QVERIFY(screen.button(u"Settings"_s)->geometry().right() < 700);
+        screen.writeArticle(u"an endless question "_s.repeated(30), {});
+        QTRY_VERIFY(screen.button(u"Settings"_s)->geometry().right() < 700);
     }
 
     void onlySoMuchIsShown()
     {
         Screen screen;
-        QStringList sections(2000, u"S"_s);
-        sections[0] = QString(5000, u's');
-        screen.writeArticle(article, sections);
-        const QList<TOCEntry*> entries = screen.view.findChildren<TOCEntry*>();
-        QCOMPARE(entries.size(), contentsLimit.entries);
+        screen.writeArticle(article, QString(2000, u'S').split(QString(), Qt::SkipEmptyParts));
+        QCOMPARE(screen.view.findChildren<TOCEntry*>().size(), contentsLimit.entries);
         QVERIFY(screen.showsText(u"… and 1900 more"_s));
-        QHelpEvent toolTip(QEvent::ToolTip, {}, {});
-        QApplication::sendEvent(entries.at(0), &toolTip);
-        QCOMPARE(QToolTip::text(), plainToolTip(sections.at(0)));
-        QTest::mouseClick(entries.at(0), Qt::LeftButton);
-        QCOMPARE(screen.model->currentPage()->title, sections.at(0));
 
         const QString topic(5000, u't');
-        screen.answer(u"Text.\nSEE_ALSO_JSON: [\"%1\"%2]"_s.arg(topic, u", \"T\""_s.repeated(99)));
+        screen.write(u"rome"_s,
+                     u"Text.\nSEE_ALSO_JSON: [\"%1\"%2]"_s.arg(topic, u", \"T\""_s.repeated(99)));
         const auto links = screen.part<RelatedTopics>().findChildren<PlainButton*>();
         QCOMPARE(links.size(), topicsLimit.entries);
         QVERIFY(screen.showsText(u"… and 60 more"_s));
         links.at(0)->click();
         QCOMPARE(screen.model->session()->rootQuery, topic);
-        screen.answer({}, Failure{u"It broke.\n"_s.repeated(1000)});
-        QVERIFY(screen.part<ErrorPanel>().findChild<ThemedText*>()->isElided());
     }
 
     void waysOn()
@@ -322,17 +258,13 @@ private Q_SLOTS:
         Screen screen;
         fail(screen);
         QVERIFY(screen.showsText(u"It broke."_s));
-        for (const QString& name : {u"Try again"_s, u"New search"_s})
-            QCOMPARE(screen.button(name)->focusPolicy(), Qt::NoFocus);
         screen.press(u"Try again"_s);
         QCOMPARE(screen.claude.entries.size(), 2U);
-        QVERIFY(!screen.part<ErrorPanel>().isVisible());
         screen.answer(u"x"_s, Failure{u"It broke again."_s});
         screen.press(u"New search"_s);
         QVERIFY(!screen.model->session());
 
         screen.write(u"rome"_s);
-        QCOMPARE(screen.button(u"Full Entry"_s)->focusPolicy(), Qt::NoFocus);
         screen.press(u"Full Entry"_s);
         QCOMPARE(screen.model->currentPage()->entryType, EntryType::full);
         screen.answer(u"Text."_s + relatedTopicsLine);

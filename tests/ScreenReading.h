@@ -43,9 +43,10 @@ inline ThemedText* shownText(const QWidget& screen, const QString& text)
 }
 
 /// The first button of that name; null when none is on show.
-inline QAbstractButton* shownButton(const QWidget& screen, const QString& name)
+template <typename Button = QAbstractButton>
+Button* shownButton(const QWidget& screen, const QString& name)
 {
-    const QList<QAbstractButton*> all = shown<QAbstractButton>(screen);
+    const QList<Button*> all = shown<Button>(screen);
     const auto found = std::ranges::find(all, name, &QWidget::accessibleName);
     return found == all.end() ? nullptr : *found;
 }
