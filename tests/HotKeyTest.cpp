@@ -4,8 +4,6 @@
 #include "shortcuts/ShortcutEvents.h"
 #include "tests/Test.h"
 
-#include <QSignalSpy>
-
 #include <iostream>
 #include <sstream>
 
@@ -19,8 +17,7 @@ constexpr quint32 pressed = 5;
 constexpr quint32 released = 6;
 
 /// What `action` writes to the console.
-template <typename Action>
-QString written(Action action)
+QString written(const std::function<void()>& action)
 {
     std::ostringstream text;
     std::streambuf* const before = std::cerr.rdbuf(text.rdbuf());
@@ -105,12 +102,10 @@ private Q_SLOTS:
         m_shortcuts->onKeyDown(open(), calls(u"down"_s));
         constexpr HotKeyIdentity ours{.signature = 0x53534B53, .id = 1};
         for (const auto& [event, answer] : Rows<HotKeyEvent, int>{
-                 {HotKeyEvent{.kind = pressed, .parameterStatus = -9870, .identity = ours},
-                  -9870}, // unreadable
-                 {HotKeyEvent{.kind = pressed, .identity = {0x53534B54, 1}}, -9874},
-                 {HotKeyEvent{.kind = pressed, .identity = {0x53534B53, 2}}, -9874},
-                 {HotKeyEvent{.kind = 1, .identity = ours}, -9874}}) { // as a key's
-            const InRow row(event.kind, event.identity.signature, event.identity.id);
+                 {{.kind = pressed, .parameterStatus = -9870, .identity = ours}, -9870},
+                 {{.kind = pressed, .identity = {0x53534B54, 1}}, -9874},
+                 {{.kind = pressed, .identity = {0x53534B53, 2}}, -9874}}) {
+            const InRow row(event.identity.signature, event.identity.id);
             QCOMPARE(m_events.send(event), std::optional(answer));
             QVERIFY(m_calls.isEmpty());
         }
@@ -118,22 +113,18 @@ private Q_SLOTS:
 
     void keyboardEventsOfOldSystems()
     {
-        const auto send = [this](int major, quint32 kind, int modifiers) {
-            HotKeyCenter center(m_events, {QOperatingSystemVersion::MacOS, major, 6});
-            if (!center.add(controlJ, {.keyDown = calls(u"down"_s), .keyUp = calls(u"up"_s)}))
-                qFatal("Refused");
-            return m_events.send({.eventClass = HotKeyEventClass::keyboard,
-                                  .kind = kind,
-                                  .carbonKeyCode = controlJ.carbonKeyCode(),
-                                  .carbonModifiers = modifiers});
-        };
-        const int control = controlJ.carbonModifiers();
-        QCOMPARE(send(14, 1, control), std::nullopt);
-        QCOMPARE(send(13, 2, control), std::optional(-9874));
-        QCOMPARE(send(13, 1, 0), std::optional(-9874));
-        QVERIFY(m_calls.isEmpty());
-        QCOMPARE(send(13, 1, control), std::optional(0));
-        QCOMPARE(send(13, 3, control), std::optional(0));
+        for (const auto& [version, answer] :
+             Rows<int, std::optional<int>>{{14, std::nullopt}, {13, 0}}) {
+            HotKeyCenter center(m_events, {QOperatingSystemVersion::MacOS, version, 6});
+            QVERIFY(center.add(controlJ, {.keyDown = calls(u"down"_s), .keyUp = calls(u"up"_s)}));
+            for (const quint32 kind : {1U, 3U}) {
+                QCOMPARE(m_events.send({.eventClass = HotKeyEventClass::keyboard,
+                                        .kind = kind,
+                                        .carbonKeyCode = controlJ.carbonKeyCode(),
+                                        .carbonModifiers = controlJ.carbonModifiers()}),
+                         answer);
+            }
+        }
         QCOMPARE(takeCalls(), QStringList({u"down"_s, u"up"_s}));
     }
 
@@ -141,7 +132,6 @@ private Q_SLOTS:
     {
         const Name name = open();
         m_shortcuts->onKeyUp(name, calls(u"up"_s));
-        QVERIFY(m_shortcuts->isEnabled(name));
         m_shortcuts->setShortcut(controlJ, name);
         QVERIFY(!send(optionCommandF));
         QCOMPARE(send(controlJ), std::optional(0));
@@ -153,7 +143,6 @@ private Q_SLOTS:
         m_shortcuts->disable({name});
         QVERIFY(!m_shortcuts->isEnabled(name));
         QVERIFY(m_events.registered.empty());
-        QCOMPARE(m_shortcuts->getShortcut(name), std::optional(optionCommandF));
         m_shortcuts->enable({name});
         QVERIFY(m_shortcuts->isEnabled(name));
         QVERIFY(send(optionCommandF));
@@ -166,8 +155,8 @@ private Q_SLOTS:
         m_shortcuts->onKeyUp(other(), calls(u"other"_s));
         QCOMPARE(m_events.registered.size(), 1U);
         send(controlJ);
-        QCOMPARE(QSet<QString>(m_calls.begin(), m_calls.end()), QSet({u"one"_s, u"other"_s}));
-        QCOMPARE(takeCalls().size(), 2);
+        m_calls.sort();
+        QCOMPARE(takeCalls(), QStringList({u"one"_s, u"other"_s}));
         m_shortcuts->removeHandler(one);
         send(controlJ);
         QCOMPARE(takeCalls(), QStringList{u"other"_s});
@@ -183,9 +172,6 @@ private Q_SLOTS:
         Q_EMIT m_shortcuts->recorderActiveStatusDidChange(false);
         QVERIFY(send(optionCommandF));
         Q_EMIT m_shortcuts->recorderActiveStatusDidChange(true);
-        m_shortcuts->onKeyUp(other(), calls(u"other"_s));
-        QCOMPARE(m_events.registered.size(), 2U);
-        QVERIFY(!send(optionCommandF));
         m_shortcuts->setEnabled(false);
         Q_EMIT m_shortcuts->recorderActiveStatusDidChange(false);
         QVERIFY(!send(optionCommandF));
@@ -200,10 +186,8 @@ private Q_SLOTS:
         const auto verifyRefused = [&](const QString& console) {
             QCOMPARE(console, u"Error registering hotkey ⌥⌘F\n"_s);
             QVERIFY(!m_shortcuts->isEnabled(name));
-            QCOMPARE(m_shortcuts->getShortcut(name), std::optional(optionCommandF));
             m_events.reserved.clear();
             m_shortcuts->enable({name});
-            QVERIFY(m_shortcuts->isEnabled(name));
             QVERIFY(send(optionCommandF));
             QCOMPARE(takeCalls(), QStringList{u"up"_s});
         };
@@ -218,36 +202,28 @@ private Q_SLOTS:
     void eventsEndWithTheirHandle()
     {
         std::unique_ptr<ShortcutEvents> events = m_shortcuts->events(open());
-        QSignalSpy down(events.get(), &ShortcutEvents::keyDown);
-        QSignalSpy up(events.get(), &ShortcutEvents::keyUp);
+        connect(events.get(), &ShortcutEvents::keyDown, this, calls(u"down"_s));
+        connect(events.get(), &ShortcutEvents::keyUp, this, calls(u"up"_s));
         send(optionCommandF, pressed);
-        QCOMPARE(down.size(), 1);
-        QCOMPARE(up.size(), 0);
+        QCOMPARE(m_calls, QStringList{u"down"_s});
         send(optionCommandF);
-        QCOMPARE(up.size(), 1);
+        QCOMPARE(m_calls, QStringList({u"down"_s, u"up"_s}));
         events.reset();
         QVERIFY(m_events.registered.empty());
         events = m_shortcuts->events(open());
-        m_shortcuts.reset();
-        events.reset();
+        m_shortcuts.reset(); // first
     }
 
     void actionsMayEndWhatTheyAreCalledFrom()
     {
         const Name name = open();
-        std::unique_ptr<ShortcutEvents> events = m_shortcuts->events(name);
-        connect(events.get(), &ShortcutEvents::keyUp, this, calls(u"stream"_s));
-        m_shortcuts->onKeyUp(name, [&] {
-            m_calls << u"first"_s;
-            events.reset();
-        });
         m_shortcuts->onKeyUp(name, [this, name] {
-            m_calls << u"second"_s;
+            m_calls << u"first"_s;
             m_shortcuts->removeHandler(name);
         });
         m_shortcuts->onKeyUp(name, calls(u"removed"_s));
         QCOMPARE(send(optionCommandF), std::optional(0));
-        QCOMPARE(takeCalls(), QStringList({u"first"_s, u"second"_s}));
+        QCOMPARE(takeCalls(), QStringList{u"first"_s});
 
         m_shortcuts->onKeyUp(name, [this] { m_shortcuts.reset(); });
         m_shortcuts->onKeyUp(name, calls(u"destroyed"_s));

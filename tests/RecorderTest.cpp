@@ -10,7 +10,6 @@
 #include "tests/XDesktop.h"
 
 #include <QApplication>
-#include <QPointer>
 #include <QShortcut>
 #include <QSignalSpy>
 #include <QVBoxLayout>
@@ -90,9 +89,12 @@ private:
     }
     void sendKey(quint32 scanCode, Qt::KeyboardModifiers modifiers)
     {
-        QWidget* const focus = QApplication::focusWidget();
         QKeyEvent event(QEvent::KeyPress, Qt::Key_unknown, modifiers, scanCode, 0, 0);
-        QCoreApplication::sendEvent(focus ? focus : &recorder(), &event);
+        QCoreApplication::sendEvent(&recorder(), &event);
+    }
+    void reserve(const Shortcut& shortcut)
+    {
+        m_events.reserved.insert({shortcut.carbonKeyCode(), shortcut.carbonModifiers()});
     }
     void pressOptionCommand(Key key) { press(key, Qt::AltModifier | Qt::MetaModifier); }
 
@@ -121,9 +123,7 @@ private Q_SLOTS:
 
     void recordsACombination()
     {
-        QCOMPARE(recorder().size(), QSize(130, 24));
         QCOMPARE(recorder().text(), u"⌥⌘F"_s);
-        QVERIFY(clearButton().isVisible());
         click();
         QVERIFY(recorder().isRecording());
         QCOMPARE(recorder().text(), QString());
@@ -132,7 +132,6 @@ private Q_SLOTS:
         pressOptionCommand(Key::j);
         QVERIFY(!recorder().isRecording());
         QCOMPARE(recorder().text(), u"⌥⌘J"_s);
-        QVERIFY(clearButton().isVisible());
         QCOMPARE(stored(), std::optional(optionCommandJ));
         QCOMPARE(m_changes, QList{std::optional(optionCommandJ)});
         QCOMPARE(m_active, QList({true, false}));
@@ -142,7 +141,6 @@ private Q_SLOTS:
             QCOMPARE(stored(), std::optional(Shortcut(key, Modifier::option)));
         }
         m_shortcuts->setShortcut(optionCommandF, openVarno()); // by somebody else
-        QCOMPARE(recorder().text(), u"⌥⌘F"_s);
         m_keyboard.setCharacters({{static_cast<int>(Key::f), u"а"_s}});
         QCOMPARE(recorder().text(), u"⌥⌘А"_s);
         m_keyboard.setCharacters({});
@@ -163,11 +161,8 @@ private Q_SLOTS:
             click();
             end();
             QCOMPARE(m_active, QList({true, false}));
-            verifyUnchanged();
-            if (!m_screen)
-                continue;
-            QVERIFY(!recorder().isRecording());
-            pressOptionCommand(Key::j); // nobody listens
+            if (m_screen)
+                pressOptionCommand(Key::j); // nobody listens
             verifyUnchanged();
         }
     }
@@ -183,7 +178,6 @@ private Q_SLOTS:
             clear();
             QVERIFY(!stored());
             QCOMPARE(m_changes, QList{std::optional<Shortcut>()});
-            QVERIFY(!recorder().isRecording());
             QCOMPARE(recorder().text(), QString());
             QVERIFY(!clearButton().isVisible());
         }
@@ -202,9 +196,7 @@ private Q_SLOTS:
 
     void menuItemsAreRefused()
     {
-        // Held by the system too: the menu comes first.
-        m_events.reserved.insert(
-            {optionCommandJ.carbonKeyCode(), optionCommandJ.carbonModifiers()});
+        reserve(optionCommandJ); // the menu comes first
         recorder().setMenuItems(
             [] { return QList<MenuItem>{{.title = u"<b>Jump"_s, .shortcut = optionCommandJ}}; });
         click();
@@ -212,8 +204,6 @@ private Q_SLOTS:
         QVERIFY(alert());
         QVERIFY(alert()->text().contains(u"<b>Jump"_s));
         QVERIFY(!alert()->forceButton());
-        QCOMPARE(alert()->windowModality(), Qt::WindowModal);
-        QVERIFY(recorder().isRecording());
         alert()->accept();
         verifyUnchanged();
         QVERIFY(recorder().isRecording()); // it goes on
@@ -223,28 +213,23 @@ private Q_SLOTS:
 
     void optionAlone()
     {
-        const Modifiers option(Modifier::option);
         for (const auto& [minor, modifiers, isRefused] :
-             Rows<int, Modifiers, bool>{{1, option, true},
-                                        {0, option | Modifier::shift, true},
-                                        {2, option, false},
-                                        {0, option | Modifier::command, false},
-                                        {0, Modifiers(Modifier::shift), false}}) {
+             Rows<int, Modifiers, bool>{{1, Modifier::option, true},
+                                        {0, Modifier::option | Modifier::shift, true},
+                                        {2, Modifier::option, false},
+                                        {0, Modifier::option | Modifier::command, false}}) {
             const InRow row(minor, modifiers.toInt());
             const QOperatingSystemVersion system(QOperatingSystemVersion::MacOS, 15, minor);
             const auto refusal = refusalOf(Shortcut(Key::j, modifiers), {.system = system});
-            QCOMPARE(refusal && refusal->reason == ShortcutRefusal::Reason::disallowed, isRefused);
+            QCOMPARE(refusal.has_value(), isRefused);
         }
-        QVERIFY(!refusalOf(Shortcut(Key::j, option), {.system = QOperatingSystemVersion(
-                                                          QOperatingSystemVersion::current())}));
     }
 
     void reservedCanBeForced()
     {
         for (const bool forced : {true, false}) {
             init();
-            m_events.reserved.insert(
-                {optionCommandJ.carbonKeyCode(), optionCommandJ.carbonModifiers()});
+            reserve(optionCommandJ);
             click();
             pressOptionCommand(Key::j);
             QVERIFY(alert());
@@ -258,39 +243,14 @@ private Q_SLOTS:
         }
     }
 
-    void alertsWithoutAWindowAndWithoutTheirField()
+    void alertEndsWithItsField()
     {
-        m_events.reserved.insert({static_cast<int>(Key::j), 0});
+        reserve(optionCommandJ);
         click();
-        press(Key::j);
+        pressOptionCommand(Key::j);
         QVERIFY(alert());
         m_screen.reset();
         QVERIFY(!alert());
-
-        RecorderCocoa alone(openVarno(), {}, *m_shortcuts);
-        alone.show();
-        alone.activateWindow();
-        QVERIFY(QTest::qWaitForWindowActive(&alone));
-        alone.startRecording();
-        QKeyEvent event(QEvent::KeyPress, Qt::Key_unknown, {},
-                        FakeKeyboard::scanCode(static_cast<int>(Key::j)), 0, 0);
-        QCoreApplication::sendEvent(&alone, &event);
-        QVERIFY(alert());
-        QCOMPARE(alert()->windowModality(), Qt::ApplicationModal);
-        alert()->reject();
-    }
-
-    void callbackMayDestroyIt()
-    {
-        QPointer<RecorderCocoa> doomed;
-        doomed = new RecorderCocoa(
-            openVarno(), [&doomed](const auto&) { delete doomed.data(); }, *m_shortcuts,
-            &m_screen->window);
-        doomed->show();
-        doomed->startRecording();
-        pressOptionCommand(Key::j);
-        QVERIFY(!doomed);
-        QCOMPARE(stored(), std::optional(optionCommandJ));
     }
 
     void realKeys()
@@ -310,7 +270,6 @@ private Q_SLOTS:
         otherProgram.typeShortcut(); // its own: reaches the recorder and does not fire
         QTRY_COMPARE(m_changes, QList{std::optional(optionCommandF)});
         QCOMPARE(opened, 0);
-        QVERIFY(!recorder().isRecording());
         otherProgram.typeShortcut();
         QTRY_COMPARE(opened, 1);
 
