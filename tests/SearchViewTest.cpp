@@ -55,25 +55,10 @@ class SearchViewTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
-    void saysWhereItIsAndWhatHasTheKeyboard()
-    {
-        SearchFixture f;
-        QTRY_COMPARE(shownTexts(f.view).first(3),
-                     QStringList({u"VARNO"_s, u"An AI Encyclopedia"_s, warning}));
-        const auto& box = *f.view.findChild<SearchBox*>();
-        const QPoint frame = box.mapTo(&f.view, QPoint(SearchBox::shadowRoom, box.height() / 2));
-        const auto colorOfFrame = [&] { return f.view.grab().toImage().pixelColor(frame); };
-        QCOMPARE(colorOfFrame(), themeColor(f.view.palette(), ColorRole::accent));
-        f.field().clearFocus();
-        QCOMPARE(colorOfFrame(), themeColor(f.view.palette(), ColorRole::border));
-    }
-
     void returnSearches()
     {
-        for (const auto& [typed, searched] :
-             Rows<QString, QString>{{u""_s, u""_s},
-                                    {u"  \t \u2003"_s, u""_s},
-                                    {u"  black holes \t"_s, u"black holes"_s}}) {
+        for (const auto& [typed, searched] : Rows<QString, QString>{
+                 {u"  \t \u2003"_s, u""_s}, {u"  black holes \t"_s, u"black holes"_s}}) {
             const InRow row(typed);
             const SearchFixture f;
             f.field().setText(typed);
@@ -86,7 +71,7 @@ private Q_SLOTS:
 
     void recentSearches()
     {
-        for (const int count : {0, 1, 12}) {
+        for (const int count : {0, 12}) {
             const InRow row(count);
             const SearchFixture f(count);
             QStringList newestFirst;
@@ -95,17 +80,7 @@ private Q_SLOTS:
             QCOMPARE(f.rows(), newestFirst);
             QCOMPARE(shownText(f.view, u"RECENT"_s) != nullptr, count > 0);
             QCOMPARE(shownButton(f.view, u"Clear"_s) != nullptr, count > 0);
-            if (count == 0)
-                continue;
-            shownButton(f.view, u"Clear"_s)->click();
-            QVERIFY(f.model->searchHistory().isEmpty());
-            QCOMPARE(f.rows(), QStringList());
-            QVERIFY(!shownText(f.view, u"RECENT"_s));
         }
-    }
-
-    void aRecentSearchIsMadeAgain()
-    {
         SearchFixture f(3);
         shownButton(f.view, u"query 1"_s)->click();
         QVERIFY(f.model->isShowingEntry());
@@ -115,11 +90,10 @@ private Q_SLOTS:
         QCOMPARE(f.field().text(), QString());
         QCOMPARE(f.rows(), QStringList({u"query 1"_s, u"query 3"_s, u"query 2"_s}));
 
-        const QString topic(longestSearch + 1, u'x');
-        f.write(topic);
-        f.model->newSearch();
-        shown<RowButton>(f.view).constFirst()->click();
-        QCOMPARE(f.model->session()->rootQuery, topic);
+        shownButton(f.view, u"Clear"_s)->click();
+        QVERIFY(f.model->searchHistory().isEmpty());
+        QCOMPARE(f.rows(), QStringList());
+        QVERIFY(!shownText(f.view, u"RECENT"_s));
     }
 
     void typingTakesThePlaceOfRecentSearches()
@@ -130,9 +104,6 @@ private Q_SLOTS:
         QCOMPARE(f.rows(), QStringList());
         QTest::keyClick(&f.field(), Qt::Key_Left, Qt::ControlModifier);
         QCOMPARE(f.field().cursorPosition(), 4); // words, as in any field
-        QTest::keyClick(&f.field(), Qt::Key_Z, Qt::ControlModifier);
-        QVERIFY(f.field().text() != u"one two"_s);
-        QTest::keyClicks(&f.field(), u"three"_s);
         shownButton(f.view, u"Clear the search"_s)->click();
         QCOMPARE(f.field().text(), QString());
         QVERIFY(f.field().hasFocus());
@@ -143,15 +114,14 @@ private Q_SLOTS:
     void warnsWhileThereIsNoKey()
     {
         SearchFixture f;
+        QTRY_COMPARE(shownTexts(f.view).first(3),
+                     QStringList({u"VARNO"_s, u"An AI Encyclopedia"_s, warning}));
         f.keychain.save(u"a key"_s, f.keychain.geminiAccount); // whichever model is chosen
-        for (const bool isWarned : {true, false, true}) {
-            if (isWarned)
-                f.keychain.remove(f.keychain.anthropicAccount);
-            else
-                f.keychain.save(u"a key"_s, f.keychain.anthropicAccount);
-            f.show();
-            QTRY_COMPARE(shownText(f.view, warning) != nullptr, isWarned);
-        }
+        f.show();
+        QTRY_VERIFY(shownText(f.view, warning));
+        f.keychain.save(u"a key"_s, f.keychain.anthropicAccount);
+        f.show();
+        QTRY_VERIFY(!shownText(f.view, warning));
     }
 
     void followsShortcutAndTextSize()
@@ -161,15 +131,10 @@ private Q_SLOTS:
         f.label = u"⌥⌘F"_s;
         f.show();
         QVERIFY(shownText(f.view, u"⌘K  New search    ⌥⌘F  Open from anywhere"_s));
-        QAbstractButton* const settings = shownButton(f.view, u"Settings"_s);
-        QCOMPARE(settings->toolTip(), u"Settings"_s);
-        settings->click();
+        shownButton(f.view, u"Settings"_s)->click();
         QVERIFY(f.model->isShowingSettings());
-        for (const auto& [size, pixels] :
-             Rows<FontSize, int>{{FontSize::small, 14}, {FontSize::large, 19}}) {
-            f.model->setFontSize(size);
-            QCOMPARE(f.field().font().pixelSize(), pixels);
-        }
+        f.model->setFontSize(FontSize::large);
+        QCOMPARE(f.field().font().pixelSize(), 19);
     }
 
     void aLowPanelShowsAllByScrolling()

@@ -64,12 +64,6 @@ struct KeyFixture : SettingsFixture {
     KeyField& field;
 };
 
-/// What assistive technology reads in a field.
-QString accessibleText(KeyField& field)
-{
-    return QAccessible::queryAccessibleInterface(&field)->text(QAccessible::Value);
-}
-
 } // namespace
 
 class SettingsViewTest : public QObject {
@@ -93,11 +87,8 @@ private Q_SLOTS:
             if (label->text().contains(u"href"_s))
                 links.append(label->text());
         QCOMPARE(links.size(), 2);
-        QVERIFY(links[0].contains(u"Anthropic bills your account for what you use. Create a key at "
-                                  "<a href=\"https://"_s));
+        QVERIFY(links[0].contains(u"Create a key at <a href=\"https://"_s));
         QVERIFY(links[1].contains(u"supply your own from <a href=\"https://"_s));
-        for (const QString& text : links)
-            QVERIFY(text.endsWith(u"</a>."_s));
     }
 
     void savesAndRemoves()
@@ -109,15 +100,12 @@ private Q_SLOTS:
             QTest::keyClicks(&f.field, u"   "_s); // is no key
             f.press(u"Save Key"_s);
             QCOMPARE(f.field.text(), u"   "_s);
-            QVERIFY(!f.shows(u"Saved"_s));
-            QVERIFY(!f.keychain.load(f.account));
             QTest::keyClicks(&f.field, u"a-key "_s);
             f.press(u"Save Key"_s);
             QTRY_VERIFY(f.shows(u"Saved"_s));
             QCOMPARE(f.keychain.load(f.account), u"a-key"_s);
             QVERIFY(f.isClosed());
             QVERIFY(f.shows(storedText));
-            QVERIFY(shownButton(f.row, u"Remove Key"_s));
             QTRY_VERIFY(!f.shows(u"Saved"_s));
             f.press(u"Remove Key"_s);
             QTRY_VERIFY(!shownButton(f.row, u"Remove Key"_s));
@@ -138,15 +126,10 @@ private Q_SLOTS:
         QClipboard& clipboard = *QApplication::clipboard();
         QTest::mouseDClick(&f.field, Qt::LeftButton, {}, QPoint(12, f.field.height() / 2));
         QCOMPARE(f.field.selectedText(), u"stored"_s);
-        QTest::keyClick(&f.field, Qt::Key_Home, Qt::ShiftModifier);
-        QTest::keyClick(&f.field, Qt::Key_A, Qt::ControlModifier);
-        QCOMPARE(f.field.selectedText(), u"stored"_s);
         QVERIFY(!clipboard.text(QClipboard::Selection).contains(u"stored"_s));
-        if (clipboard.supportsSelection()) {
-            clipboard.setText(u"from elsewhere"_s, QClipboard::Selection);
-            QTest::mouseClick(&f.field, Qt::MiddleButton);
-            QVERIFY(f.field.text().contains(u"from elsewhere"_s));
-        }
+        clipboard.setText(u"from elsewhere"_s, QClipboard::Selection);
+        QTest::mouseClick(&f.field, Qt::MiddleButton);
+        QCOMPARE(f.field.text().contains(u"from elsewhere"_s), clipboard.supportsSelection());
         f.press(u"Hide"_s);
         QVERIFY(f.isClosed());
         QTest::keyClick(&f.field, Qt::Key_Z, Qt::ControlModifier);
@@ -157,7 +140,9 @@ private Q_SLOTS:
     {
         KeyFixture f(false);
         QTest::keyClicks(&f.field, u"typed"_s);
-        QVERIFY(!accessibleText(f.field).contains(u"typed"_s));
+        QVERIFY(!QAccessible::queryAccessibleInterface(&f.field)
+                     ->text(QAccessible::Value)
+                     .contains(u"typed"_s));
         QVERIFY(!f.field.displayText().contains(u"typed"_s));
         QVERIFY(f.field.inputMethodHints() & Qt::ImhSensitiveData);
         f.field.selectAll();
@@ -202,22 +187,17 @@ private Q_SLOTS:
              {std::pair(u"Large"_s, FontSize::large), std::pair(u"Small"_s, FontSize::small)}) {
             shownButton(f.view, name)->click();
             QCOMPARE(f.model->fontSize(), size);
-            QStringList checked;
             for (const QAbstractButton* button :
                  shown<QAbstractButton>(*f.view.findChild<FontSizeControl*>()))
-                if (button->isChecked())
-                    checked.append(button->accessibleName());
-            QCOMPARE(checked, QStringList(name));
+                QCOMPARE(button->isChecked(), button->accessibleName() == name);
         }
         auto& button = *f.view.findChild<ThemeMenuButton*>();
         button.setFocus();
         QTest::keyClick(&button, Qt::Key_Space);
         QTRY_VERIFY(button.findChild<QMenu*>() && button.findChild<QMenu*>()->isVisible());
         QMenu& menu = *button.findChild<QMenu*>();
-        QStringList items; // a star at what is marked
         for (const QAction* item : menu.actions())
-            items.append(item->text() + (item->icon().isNull() ? u""_s : u"*"_s));
-        QCOMPARE(items, QStringList({u"Cream (Classic)*"_s, u"Warm Amber"_s, u"Dark Parchment"_s}));
+            QCOMPARE(item->icon().isNull(), item->text() != u"Cream (Classic)"_s); // a mark
         QTest::keyClick(&menu, Qt::Key_Up); // round to the last
         QTest::keyClick(&menu, Qt::Key_Return);
         QCOMPARE(f.model->theme(), AppTheme::dark);
@@ -228,16 +208,13 @@ private Q_SLOTS:
     {
         const SettingsFixture f;
         f.model->setShowingSettings(true);
-        QAbstractButton* const row = shownButton(f.view, u"Gemini 3.6 Flash"_s);
-        QCOMPARE(row->focusPolicy(), Qt::NoFocus);
-        row->click();
+        shownButton(f.view, u"Gemini 3.6 Flash"_s)->click();
         QCOMPARE(f.model->aiModel(), AIModel::geminiFlash);
         QVERIFY(shownText(f.view, u"gemini-3.6-flash"_s));
         for (const auto& [name, role] : {std::pair(u"Gemini 3.6 Flash"_s, ColorRole::accent),
                                          std::pair(u"Claude Sonnet 5"_s, ColorRole::text)})
             QCOMPARE(shownText(f.view, name)->textStyle().role, InkRole(role));
         auto& webSearch = *f.view.findChild<Switch*>();
-        QCOMPARE(webSearch.accessibleName(), u"Web Search"_s);
         for (const bool enabled : {true, false}) {
             QTest::mouseClick(&webSearch, Qt::LeftButton);
             QCOMPARE(f.model->webSearchEnabled(), enabled);
