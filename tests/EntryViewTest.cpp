@@ -249,6 +249,7 @@ private Q_SLOTS:
         const auto links = screen.part<RelatedTopics>().findChildren<PlainButton*>();
         QCOMPARE(links.size(), topicsLimit.entries);
         QVERIFY(screen.showsText(u"… and 60 more"_s));
+        QVERIFY(links.at(0)->width() <= screen.part<RelatedTopics>().width());
         links.at(0)->click();
         QCOMPARE(screen.model->session()->rootQuery, topic);
     }
