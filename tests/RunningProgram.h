@@ -173,13 +173,6 @@ public:
         return found;
     }
 
-    [[nodiscard]] qsizetype openFiles() const
-    {
-        return QDir(u"/proc/%1/fd"_s.arg(id()))
-            .entryList(QDir::AllEntries | QDir::System | QDir::NoDotAndDotDot)
-            .size();
-    }
-
 private:
     static QByteArray read(const QString& name)
     {

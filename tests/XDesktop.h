@@ -112,12 +112,6 @@ public:
         type(key);
         liftModifiers();
     }
-    void click(const QPoint& place)
-    {
-        fake(XCB_MOTION_NOTIFY, 0, place);
-        fake(XCB_BUTTON_PRESS, XCB_BUTTON_INDEX_1);
-        fake(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1);
-    }
     /// Without waiting in between, so that it is one however busy the machine is.
     void doubleClick(const QPoint& place)
     {
@@ -142,25 +136,21 @@ public:
     /// A window that has the keyboard, or none. `state` is one of _NET_WM_STATE, if any.
     xcb_window_t openWindow(const char* state = nullptr)
     {
-        const xcb_window_t window = create({0, 0, 400, 300});
-        if (state)
-            setProperty(window, "_NET_WM_STATE", XCB_ATOM_ATOM, {atom(state)});
+        const xcb_window_t window = xcb_generate_id(m_connection);
+        const quint32 events = XCB_EVENT_MASK_KEY_PRESS;
+        finish(xcb_create_window_checked(m_connection, XCB_COPY_FROM_PARENT, window, root(), 0, 0,
+                                         400, 300, 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
+                                         XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events));
+        const xcb_atom_t states = state ? atom(state) : xcb_atom_t{XCB_ATOM_NONE};
+        finish(xcb_change_property_checked(m_connection, XCB_PROP_MODE_REPLACE, window,
+                                           atom("_NET_WM_STATE"), XCB_ATOM_ATOM, 32, state ? 1 : 0,
+                                           &states));
         finish(xcb_map_window_checked(m_connection, window));
         if (!QTest::qWaitFor([&] { return isViewable(window); }, patience))
             return XCB_NONE;
         constexpr quint32 fromPager = 2;
         tell(window, "_NET_ACTIVE_WINDOW", {fromPager});
         return QTest::qWaitFor([&] { return focus() == window; }, patience) ? window : XCB_NONE;
-    }
-
-    /// A bar over the whole width of the screen, which windows keep clear of.
-    void openBarOnTop(quint16 height)
-    {
-        const xcb_window_t window = create({0, 0, m_screen->width_in_pixels, height});
-        setProperty(window, "_NET_WM_WINDOW_TYPE", XCB_ATOM_ATOM,
-                    {atom("_NET_WM_WINDOW_TYPE_DOCK")});
-        setProperty(window, "_NET_WM_STRUT", XCB_ATOM_CARDINAL, {0, 0, height, 0});
-        finish(xcb_map_window_checked(m_connection, window));
     }
 
     /// Asks the window manager.
@@ -238,26 +228,6 @@ public:
     }
 
 private:
-    xcb_window_t create(const QRect& place)
-    {
-        const xcb_window_t window = xcb_generate_id(m_connection);
-        const quint32 events = XCB_EVENT_MASK_KEY_PRESS;
-        finish(xcb_create_window_checked(
-            m_connection, XCB_COPY_FROM_PARENT, window, root(), static_cast<qint16>(place.x()),
-            static_cast<qint16>(place.y()), static_cast<quint16>(place.width()),
-            static_cast<quint16>(place.height()), 0, XCB_WINDOW_CLASS_INPUT_OUTPUT,
-            XCB_COPY_FROM_PARENT, XCB_CW_EVENT_MASK, &events));
-        return window;
-    }
-
-    void setProperty(xcb_window_t window, const char* name, xcb_atom_t type,
-                     const QList<quint32>& values)
-    {
-        finish(xcb_change_property_checked(m_connection, XCB_PROP_MODE_REPLACE, window, atom(name),
-                                           type, 32, static_cast<quint32>(values.size()),
-                                           values.constData()));
-    }
-
     [[nodiscard]] bool isViewable(xcb_window_t window) const
     {
         const auto reply = ask<xcb_get_window_attributes, xcb_get_window_attributes_reply>(window);
