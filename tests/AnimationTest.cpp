@@ -133,20 +133,6 @@ private Q_SLOTS:
         }
     }
 
-    void animationOutlivesItsWidget()
-    {
-        auto widget = std::make_unique<QWidget>();
-        widget->show();
-        int calls = 0;
-        Animation animation(
-            *widget, [&](double) { ++calls; }, m_setting);
-        animation.start({.duration = 1h});
-        widget.reset();
-        QVERIFY(!animation.isActive());
-        animation.start({.duration = 1h});
-        QCOMPARE(calls, 1);
-    }
-
     void portalTellsOfAnimations()
     {
         auto bus = QDBusConnection::connectToBus(QDBusConnection::SessionBus, u"portal"_s);

@@ -6,7 +6,6 @@
 #include "tests/Patience.h"
 #include "tests/ScreenReading.h"
 
-#include <QKeyEvent>
 #include <QLineEdit>
 #include <QScrollBar>
 #include <QVBoxLayout>
@@ -25,15 +24,6 @@ inline QString longText()
                 u"column, whatever the size of its text may be.\n\n"_s.arg(i);
     return text;
 }
-
-/// The window of the screen, which is told of the keys that nobody wanted.
-class Window : public QWidget {
-public:
-    QList<int> keys;
-
-protected:
-    void keyPressEvent(QKeyEvent* event) override { keys.append(event->key()); }
-};
 
 /// The screen in its window, on a controller of its own.
 struct Screen : ControllerFixture {
@@ -94,7 +84,7 @@ struct Screen : ControllerFixture {
         QCoreApplication::sendEvent(&widget, &move);
     }
 
-    Window window;
+    QWidget window;
     EntryView view{*model};
 };
 

@@ -283,13 +283,10 @@ private Q_SLOTS:
         QCOMPARE(screen.model->currentPage()->title, u"Republic"_s);
 
         QVERIFY(screen.showsText(QString(articleTitle).toUpper()));
-        QVERIFY(screen.showsText(articleTitle)); // the crumb
         QVERIFY(!screen.button(articleTitle));
         QCOMPARE(screen.shownLength(), u"Overview."_s.size());
         for (const TOCEntry* entry : screen.view.findChildren<TOCEntry*>())
             QVERIFY(!entry->isActive() || entry->isHidden());
-        screen.find(u"overview"_s);
-        QVERIFY(screen.showsText(u"1 of 1"_s));
         screen.press(u"Reload entry"_s);
         QVERIFY(screen.showsText(u"REPUBLIC"_s));
     }

@@ -77,21 +77,6 @@ private Q_SLOTS:
             QCOMPARE(described(styledText(markdown)), expected);
         }
     }
-
-    /// Ends, and loses no letter.
-    void hostileText()
-    {
-        for (const QString& markdown :
-             {u"*a **b "_s.repeated(20000), u"![a"_s.repeated(20000) + u"](b)"_s.repeated(20000),
-              u"` `` "_s.repeated(20000), u"&amp;&"_s.repeated(5000),
-              u"~~a ~b "_s.repeated(20000)}) {
-            const InRow row(markdown.first(8));
-            const QString shown = plainText(styledText(markdown));
-            QVERIFY(!shown.isEmpty());
-            // The letters of "&amp;" are a mark.
-            QVERIFY(shown.count(u'a') >= markdown.count(u'a') - 5000);
-        }
-    }
 };
 
 VARNO_TEST(QCoreApplication, InlineMarkdownTest)

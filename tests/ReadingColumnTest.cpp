@@ -2,6 +2,7 @@
 #include "tests/Test.h"
 
 #include <QElapsedTimer>
+#include <QKeyEvent>
 
 namespace {
 
@@ -128,13 +129,13 @@ private Q_SLOTS:
             page.key(key);
             QCOMPARE(page.scrollBar().value(), value);
         }
-        QVERIFY(page.window.keys.isEmpty());
         page.scrollBar().setValue(1000);
         page.key(Qt::Key_Space, Qt::ShiftModifier);
         QCOMPARE(page.scrollBar().value(), 1000 - height);
-        page.key(Qt::Key_Down, Qt::AltModifier);
+        QKeyEvent unwanted(QEvent::KeyPress, Qt::Key_Down, Qt::AltModifier);
+        QCoreApplication::sendEvent(QApplication::focusWidget(), &unwanted);
+        QVERIFY(!unwanted.isAccepted());
         QCOMPARE(page.scrollBar().value(), 1000 - height);
-        QVERIFY(page.window.keys.contains(Qt::Key_Down));
     }
 
     void selectionDraggedBeyondTheEdgeScrolls()

@@ -213,15 +213,12 @@ private Q_SLOTS:
 
     void optionAlone()
     {
-        for (const auto& [minor, modifiers, isRefused] :
-             Rows<int, Modifiers, bool>{{1, Modifier::option, true},
-                                        {0, Modifier::option | Modifier::shift, true},
-                                        {2, Modifier::option, false},
-                                        {0, Modifier::option | Modifier::command, false}}) {
-            const InRow row(minor, modifiers.toInt());
+        for (const auto& [shortcut, minor, isRefused] :
+             Rows<Shortcut, int, bool>{{Shortcut(Key::j, Modifier::option), 1, true},
+                                       {Shortcut(Key::j, Modifier::option), 2, false},
+                                       {optionCommandJ, 1, false}}) {
             const QOperatingSystemVersion system(QOperatingSystemVersion::MacOS, 15, minor);
-            const auto refusal = refusalOf(Shortcut(Key::j, modifiers), {.system = system});
-            QCOMPARE(refusal.has_value(), isRefused);
+            QCOMPARE(refusalOf(shortcut, {.system = system}).has_value(), isRefused);
         }
     }
 
