@@ -100,11 +100,6 @@ private Q_SLOTS:
             [&](int position, int, int) { from = from < 0 ? position : std::min(from, position); });
         shown.view.setText(u"First.\n\nSecond.\n\nThird, with a long tail"_s);
         QVERIFY(from >= u"First.\nSecond.\n"_s.size());
-
-        // The row before the difference ends its list now.
-        shown.view.setText(u"- a\n- b"_s);
-        shown.view.setText(u"- a\n- "_s);
-        QCOMPARE(described(shown.view), builtAtOnce(u"- a\n- "_s));
     }
 
     void hasTheFiguresOfEachKind()

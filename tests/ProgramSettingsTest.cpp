@@ -5,23 +5,11 @@
 #include <QTcpServer>
 #include <QTcpSocket>
 
-/// What the program makes of what it finds: preferences, keys in the key ring, its own modules.
+/// What the program makes of what it finds: keys in the key ring, its own modules.
 class ProgramSettingsTest : public ProgramFixture {
     Q_OBJECT
 
 private:
-    /// The settings screen of a program that starts with these preferences, and ends.
-    QByteArray settingsPicture(const QByteArray& preferences)
-    {
-        replaceProgram(*m_desktop);
-        m_program->setPreferences(preferences);
-        if (!m_program->start())
-            return {};
-        openSettings();
-        const QByteArray picture = m_program->restingPicture();
-        return m_program->end() == 0 ? picture : QByteArray();
-    }
-
     /// Starts it with a key in the key ring and searches; its request carries the key, and fails.
     void searchInVain(const QString& account, const QString& key)
     {
@@ -53,20 +41,6 @@ private Q_SLOTS:
         const KeychainService& keychain = KeychainService::shared();
         keychain.remove(keychain.anthropicAccount);
         keychain.remove(keychain.geminiAccount);
-    }
-
-    void nonsenseInPreferences()
-    {
-        const QByteArray usual = settingsPicture({});
-        QVERIFY(!usual.isEmpty());
-        for (const QByteArray& preferences :
-             {QByteArray("\0\xff\xfe[[[\n=\n\"", 11),
-              QByteArray("[General]\ntheme=dark, amber\naiModel=@Point(1 2)\nfontSize=gigantic\n"
-                         "webSearchEnabled=true, true\nsearchHistory=@Point(1 2)\n")}) {
-            const InRow row(preferences);
-            QVERIFY(settingsPicture(preferences) == usual);
-            QCOMPARE(m_program->console(), QByteArray());
-        }
     }
 
     void keepsKeysToItself()

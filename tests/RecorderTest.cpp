@@ -238,12 +238,6 @@ private Q_SLOTS:
             QCOMPARE(stored(), std::optional(forced ? optionCommandJ : optionCommandF));
             QCOMPARE(recorder().isRecording(), !forced);
         }
-    }
-
-    void alertEndsWithItsField()
-    {
-        reserve(optionCommandJ);
-        click();
         pressOptionCommand(Key::j);
         QVERIFY(alert());
         m_screen.reset();
