@@ -127,6 +127,8 @@ private Q_SLOTS:
         QTest::mouseDClick(&f.field, Qt::LeftButton, {}, QPoint(12, f.field.height() / 2));
         QCOMPARE(f.field.selectedText(), u"stored"_s);
         QVERIFY(!clipboard.text(QClipboard::Selection).contains(u"stored"_s));
+        QTest::keyClick(&f.field, Qt::Key_A, Qt::ControlModifier);
+        QVERIFY(!clipboard.text(QClipboard::Selection).contains(u"stored"_s));
         clipboard.setText(u"from elsewhere"_s, QClipboard::Selection);
         QTest::mouseClick(&f.field, Qt::MiddleButton);
         QCOMPARE(f.field.text().contains(u"from elsewhere"_s), clipboard.supportsSelection());
