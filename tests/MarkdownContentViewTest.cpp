@@ -249,7 +249,8 @@ private Q_SLOTS:
         shown.view.setText(u"\u0130 \U0001F469\u200D\U0001F467 e\u0301 **th**e"_s);
         QVERIFY(QTest::qWaitForWindowExposed(shown.view.window()));
         const QTextBlock row = shown.view.document().firstBlock();
-        const double start = row.layout()->lineAt(0).cursorToX(int(row.text().indexOf(u"the")));
+        const QTextLine line = row.layout()->lineAt(0);
+        const int match = int(row.text().indexOf(u"the"));
         const auto isYellow = [&](double x) {
             const QImage image = shown.view.grab(shown.view.blockRect(0)).toImage();
             const QColor color = image.pixelColor(int(x), 1);
@@ -257,8 +258,11 @@ private Q_SLOTS:
         };
         for (const QString& text : {u"THE"_s, QString()}) {
             shown.view.setHighlightText(text);
-            QCOMPARE(isYellow(start + 2), !text.isEmpty());
-            QVERIFY(!isYellow(start - 2));
+            for (const int inside : {2, -2}) { // at its begin, and at its end
+                const double edge = line.cursorToX(inside > 0 ? match : match + 3);
+                QCOMPARE(isYellow(edge + inside), !text.isEmpty());
+                QVERIFY(!isYellow(edge - inside));
+            }
         }
     }
 

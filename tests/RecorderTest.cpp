@@ -240,7 +240,7 @@ private Q_SLOTS:
         }
         pressOptionCommand(Key::j);
         QVERIFY(alert());
-        m_screen.reset();
+        recorder().hide();
         QVERIFY(!alert());
     }
 

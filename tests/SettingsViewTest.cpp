@@ -125,6 +125,7 @@ private Q_SLOTS:
         // What is selected stays here, and what others selected comes in by the middle button.
         QClipboard& clipboard = *QApplication::clipboard();
         QTest::mouseDClick(&f.field, Qt::LeftButton, {}, QPoint(12, f.field.height() / 2));
+        QTest::mouseRelease(&f.field, Qt::LeftButton);
         QCOMPARE(f.field.selectedText(), u"stored"_s);
         QVERIFY(!clipboard.text(QClipboard::Selection).contains(u"stored"_s));
         QTest::keyClick(&f.field, Qt::Key_A, Qt::ControlModifier);
