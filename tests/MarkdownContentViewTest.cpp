@@ -246,7 +246,7 @@ private Q_SLOTS:
     {
         ShownView shown;
         shown.view.setTextColor(Qt::black);
-        shown.view.setText(u"\u0130 \U0001F469\u200D\U0001F467 e\u0301 **th**e"_s);
+        shown.view.setText(u"\u0130 \U0001F469\u200D\U0001F467 e\u0301 **th**e end"_s);
         QVERIFY(QTest::qWaitForWindowExposed(shown.view.window()));
         const QTextBlock row = shown.view.document().firstBlock();
         const QTextLine line = row.layout()->lineAt(0);

@@ -78,6 +78,9 @@ private Q_SLOTS:
             QTest::qWait(5);
             QCOMPARE(screen.scrollBar().value(), 700);
         }
+        screen.answer(u"The end."_s + relatedTopicsLine);
+        QTest::qWait(20);
+        QCOMPARE(screen.scrollBar().value(), 700);
     }
 
     void lineAtTheTopStays()
