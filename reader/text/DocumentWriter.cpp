@@ -137,6 +137,7 @@ void DocumentWriter::write(const QDeadlineTimer& deadline, qsizetype atLeast)
     if (m_isComplete)
         return;
     qsizetype index = firstOpenRow();
+    const qsizetype enough = std::max(atLeast, index + 1); // a row more, however long one takes
     RowReader reader(m_text, index < m_rows.size() ? m_rows[index].start : RowStart());
     m_isComplete = true;
     m_cursor.beginEditBlock();
@@ -151,7 +152,7 @@ void DocumentWriter::write(const QDeadlineTimer& deadline, qsizetype atLeast)
         toBeLaidOut = 0;
         m_cursor.endEditBlock();
         m_cursor.beginEditBlock();
-        if (index > atLeast && deadline.hasExpired()) {
+        if (index > enough && deadline.hasExpired()) {
             m_isComplete = false;
             break;
         }

@@ -80,6 +80,7 @@ void RowReader::resume(const RowStart& from)
     QStringView rest = pieceAt(m_text, from.offset);
     m_position = from.offset + rest.size();
     rest = withoutEnd(rest);
+    m_blockEnd = from.offset + rest.size();
     if (from.within == Within::line) {
         resumeInLine(from, rest);
     } else if (from.within == Within::cells) {
@@ -137,6 +138,10 @@ std::optional<Row> RowReader::next()
         const bool isBlank = !row.isVerbatim() && m_line->text[length].isSpace();
         row.end = isBlank ? RowEnd::blank : RowEnd::word;
         m_line = ListItem{.mark = {}, .text = rest};
+        if (m_start.kind == BlockKind::paragraph && m_start.form == RowForm::text) {
+            m_lines = m_text.first(m_blockEnd).sliced(offsetOf(rest));
+            openText();
+        }
         m_start.offset = offsetOf(rest);
         m_start.within = Within::line;
         m_start.fence = m_fence;
@@ -232,13 +237,14 @@ bool RowReader::openCell()
     return openRow(takeCell(m_cells, isLast), RowForm::cell, column);
 }
 
-/// Opens the lines up to one that stands out.
+/// Opens the lines up to one that stands out, or more of them than a row holds.
 bool RowReader::openText()
 {
+    constexpr qsizetype enough = 2 * pageRow.cost;
     QStringView rest = m_lines;
     do
         takeLine(rest);
-    while (!rest.isEmpty() && !standsOut(rest));
+    while (!rest.isEmpty() && rest.data() - m_lines.data() < enough && !standsOut(rest));
     const qsizetype length = rest.isEmpty() ? m_lines.size() : rest.data() - m_lines.data();
     const QStringView text = m_lines.first(length).trimmed();
     m_lines = rest;
@@ -296,8 +302,9 @@ bool RowReader::openBlock()
         m_position += piece.size() + 2;
     }
     const qsizetype heading = splitHeadingFromBody(m_piece);
-    QStringView block = heading > 0 ? m_piece.first(heading) : m_piece;
+    const QStringView block = heading > 0 ? m_piece.first(heading) : m_piece;
     m_piece = m_piece.sliced(block.size()).trimmed();
+    m_blockEnd = offsetOf(block) + block.size();
     m_start = {.offset = offsetOf(block),
                .block = m_start.block + 1,
                .kind = blockKind(block),

@@ -98,6 +98,7 @@ private:
 
     QStringView m_text;
     qsizetype m_position;                 ///< where to look for the next piece between empty lines
+    qsizetype m_blockEnd = 0;             ///< where the open block ends
     QStringView m_piece;                  ///< what of the open one comes after the open block
     QStringView m_lines;                  ///< the lines of the open block that are still to come
     QStringView m_cells;                  ///< what of a table's line comes after the open cell
