@@ -6,9 +6,7 @@ namespace varno::bench {
 
 // Each subject registers its benchmarks, and the rows of the table that their figures go to.
 
-struct EventSamples;
-
-void addEventDecoding(Table& table, const EventSamples& samples);
+void addEventDecoding(Table& table);
 void addFinding(Table& table);
 void addHistory(Table& table);
 void addPage(Table& table);

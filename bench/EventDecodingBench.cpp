@@ -1,10 +1,13 @@
 #include "bench/Benches.h"
-#include "bench/EventSamples.h"
+#include "bench/Samples.h"
 #include "core/JsonReader.h"
+#include "demo/Dialect.h"
 #include "providers/EntryTagFilter.h"
 #include "providers/LineSplitter.h"
 #include "providers/WireFormat.h"
 
+#include <QDir>
+#include <QFile>
 #include <QJsonArray>
 #include <QJsonDocument>
 #include <QJsonObject>
@@ -22,6 +25,48 @@ using Reference = QString (*)(const QByteArray& payload);
 std::string_view view(const QByteArray& bytes)
 {
     return {bytes.data(), static_cast<std::size_t>(bytes.size())};
+}
+
+/// All files `*.sse` of a folder.
+QByteArray recordings(const QDir& folder)
+{
+    QByteArray all;
+    for (const QString& name : folder.entryList({u"*.sse"_s}, QDir::Files, QDir::Name)) {
+        QFile file(folder.filePath(name));
+        if (file.open(QIODevice::ReadOnly))
+            all += file.readAll() + "\n\n";
+    }
+    return all;
+}
+
+/// A reply with the library for its text.
+QByteArray ownStream(const Dialect& dialect)
+{
+    QStringList pieces;
+    const QString text = pageSample(32000);
+    for (qsizetype begin = 0, length = 4; begin < text.size(); length = 4 + length * 7 % 57) {
+        pieces.append(text.sliced(begin).left(length));
+        begin += length;
+    }
+    QByteArray stream;
+    for (const WireEvent& event : dialect.events(ModelCall(), pieces))
+        stream += event.bytes;
+    return stream;
+}
+
+/// The payload of each event in `stream`.
+QList<QByteArray> payloads(const QByteArray& stream)
+{
+    QList<QByteArray> payloads;
+    const auto onLine = [&payloads](std::string_view line) {
+        if (const auto payload = eventPayload(line))
+            payloads.append(QByteArray(payload->data(), static_cast<qsizetype>(payload->size())));
+        return true;
+    };
+    LineSplitter splitter;
+    splitter.feed(view(stream), onLine);
+    splitter.finish(onLine);
+    return payloads;
 }
 
 QString claudeReference(const QByteArray& payload)
@@ -49,21 +94,9 @@ bool agree(const QList<QByteArray>& payloads, Decoder ours, Reference reference)
     });
 }
 
-void decodeOurs(benchmark::State& state, const QList<QByteArray>& payloads, Decoder decode)
+template <typename Decode>
+void decodeAll(benchmark::State& state, const QList<QByteArray>& payloads, Decode decode)
 {
-    json::Parser parser;
-    for ([[maybe_unused]] auto iteration : state) {
-        for (const QByteArray& payload : payloads)
-            benchmark::DoNotOptimize(decode(parser, view(payload)));
-    }
-    state.SetItemsProcessed(state.iterations() * payloads.size());
-}
-
-void decodeReference(benchmark::State& state, const QList<QByteArray>& payloads, Decoder ours,
-                     Reference decode)
-{
-    if (!agree(payloads, ours, decode))
-        state.SkipWithError("the decoders do not agree");
     for ([[maybe_unused]] auto iteration : state) {
         for (const QByteArray& payload : payloads)
             benchmark::DoNotOptimize(decode(payload));
@@ -94,15 +127,33 @@ void decodeWholePath(benchmark::State& state, const QByteArray& stream, Decoder 
     state.SetBytesProcessed(state.iterations() * stream.size());
 }
 
-void addService(Table& table, const std::string& name, const QByteArray& stream, Decoder ours,
-                Reference reference)
+/// `folder` is where its recordings are, in the one that VARNO_CORPORA names.
+void addService(Table& table, const std::string& name, const QString& folder,
+                const Dialect& dialect, Decoder ours, Reference reference)
 {
+    const QString corpora = qEnvironmentVariable("VARNO_CORPORA");
+    QByteArray stream =
+        corpora.isEmpty() ? QByteArray() : recordings(QDir(corpora).filePath(folder));
+    const bool isRecorded = !stream.isEmpty();
+    if (!isRecorded)
+        stream = ownStream(dialect);
+    benchmark::AddCustomContext(name + " events", isRecorded ? "recorded from the service"
+                                                             : "our own, of the same shape");
+
     const QList<QByteArray> lines = payloads(stream);
     const std::string decoding = "events/" + name;
     const std::string path = "path/" + name;
-    benchmark::RegisterBenchmark(decoding.c_str(), decodeOurs, lines, ours);
-    benchmark::RegisterBenchmark((decoding + "/QJsonDocument").c_str(), decodeReference, lines,
-                                 ours, reference);
+    benchmark::RegisterBenchmark(decoding.c_str(), [=](benchmark::State& state) {
+        json::Parser parser;
+        decodeAll(state, lines, [&](const QByteArray& line) { return ours(parser, view(line)); });
+    });
+    benchmark::RegisterBenchmark((decoding + "/QJsonDocument").c_str(),
+                                 [=](benchmark::State& state) {
+                                     if (agree(lines, ours, reference))
+                                         decodeAll(state, lines, reference);
+                                     else
+                                         state.SkipWithError("the decoders do not agree");
+                                 });
     benchmark::RegisterBenchmark(path.c_str(), decodeWholePath, stream, ours);
 
     table.add({.name = name + " events decoded, against QJsonDocument",
@@ -117,10 +168,10 @@ void addService(Table& table, const std::string& name, const QByteArray& stream,
 
 } // namespace
 
-void addEventDecoding(Table& table, const EventSamples& samples)
+void addEventDecoding(Table& table)
 {
-    addService(table, "Claude", samples.claude, claudeEventText, claudeReference);
-    addService(table, "Gemini", samples.gemini, geminiEventText, geminiReference);
+    addService(table, "Claude", u"anthropic"_s, claudeDialect(), claudeEventText, claudeReference);
+    addService(table, "Gemini", u"gemini"_s, geminiDialect(), geminiEventText, geminiReference);
 }
 
 } // namespace varno::bench

@@ -1,6 +1,6 @@
-#include "bench/PageSamples.h"
 #include "bench/PageWindow.h"
 #include "bench/PlainView.h"
+#include "bench/Samples.h"
 #include "reader/text/MarkdownContentView.h"
 
 #include <QApplication>

@@ -1,6 +1,6 @@
 #include "bench/Benches.h"
-#include "bench/PageSamples.h"
 #include "bench/PageWindow.h"
+#include "bench/Samples.h"
 #include "kit/Theme.h"
 #include "reader/text/MarkdownContentView.h"
 

@@ -1,7 +1,7 @@
 #include "bench/Benches.h"
-#include "bench/PageSamples.h"
 #include "bench/PageWindow.h"
 #include "bench/PlainView.h"
+#include "bench/Samples.h"
 #include "reader/text/MarkdownContentView.h"
 
 #include <algorithm>

@@ -1,5 +1,5 @@
 #include "bench/Benches.h"
-#include "bench/HistorySamples.h"
+#include "bench/Samples.h"
 #include "core/AppViewModel.h"
 #include "core/SessionCodec.h"
 #include "platform/Files.h"

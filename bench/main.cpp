@@ -1,5 +1,4 @@
 #include "bench/Benches.h"
-#include "bench/EventSamples.h"
 
 #include <QApplication>
 #include <QSysInfo>
@@ -61,9 +60,8 @@ int main(int argc, char** argv)
         qputenv("QT_QPA_PLATFORM", "offscreen");
     const QApplication application(argc, argv);
     initialise(argc, argv);
-    const EventSamples samples = eventSamples();
     Table table;
-    addEventDecoding(table, samples);
+    addEventDecoding(table);
     addHistory(table);
     addStreaming(table);
     addStart(table);
@@ -73,7 +71,7 @@ int main(int argc, char** argv)
     addScreen(table);
     benchmark::RunSpecifiedBenchmarks(&table);
     printMachine(std::cout);
-    std::cout << "event lines: " << samples.origin.toStdString() << "\n\n";
+    std::cout << '\n';
     table.print(std::cout);
     return 0;
 }

@@ -1,4 +1,4 @@
-#include "bench/HistorySamples.h"
+#include "bench/Samples.h"
 #include "bench/desktop/Measurements.h"
 #include "core/SessionCodec.h"
 #include "platform/Files.h"
