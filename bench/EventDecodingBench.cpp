@@ -160,7 +160,7 @@ void addService(Table& table, const std::string& name, const QString& folder,
                .measure = Measure::itemRate,
                .ours = decoding,
                .reference = decoding + "/QJsonDocument",
-               .wanted = Bound{.kind = Bound::Kind::atLeast, .ratio = 8}});
+               .wanted = ratioAtLeast(8)});
     table.add({.name = name + ", from received bytes to text of the entry",
                .measure = Measure::byteRate,
                .ours = path});

@@ -16,8 +16,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-constexpr int repetitions = 7;
-constexpr double frame = 16.7e-3;
 constexpr qsizetype longText = 64000;
 constexpr int listLength = 2000;
 constexpr int pageHeight = 700;
@@ -59,17 +57,13 @@ void show(benchmark::State& state, const std::function<void(Part&)>& setText)
 }
 
 template <typename Part>
-void add(Table& table, const std::string& name, std::function<void(Part&)> setText)
+void add(Table& table, const std::string& name, const std::function<void(Part&)>& setText)
 {
     const std::string benchmark = "screen/" + name;
-    benchmark::RegisterBenchmark(
-        benchmark.c_str(), [setText = std::move(setText)](auto& state) { show(state, setText); })
-        ->UseManualTime()
-        ->Iterations(2)
-        ->Repetitions(repetitions);
+    addTimed(benchmark, 2, show<Part>, setText)->Repetitions(7);
     table.add({.name = "main thread: longest block, " + name,
                .ours = benchmark + ":longest",
-               .longest = frame});
+               .wanted = withinFrame});
 }
 
 } // namespace

@@ -1,17 +1,12 @@
 #include "bench/Benches.h"
-#include "core/AppViewModel.h"
-#include "platform/fake/FakePreferencesStore.h"
+#include "tests/ControllerFixture.h"
 
-#include <QCoreApplication>
 #include <QElapsedTimer>
-#include <QTemporaryDir>
 
 #include <algorithm>
 
 namespace varno::bench {
 namespace {
-
-using namespace Qt::StringLiterals;
 
 const QString piece = u"a few words "_s;
 
@@ -20,28 +15,6 @@ const QString piece = u"a few words "_s;
 struct Plan {
     qsizetype pageLength;
     int piecesPerDelivery; ///< that the event loop finds waiting each time
-    int pages;
-};
-
-/// Feeds the stream that was asked for last.
-class HandFedService final : public ModelService {
-public:
-    [[nodiscard]] std::unique_ptr<EntryStream> streamEntry(const ModelRequest&) const override
-    {
-        auto stream = std::make_unique<EntryStream>();
-        m_sink = stream->sink();
-        return stream;
-    }
-    [[nodiscard]] std::unique_ptr<TOCRequest> generateTOC(const QString&, const QString&,
-                                                          bool) const override
-    {
-        return std::make_unique<TOCRequest>();
-    }
-
-    void send(const QString& text) const { m_sink->send(text); }
-
-private:
-    mutable std::optional<EntryStream::Sink> m_sink;
 };
 
 /// The controller with one open page, and a screen that looks at the text after every piece.
@@ -49,18 +22,16 @@ class OpenPage {
 public:
     OpenPage()
     {
-        QObject::connect(&m_model, &AppViewModel::changed, &m_model,
-                         [this] { m_seen = m_model.streamingContent().size(); });
-        m_model.search(u"sediment"_s);
-        while (!m_model.isShowingEntry()) // before the history has been read
-            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        QObject::connect(m_fixture.model.get(), &AppViewModel::changed, m_fixture.model.get(),
+                         [this] { m_seen = m_fixture.model->streamingContent().size(); });
+        m_fixture.model->search(u"sediment"_s);
     }
 
     /// Begins the page anew and brings it to `length`, in pieces as a page grows.
     void build(qsizetype length)
     {
         constexpr qsizetype largest = 256;
-        m_model.reloadCurrentPage();
+        m_fixture.model->reloadCurrentPage();
         for (qsizetype rest = length; rest > 0; rest -= largest)
             deliver(QString(std::min(rest, largest), u'x'), 1);
     }
@@ -68,18 +39,14 @@ public:
     void deliver(const QString& text, int times)
     {
         for (int i = 0; i < times; ++i)
-            m_service.send(text);
+            m_fixture.claude.entries.back().sink.send(text);
         QCoreApplication::processEvents();
     }
 
     [[nodiscard]] qsizetype seen() const { return m_seen; }
 
 private:
-    QTemporaryDir m_folder;
-    FakePreferencesStore m_preferences;
-    HandFedService m_service;
-    HistoryStore m_history{m_folder.filePath(u"history.json"_s)};
-    AppViewModel m_model{{m_preferences, m_history, m_service, m_service}};
+    ControllerFixture m_fixture;
     qsizetype m_seen = 0;
 };
 
@@ -101,25 +68,17 @@ void appendPieces(benchmark::State& state, const Plan& plan)
     state.SetItemsProcessed(state.iterations() * pieces);
 }
 
-void add(const std::string& name, const Plan& plan)
-{
-    benchmark::RegisterBenchmark(name.c_str(), appendPieces, plan)
-        ->UseManualTime()
-        ->Iterations(plan.pages);
-}
-
 void addComparison(Table& table, const std::string& name, int piecesPerDelivery)
 {
     const std::string prefix = "streaming/by-" + std::to_string(piecesPerDelivery);
-    add(prefix + "/1MB",
-        {.pageLength = 1000000, .piecesPerDelivery = piecesPerDelivery, .pages = 1});
-    add(prefix + "/2KB",
-        {.pageLength = 2000, .piecesPerDelivery = piecesPerDelivery, .pages = 500});
+    for (const auto& [suffix, length, pages] :
+         {std::tuple("/1MB", 1000000, 1), std::tuple("/2KB", 2000, 500)})
+        addTimed(prefix + suffix, pages, appendPieces, Plan{length, piecesPerDelivery});
     table.add({.name = name,
                .measure = Measure::timePerItem,
                .ours = prefix + "/1MB",
                .reference = prefix + "/2KB",
-               .wanted = Bound{.kind = Bound::Kind::atMost, .ratio = 1.5}});
+               .wanted = ratioAtMost(1.5)});
 }
 
 } // namespace

@@ -5,38 +5,58 @@
 #include <map>
 #include <optional>
 #include <ostream>
+#include <set>
 #include <string>
 #include <vector>
 
 namespace varno::bench {
 
-/// How the figure of a benchmark is read off its runs.
+/// What a figure is, and how it is read off the runs of its benchmark.
 enum class Measure {
     time,        ///< of one iteration
     timePerItem, ///< of one of the items that the benchmark counted
     itemRate,
     byteRate,
+    bytes,  ///< of a counter
+    number, ///< of a counter
 };
 
-/// What the ratio of our figure to the reference's should be.
+/// What our figure should be, or its ratio to the reference's.
 struct Bound {
-    enum class Kind { atLeast, atMost };
+    enum class Kind { ratioAtLeast, ratioAtMost, atMost };
     Kind kind;
-    double ratio;
+    double value; ///< in seconds, bytes, or of no unit
 };
 
-/// One line of the table. Benchmarks go by their names; "name:counter" is a counter of one, in
-/// seconds.
+constexpr Bound ratioAtLeast(double ratio)
+{
+    return {Bound::Kind::ratioAtLeast, ratio};
+}
+constexpr Bound ratioAtMost(double ratio)
+{
+    return {Bound::Kind::ratioAtMost, ratio};
+}
+constexpr Bound atMost(double figure)
+{
+    return {Bound::Kind::atMost, figure};
+}
+
+/// How long the main thread may be kept: a frame of the screen, and what a user takes for at once.
+constexpr Bound withinFrame = atMost(16.7e-3);
+constexpr Bound atOnce = atMost(100e-3);
+
+/// One line of the table. Benchmarks go by their names; "name:counter" is a counter of one, whose
+/// times are in seconds.
 struct Line {
     std::string name;
     Measure measure = Measure::time;
     std::string ours;
     std::string reference = {}; ///< empty when there is nothing to compare with
     std::optional<Bound> wanted = {};
-    std::optional<double> longest = {}; ///< what a time should not exceed, in seconds
 };
 
-/// The medians of all repetitions, ours beside the reference, and the usual console output above.
+/// The medians of all repetitions, ours beside the reference, and the usual console output above. A
+/// benchmark that failed once has no figures, nor has a counter that was not finite once.
 class Table final : public benchmark::ConsoleReporter {
 public:
     Table()
@@ -46,16 +66,23 @@ public:
 
     void add(const Line& line) { m_lines.push_back(line); }
 
-    void ReportRuns(const std::vector<Run>& runs) override;
+    /// Runs all benchmarks that are registered. `arguments` are those of a program: its name, then
+    /// flags. What is compared runs interleaved, so that a slow moment of the machine hits both
+    /// sides.
+    void run(std::vector<std::string> arguments);
 
-    void print(std::ostream& out) const;
+    /// Whether everything that is wanted was met.
+    bool print(std::ostream& out) const;
+
+    void ReportRuns(const std::vector<Run>& runs) override;
 
 private:
     [[nodiscard]] std::optional<double> figure(const std::string& benchmark, Measure measure) const;
-    void print(std::ostream& out, const Line& line) const;
+    bool print(std::ostream& out, const Line& line) const;
 
     std::vector<Line> m_lines;
     std::map<std::string, Run> m_medians; ///< by the name of the benchmark
+    std::set<std::string> m_failed;
 };
 
 } // namespace varno::bench
