@@ -13,45 +13,43 @@ constexpr quint32 colorBits = 0xFFFFFF;
 
 constexpr std::chrono::microseconds glance = 100us; // between two looks at the screen
 constexpr std::chrono::milliseconds stroke = 40ms;  // how long a key is down
+constexpr std::chrono::seconds longest = 3s;
 
 } // namespace
 
 Screen::Screen()
 {
-    xcb_connection_t* server = m_desktop.connection();
-    xcb_change_window_attributes(server, m_desktop.root(), XCB_CW_BACK_PIXEL, &backdrop);
-    xcb_clear_area(server, 0, m_desktop.root(), 0, 0, 0, 0);
-    xcb_flush(server);
+    xcb_change_window_attributes(connection(), root(), XCB_CW_BACK_PIXEL, &backdrop);
+    xcb_clear_area(connection(), 0, root(), 0, 0, 0, 0);
+    xcb_flush(connection());
 }
 
 Screen::Times Screen::strike()
 {
-    m_desktop.pressModifiers();
+    pressModifiers();
     std::this_thread::sleep_for(stroke);
     Times times;
     times.pressed = Clock::now();
-    m_desktop.press(pcKey::f);
+    press(pcKey::f);
     std::this_thread::sleep_for(stroke);
     times.lifted = Clock::now();
-    m_desktop.lift(pcKey::f);
+    lift(pcKey::f);
     return times;
 }
 
 std::size_t Screen::colors(std::size_t most) const
 {
-    const xcb_screen_t& screen = m_desktop.screen();
     const QByteArray line =
-        m_desktop.picture(screen.root, {screen.width_in_pixels / 2, 0, 1, screen.height_in_pixels});
+        picture(root(), {screen().width_in_pixels / 2, 0, 1, screen().height_in_pixels});
     const auto* pixels = reinterpret_cast<const quint32*>(line.constData());
     std::set<quint32> found;
-    for (int row = 0; row < screen.height_in_pixels && found.size() < most; ++row)
+    for (int row = 0; row < screen().height_in_pixels && found.size() < most; ++row)
         if (const quint32 color = pixels[row] & colorBits; color != backdrop)
             found.insert(color);
     return found.size();
 }
 
-std::optional<Clock::time_point> Screen::waitForColors(std::size_t count,
-                                                       std::chrono::milliseconds longest) const
+std::optional<Clock::time_point> Screen::waitForColors(std::size_t count) const
 {
     for (const Clock::time_point end = Clock::now() + longest; Clock::now() < end;) {
         const std::size_t found = colors(count == 0 ? 1 : count);

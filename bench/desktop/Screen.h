@@ -14,7 +14,7 @@ using Clock = std::chrono::steady_clock;
 /// It looks at a line one pixel wide, from the top of the screen to its foot through its middle,
 /// where every window of the size of a panel is. What lies there is a backdrop of a colour that no
 /// program paints.
-class Screen {
+class Screen final : public XDesktop {
 public:
     /// Puts up the backdrop. The server has 24 bits for a pixel.
     Screen();
@@ -25,19 +25,15 @@ public:
         Clock::time_point pressed;
         Clock::time_point lifted;
     };
-    [[nodiscard]] Times strike();
-    void liftModifiers() { m_desktop.liftModifiers(); }
+    Times strike();
 
     /// When the line had that many colours besides the backdrop's, or none if `count` is 0. Nothing
-    /// after `longest`.
-    [[nodiscard]] std::optional<Clock::time_point>
-    waitForColors(std::size_t count, std::chrono::milliseconds longest) const;
+    /// after three seconds.
+    [[nodiscard]] std::optional<Clock::time_point> waitForColors(std::size_t count) const;
 
 private:
     /// How many colours the line has besides the backdrop's; up to `most` are counted.
     [[nodiscard]] std::size_t colors(std::size_t most) const;
-
-    XDesktop m_desktop;
 };
 
 } // namespace varno::bench

@@ -1,16 +1,17 @@
 #include "bench/Samples.h"
-#include "bench/desktop/Measurements.h"
+#include "bench/Table.h"
+#include "bench/desktop/ProcessFigures.h"
+#include "bench/desktop/Program.h"
 #include "core/SessionCodec.h"
 #include "platform/Files.h"
 
 #include <QCoreApplication>
 #include <QDateTime>
-#include <QDir>
-#include <QFile>
 #include <QStandardPaths>
 
-#include <cstdio>
-#include <tuple>
+#include <iostream>
+#include <limits>
+#include <utility>
 
 // Measures the whole program on a desktop, beside a bare program of its kind and beside another one
 // that people use. Wants a session bus and an X server that nobody else works with.
@@ -19,15 +20,64 @@
 namespace varno::bench {
 namespace {
 
-using namespace Qt::StringLiterals;
-
-constexpr int usualRounds = 15;
 constexpr int laterShows = 3; // in each round
-constexpr std::chrono::seconds idleTime(20);
+constexpr int idleTime = 20;  // seconds
+/// Milliseconds until a program has done what it does after its start, or after it was hidden.
+constexpr int settling = 1000;
 
-Program varno(const QString& path)
+/// Whom all measurements need.
+struct Desktop {
+    StatusHost host;
+    Screen screen;
+};
+
+/// The figure of a measurement that failed is not finite.
+double figure(const std::optional<double>& measured)
 {
-    return {.path = path, .colors = 8}; // the title, the box and what is in it
+    return measured.value_or(std::numeric_limits<double>::infinity());
+}
+
+void measureStart(benchmark::State& state, const Program& program, Desktop& desktop)
+{
+    for ([[maybe_unused]] auto iteration : state) {
+        const Start start(program, desktop.screen, desktop.host);
+        state.counters["start"] = figure(start.time());
+        QTest::qWait(settling / 4); // before it is ended
+    }
+}
+
+void measureShow(benchmark::State& state, const Program& program, Desktop& desktop)
+{
+    for ([[maybe_unused]] auto iteration : state) {
+        Start start(program, desktop.screen, desktop.host);
+        QTest::qWait(settling);
+        state.counters["first"] = figure(start.show());
+        QTest::qWait(settling);
+        const ProcessFigures process(start.process());
+        state.counters["resident"] = figure(process.residentSize());
+        state.counters["proportional"] = figure(process.proportionalSize());
+        double later = 0;
+        for (int i = 0; i < laterShows; ++i)
+            later += figure(start.show()) / laterShows;
+        state.counters["later"] = later;
+    }
+}
+
+void measureIdling(benchmark::State& state, const Program& program, Desktop& desktop)
+{
+    for ([[maybe_unused]] auto iteration : state) {
+        Start start(program, desktop.screen, desktop.host);
+        QTest::qWait(settling);
+        start.show();
+        QTest::qWait(2 * settling);
+        const ProcessFigures process(start.process());
+        const double ticks = figure(process.processorTicks());
+        const double switches = figure(process.voluntarySwitches());
+        QTest::qWait(idleTime * 1000);
+        state.counters["ticks"] = figure(process.processorTicks()) - ticks;
+        state.counters["switches"] = (figure(process.voluntarySwitches()) - switches) / idleTime;
+        state.counters["timed waits"] = figure(process.timedWaits());
+    }
 }
 
 /// A full history of the last days.
@@ -39,106 +89,111 @@ void writeHistory(const QString& home)
     const QString folder = home + u"/.local/share/Varno"_s;
     QDir().mkpath(folder);
     if (!writeFileAtomically(folder + u"/session_history.json"_s, encodeSessions(sessions)))
-        std::fputs("The history cannot be written.\n", stderr);
+        qFatal("the history cannot be written");
 }
 
-Program varnoWithHistory(const QString& path)
-{
-    Program program = varno(path);
-    program.furnish = writeHistory;
-    return program;
-}
-
-Program bareTray(const QString& path)
-{
-    return {.path = path,
-            .arguments = {QString::number(pcKey::f), QString::number(pcKey::altSuper)}};
-}
-
-/// Its shortcuts are commands of its own, in a file.
+/// The shortcuts of CopyQ are commands of its own, in a file.
 void writeCopyQCommands(const QString& home)
 {
     const QString folder = home + u"/.config/copyq"_s;
     QDir().mkpath(folder);
-    QFile file(folder + u"/copyq-commands.ini"_s);
-    if (file.open(QFile::WriteOnly))
-        file.write("[Commands]\n"
-                   "1\\Name=Toggle\n"
-                   "1\\Command=copyq: toggle()\n"
-                   "1\\IsGlobalShortcut=true\n"
-                   "1\\GlobalShortcut=alt+meta+f\n"
-                   "size=1\n");
+    const QByteArray commands = "[Commands]\n"
+                                "1\\Name=Toggle\n"
+                                "1\\Command=copyq: toggle()\n"
+                                "1\\IsGlobalShortcut=true\n"
+                                "1\\GlobalShortcut=alt+meta+f\n"
+                                "size=1\n";
+    if (!writeFileAtomically(folder + u"/copyq-commands.ini"_s, commands))
+        qFatal("the commands cannot be written");
 }
 
-Program copyQ()
+/// All of them and their benchmarks. Each is started once beforehand, so that caches are filled.
+void addPrograms(const QString& varno, const QString& bareTray, const QDir& homes, Desktop& desktop)
 {
-    return {.path = QStandardPaths::findExecutable(u"copyq"_s),
-            .opensWhen = Program::Key::pressed,
-            .colors = 3,
-            .furnish = writeCopyQCommands};
+    const QStringList shortcut = {QString::number(pcKey::f), QString::number(pcKey::altSuper)};
+    constexpr std::size_t content = 8; // the title, the box and what is in it
+    Program ours = {.name = "varno", .path = varno, .colors = content};
+    Program full = {.name = "varno-with-history", .path = varno, .colors = content};
+    Program bare = {.name = "bare", .path = bareTray, .arguments = shortcut};
+    Program copyQ = {.name = "CopyQ",
+                     .path = QStandardPaths::findExecutable(u"copyq"_s),
+                     .opensWhen = Program::Key::pressed,
+                     .colors = 3};
+    for (Program* program : {&ours, &full, &bare, &copyQ}) {
+        program->home = homes.filePath(QString::fromLatin1(program->name));
+        homes.mkpath(program->home);
+    }
+    writeHistory(full.home);
+    writeCopyQCommands(copyQ.home);
+
+    const auto add = [&desktop](const std::string& what, const Program& program, auto measure) {
+        return benchmark::RegisterBenchmark(
+                   (what + '/' + program.name).c_str(),
+                   [=, &desktop](auto& state) { measure(state, program, desktop); })
+            ->Iterations(1);
+    };
+    for (const Program& program : {ours, full, bare, copyQ}) {
+        Start start(program, desktop.screen, desktop.host);
+        QTest::qWait(settling);
+        start.show();
+        add("start", program, measureStart);
+    }
+    for (const Program& program : {ours, bare, copyQ}) {
+        add("show", program, measureShow);
+        add("idle", program, measureIdling)->Repetitions(1);
+    }
 }
 
-/// One line: a figure of ours beside the same one of a reference.
-Line line(const char* name, Unit unit, Samples Figures::*figure, const Figures& ours,
-          const Figures& reference, std::optional<double> mostRatio = {},
-          std::optional<double> most = {})
+Table table()
 {
-    return {.name = name,
-            .unit = unit,
-            .ours = (ours.*figure).median(),
-            .reference = (reference.*figure).median(),
-            .mostRatio = mostRatio,
-            .most = most};
+    Table table;
+    const auto add = [&table](const char* name, Measure measure, const std::string& ours,
+                              const std::string& reference, std::optional<Bound> wanted = {}) {
+        table.add({name, measure, ours, reference, wanted});
+    };
+    using M = Measure;
+    add("start until its icon is known, against a bare one", M::time, "start/varno:start",
+        "start/bare:start", ratioAtMost(1.2));
+    add("the same, against CopyQ", M::time, "start/varno:start", "start/CopyQ:start",
+        ratioAtMost(0.65));
+    add("the same with a history of 4 MB, against none", M::time, "start/varno-with-history:start",
+        "start/varno:start", ratioAtMost(1.1));
+    add("memory, shown and hidden, against a bare one", M::bytes, "show/varno:resident",
+        "show/bare:resident", ratioAtMost(1.5));
+    add("the same, against CopyQ", M::bytes, "show/varno:resident", "show/CopyQ:resident",
+        ratioAtMost(0.45));
+    add("its share of it, against a bare one", M::bytes, "show/varno:proportional",
+        "show/bare:proportional");
+    add("the same, against CopyQ", M::bytes, "show/varno:proportional", "show/CopyQ:proportional");
+    add("key until painted, first time, against a bare one", M::time, "show/varno:first",
+        "show/bare:first", ratioAtMost(1.6));
+    add("the same, against CopyQ", M::time, "show/varno:first", "show/CopyQ:first");
+    add("key until painted, later, against a bare one", M::time, "show/varno:later",
+        "show/bare:later", ratioAtMost(1.2));
+    add("the same, against CopyQ", M::time, "show/varno:later", "show/CopyQ:later");
+    add("hidden for 20 s: processor time in ticks; CopyQ", M::number, "idle/varno:ticks",
+        "idle/CopyQ:ticks", atMost(0));
+    add("the same: wake-ups a second; CopyQ", M::number, "idle/varno:switches",
+        "idle/CopyQ:switches", atMost(1));
+    add("the same: threads that wait with a timer; CopyQ", M::number, "idle/varno:timed waits",
+        "idle/CopyQ:timed waits", atMost(0));
+    return table;
 }
 
-std::vector<Line> table(const std::vector<Figures>& figures)
+int run(const QStringList& arguments)
 {
-    const auto& [ours, bare, copyQ, full] =
-        std::tie(figures[0], figures[1], figures[2], figures[3]);
-    using F = Figures;
-    constexpr Unit time = Unit::seconds;
-    constexpr Unit size = Unit::bytes;
-    constexpr Unit number = Unit::number;
-    const std::optional<double> none;
-    return {
-        line("start until its icon is known, against a bare one", time, &F::start, ours, bare, 1.2),
-        line("the same, against CopyQ", time, &F::start, ours, copyQ, 0.65),
-        line("the same with a history of 4 MB, against none", time, &F::start, full, ours, 1.1),
-        line("memory, shown and hidden, against a bare one", size, &F::residentSize, ours, bare,
-             1.5),
-        line("the same, against CopyQ", size, &F::residentSize, ours, copyQ, 0.45),
-        line("its share of it, against a bare one", size, &F::proportionalSize, ours, bare),
-        line("the same, against CopyQ", size, &F::proportionalSize, ours, copyQ),
-        line("key until painted, first time, against a bare one", time, &F::firstShow, ours, bare,
-             1.6),
-        line("the same, against CopyQ", time, &F::firstShow, ours, copyQ),
-        line("key until painted, later, against a bare one", time, &F::laterShow, ours, bare, 1.2),
-        line("the same, against CopyQ", time, &F::laterShow, ours, copyQ),
-        line("hidden for 20 s: processor time in ticks; CopyQ", number, &F::idleTicks, ours, copyQ,
-             none, 0),
-        line("the same: wake-ups a second; CopyQ", number, &F::idleSwitches, ours, copyQ, none, 1),
-        line("the same: threads that wait with a timer; CopyQ", number, &F::timedWaits, ours, copyQ,
-             none, 0)};
-}
-
-int run(const QString& varnoPath, const QString& barePath, int rounds)
-{
-    StatusHost host;
-    if (!host.isRegistered()) {
-        std::fputs("varno-desktop-bench: needs a session bus without a status area\n", stderr);
+    Desktop desktop;
+    if (arguments.size() < 3 || !desktop.host.isRegistered()) {
+        std::cerr << "varno-desktop-bench VARNO BARE-TRAY [ROUNDS], "
+                     "on a session bus without a status area\n";
         return 2;
     }
-    Screen screen;
-    const Installed ours(varno(varnoPath));
-    const Installed bare(bareTray(barePath));
-    const Installed other(copyQ());
-    const Installed full(varnoWithHistory(varnoPath));
-    Measurements measurements(host, screen, {&ours, &bare, &other, &full});
-    constexpr std::size_t shown = 3; // all but the one with the history
-    measurements.measureStarts(rounds);
-    measurements.measureShows(shown, rounds, laterShows);
-    measurements.measureIdling(shown, idleTime);
-    return print(table(measurements.figures())) ? 0 : 1;
+    const QTemporaryDir homes;
+    addPrograms(arguments[1], arguments[2], QDir(homes.path()), desktop);
+    Table table = bench::table();
+    const QString rounds = arguments.value(3, u"15"_s);
+    table.run({arguments[0].toStdString(), "--benchmark_repetitions=" + rounds.toStdString()});
+    return table.print(std::cout) ? 0 : 1;
 }
 
 } // namespace
@@ -147,11 +202,5 @@ int run(const QString& varnoPath, const QString& barePath, int rounds)
 int main(int argc, char** argv)
 {
     const QCoreApplication application(argc, argv);
-    const QStringList arguments = QCoreApplication::arguments();
-    if (arguments.size() < 3) {
-        std::fputs("varno-desktop-bench VARNO BARE-TRAY [ROUNDS]\n", stderr);
-        return 2;
-    }
-    const int rounds = arguments.size() > 3 ? arguments[3].toInt() : varno::bench::usualRounds;
-    return varno::bench::run(arguments[1], arguments[2], rounds);
+    return varno::bench::run(QCoreApplication::arguments());
 }
