@@ -1,5 +1,7 @@
 #include "bench/desktop/Screen.h"
 
+#include <QCoreApplication>
+
 #include <set>
 #include <thread>
 
@@ -55,6 +57,7 @@ std::optional<Clock::time_point> Screen::waitForColors(std::size_t count) const
         const std::size_t found = colors(count == 0 ? 1 : count);
         if (count == 0 ? found == 0 : found >= count)
             return Clock::now();
+        QCoreApplication::processEvents(); // a program may wait for the status area
         std::this_thread::sleep_for(glance);
     }
     return std::nullopt;
