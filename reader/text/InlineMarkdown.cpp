@@ -156,8 +156,13 @@ QStringView SourceWriter::appendFormula(QStringView line)
         m_isAfterFormula = end >= 0 && isOfItsOwn && line.sliced(length).trimmed().isEmpty();
         return line.sliced(length);
     }
-    qsizetype position = 0;
-    while (position + 1 < line.size()) {
+    const auto nextMark = [line](qsizetype from) {
+        const auto* found = std::find_if(line.begin() + from, line.end(), [](QChar character) {
+            return character == u'\\' || character == u'$';
+        });
+        return found - line.begin();
+    };
+    for (qsizetype position = nextMark(0); position + 1 < line.size();) {
         const QStringView mark = line.sliced(position, 2);
         const QStringView end = formulaEnd(mark);
         if (!end.isEmpty() && isClosed(line.sliced(position + 2), end)) {
@@ -172,7 +177,7 @@ QStringView SourceWriter::appendFormula(QStringView line)
             m_source.text += hidden('\\');
             return line.sliced(position + 1);
         }
-        position += mark[0] == u'\\' ? 2 : 1;
+        position = nextMark(std::min(position + (mark[0] == u'\\' ? 2 : 1), line.size()));
     }
     appendText(line.toUtf8());
     return {};
