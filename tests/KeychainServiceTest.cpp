@@ -3,14 +3,11 @@
 #include "platform/linux/GLibOwned.h"
 #include "platform/linux/SecretServiceKeyStore.h"
 #include "tests/PrivateBus.h"
-#include "tests/Scarcity.h"
 #include "tests/Test.h"
 
 #include <QDataStream>
-#include <QLibrary>
 #include <QLocalSocket>
 #include <QProcess>
-#include <QTemporaryDir>
 
 #include <array>
 #include <atomic>
@@ -70,11 +67,10 @@ void unlock()
     QVERIFY(!isLocked());
 }
 
-/// Stands where the desktop's prompter would, and for its user: types the password, refuses, or
-/// never answers.
+/// Stands where the desktop's prompter would, and for its user, who refuses or never answers.
 class Prompter {
 public:
-    enum class User { knows, refuses, silent };
+    enum class User { refuses, silent };
 
     explicit Prompter(User user)
         : m_user(user)
@@ -99,13 +95,6 @@ public:
 
     [[nodiscard]] int askedCount() const { return m_asked; }
 
-    /// Of the library by which prompters and the key ring hide the password from the bus.
-    template <typename Function>
-    static Function* exchangeFunction(const char* name)
-    {
-        return reinterpret_cast<Function*>(QLibrary::resolve(u"gcr-base-3"_s, 1, name));
-    }
-
 private:
     static GDBusMessage* onMessage(GDBusConnection*, GDBusMessage* message, gboolean isIncoming,
                                    gpointer user)
@@ -127,34 +116,16 @@ private:
             answer(message, "");
         else if (method == "PerformPrompt" && m_user == User::refuses)
             answer(message, "no");
-        else if (method == "PerformPrompt" && m_user == User::knows)
-            answer(message, "yes", password(message));
     }
 
-    static QByteArray password(GDBusMessage* question)
-    {
-        const Owned<GObject> exchange(
-            exchangeFunction<GObject*(const char*)>("gcr_secret_exchange_new")(nullptr));
-        const Owned<GVariant> begin(
-            g_variant_get_child_value(g_dbus_message_get_body(question), 3));
-        exchangeFunction<gboolean(GObject*, const char*)>("gcr_secret_exchange_receive")(
-            exchange.get(), g_variant_get_string(begin.get(), nullptr));
-        char* text = exchangeFunction<char*(GObject*, const char*, gssize)>(
-            "gcr_secret_exchange_send")(exchange.get(), "varno", -1);
-        QByteArray result = text;
-        g_free(text);
-        return result;
-    }
-
-    void answer(GDBusMessage* question, const char* word, const QByteArray& exchange = {})
+    void answer(GDBusMessage* question, const char* word)
     {
         const Owned<GVariant> prompt(
             g_variant_get_child_value(g_dbus_message_get_body(question), 0));
         GDBusMessage* ready = g_dbus_message_new_method_call(
             g_dbus_message_get_sender(question), g_variant_get_string(prompt.get(), nullptr),
             "org.gnome.keyring.internal.Prompter.Callback", "PromptReady");
-        g_dbus_message_set_body(ready,
-                                g_variant_new("(sa{sv}s)", word, nullptr, exchange.constData()));
+        g_dbus_message_set_body(ready, g_variant_new("(sa{sv}s)", word, nullptr, ""));
         send(ready);
     }
 
@@ -169,37 +140,6 @@ private:
     std::atomic<int> m_asked = 0;
     Owned<GDBusConnection> m_bus;
     guint m_filter;
-};
-
-/// A key ring of its own on the bus of the session, until the test ends it.
-class KeyRing {
-public:
-    KeyRing()
-    {
-        QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
-        environment.insert(u"XDG_RUNTIME_DIR"_s, m_folder.path());
-        environment.insert(u"HOME"_s, m_folder.path());
-        m_daemon.setProcessEnvironment(environment);
-        m_daemon.start(u"gnome-keyring-daemon"_s,
-                       {u"--foreground"_s, u"--unlock"_s, u"--components=secrets"_s});
-        m_daemon.write("varno");
-        m_daemon.closeWriteChannel();
-        QTRY_VERIFY(
-            !call(keyRing, u"org.freedesktop.Secret.Service.ReadAlias"_s, {u"string:default"_s})
-                 .isEmpty());
-    }
-    ~KeyRing() { end(); }
-    Q_DISABLE_COPY_MOVE(KeyRing)
-
-    void end()
-    {
-        m_daemon.kill();
-        m_daemon.waitForFinished();
-    }
-
-private:
-    QTemporaryDir m_folder;
-    QProcess m_daemon;
 };
 
 } // namespace
@@ -244,37 +184,12 @@ private Q_SLOTS:
             QCOMPARE(m_keychain.presence(m_account), KeyPresence::absent);
         }
         QCOMPARE(m_keychain.load(m_other), Key(u"other"_s));
-    }
 
-    void bytesThatAreNoTextAreNoKey()
-    {
-        const KeyName name{.service = m_keychain.service, .account = m_account};
-        const QByteArray bytes = "key\xe2\x82";
-        m_store.replace(name, bytes, {});
-        QCOMPARE(m_store.find(name, {}), std::optional(bytes));
+        const QByteArray noText = "key\xe2\x82";
+        m_store.replace({.service = m_keychain.service, .account = m_account}, noText, {});
+        QCOMPARE(itemCount(), 1);
         QCOMPARE(m_keychain.load(m_account), Key());
         QCOMPARE(m_keychain.presence(m_account), KeyPresence::absent);
-    }
-
-    void userUnlocksTheKeyRing()
-    {
-        if (!Prompter::exchangeFunction<void()>("gcr_secret_exchange_new"))
-            QSKIP(
-                "libgcr-base-3, by which the prompter of the test hides the password, is missing");
-        m_keychain.save(u"key"_s, m_account);
-        const Prompter prompter(Prompter::User::knows);
-        lock();
-        QCOMPARE(m_keychain.load(m_account), Key(u"key"_s));
-        QCOMPARE(prompter.askedCount(), 1);
-
-        lock();
-        m_keychain.save(u"new"_s, m_account);
-        QCOMPARE(itemCount(), 1);
-        QCOMPARE(m_keychain.load(m_account), Key(u"new"_s));
-
-        lock();
-        m_keychain.remove(m_account);
-        QCOMPARE(itemCount(), 0);
     }
 
     void withoutThePasswordNothingChanges()
@@ -334,46 +249,6 @@ private Q_SLOTS:
             m_keychain.save(u"key"_s, m_account);
             QCOMPARE(m_keychain.load(m_account), Key());
             m_keychain.remove(m_account);
-        }
-    }
-
-    void nothingEndsForWantOfDescriptors()
-    {
-        m_keychain.save(u"key"_s, m_account);
-        for (std::size_t spare = 2; spare < 24; ++spare) {
-            const AllDescriptors taken(spare);
-            const KeyPresence presence = m_keychain.presence(m_account);
-            const Key key = m_keychain.load(m_account);
-            QVERIFY(presence == KeyPresence::present || presence == KeyPresence::unreachable);
-            QVERIFY(!key || *key == u"key"_s);
-        }
-        QCOMPARE(m_keychain.load(m_account), Key(u"key"_s));
-    }
-
-    void endOfTheKeyRingIsSurvived()
-    {
-        for (const bool endsTheBus : {true, false}) {
-            qputenv(busVariable, m_bus);
-            m_keychain.save(u"key"_s, m_account);
-            PrivateBus bus;
-            qputenv(busVariable, bus.address().toLatin1());
-            KeyRing ring;
-            m_keychain.save(u"other"_s, m_account);
-            QCOMPARE(m_keychain.load(m_account), Key(u"other"_s));
-            {
-                const Prompter prompter(Prompter::User::silent);
-                lock();
-                std::future<Key> waiting =
-                    std::async(std::launch::async, [&] { return m_keychain.load(m_account); });
-                QTRY_COMPARE(prompter.askedCount(), 1);
-                endsTheBus ? bus.end() : ring.end();
-                QCOMPARE(waiting.wait_for(30s), std::future_status::ready);
-                QCOMPARE(waiting.get(), Key());
-                QCOMPARE(m_keychain.presence(m_account), KeyPresence::unreachable);
-            }
-            qputenv(busVariable, m_bus);
-            // Until the end of a connection has been dealt with in its thread, it is still the one.
-            QTRY_COMPARE(m_keychain.load(m_account), Key(u"key"_s));
         }
     }
 };
