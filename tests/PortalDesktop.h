@@ -96,9 +96,10 @@ class Backend : public QObject, protected QDBusContext {
     Q_PROPERTY(uint version MEMBER version CONSTANT)
 
 public:
+    static constexpr quint32 timeOfRelease = 4712;
+
     uint version = 1;
     uint creation = 0; ///< the answers
-    uint listing = 0;
     uint binding = 0;
     bool asksForEver = false;
     QStringList listed;
@@ -131,15 +132,15 @@ public:
         return session.isListed && (listed + session.shortcuts).contains(id);
     }
 
-    void activate(const QString& id, qulonglong time = 4711)
+    void activate(const QString& id)
     {
         for (const QString& session : openSessions())
-            Q_EMIT Activated(QDBusObjectPath(session), id, time, {});
+            Q_EMIT Activated(QDBusObjectPath(session), id, timeOfRelease - 1, {});
     }
     void deactivate(const QString& id)
     {
         for (const QString& session : openSessions())
-            Q_EMIT Deactivated(QDBusObjectPath(session), id, 4712, {});
+            Q_EMIT Deactivated(QDBusObjectPath(session), id, timeOfRelease, {});
     }
 
 public Q_SLOTS:
@@ -163,7 +164,7 @@ public Q_SLOTS:
         for (const QString& id : listed)
             shortcuts << PortalShortcut{id};
         results.insert(u"shortcuts"_s, QVariant::fromValue(shortcuts));
-        return listing;
+        return 0;
     }
 
     uint BindShortcuts(const QDBusObjectPath& /*handle*/, const QDBusObjectPath& session,

@@ -19,6 +19,7 @@ constexpr quint32 pressed = 5;
 constexpr quint32 released = 6;
 constexpr int optionCommand = carbonModifier::option | carbonModifier::command;
 constexpr int keyF = 0x03;
+constexpr int keyG = 0x05;
 constexpr int keyJ = 0x26;
 const auto idF = u"key-3-2304"_s;
 const auto idJ = u"key-38-2304"_s;
@@ -29,6 +30,7 @@ struct Fixture {
     {
         events->installHandler([this](const HotKeyEvent& event) {
             heard << std::pair(event.kind, event.identity.id);
+            time = event.time;
             return 0;
         });
         events->setRefusalHandler([this](Reference reference) { refused << reference; });
@@ -73,6 +75,7 @@ struct Fixture {
         backend.deactivate(id);
         QTRY_COMPARE(heard.size(), 2);
         QCOMPARE(std::exchange(heard, {}), Heard({{pressed, identity}, {released, identity}}));
+        QCOMPARE(time, Backend::timeOfRelease);
     }
 
     [[nodiscard]] QString name(const char* side) const
@@ -90,6 +93,7 @@ struct Fixture {
     std::unique_ptr<PortalHotKeyEvents> events =
         std::make_unique<PortalHotKeyEvents>(portal, keyboard);
     Heard heard;
+    quint32 time = 0; ///< of the last one heard
     QList<Reference> refused;
 };
 
@@ -131,7 +135,11 @@ private Q_SLOTS:
         QVERIFY(!f.add(keyJ, 19));
         f.tryToHear(idF, 17);
         f.tryToHear(idJ, 18);
+        f.events->unregisterHotKey(f.add(keyG, 20).value()); // both in one turn
+        QCoreApplication::processEvents();
+        f.tryToHear(idJ, 18);
         QCOMPARE(f.backend.bindings, 1);
+        QCOMPARE(f.backend.sessions.size(), 1U);
         QCOMPARE(f.backend.bound.constFirst().properties,
                  QVariantMap({{u"description"_s, u"Varno (Alt+Super+F)"_s},
                               {u"preferred_trigger"_s, u"ALT+LOGO+f"_s}}));
@@ -149,31 +157,20 @@ private Q_SLOTS:
         f.backend.activate(u"key-4-2304"_s);
         f.backend.activate(idF);
         QTRY_COMPARE(f.heard, Heard({{pressed, 1}, {released, 1}, {pressed, 1}}));
-
-        quint32 time = 0;
-        f.events->installHandler([&time](const HotKeyEvent& event) {
-            time = event.time;
-            return 0;
-        });
-        f.backend.deactivate(idF);
-        f.backend.activate(idF, 815);
-        QTRY_COMPARE(time, 815U);
     }
 
     void bindsWhatHasToBe()
     {
-        for (const auto& [name, isPlasma, version, listed, listing, bindings] :
-             Rows<const char*, bool, uint, QStringList, uint, int>{
-                 {"known", false, 1, {idJ, idF}, 0, 1},
-                 {"cannot list", false, 1, {}, 2, 1},
-                 {"new, Plasma 6.3", true, 1, {idJ}, 0, 1},
-                 {"known, Plasma 6.3", true, 1, {idJ, idF}, 0, 0},
-                 {"known, Plasma 6.7", true, 2, {idJ, idF}, 0, 1}}) {
+        for (const auto& [name, isPlasma, version, listed, bindings] :
+             Rows<const char*, bool, uint, QStringList, int>{
+                 {"known", false, 1, {idJ, idF}, 1},
+                 {"new, Plasma 6.3", true, 1, {idJ}, 1},
+                 {"known, Plasma 6.3", true, 1, {idJ, idF}, 0},
+                 {"known, Plasma 6.7", true, 2, {idJ, idF}, 1}}) {
             const InRow row(name);
             Fixture f;
             f.backend.version = version;
             f.backend.listed = listed;
-            f.backend.listing = listing;
             if (isPlasma)
                 QVERIFY(f.desktop.registerService(u"org.freedesktop.impl.portal.desktop.kde"_s));
             f.startPortal();
@@ -190,7 +187,6 @@ private Q_SLOTS:
         for (const auto& [name, creation, binding, granted, refused] :
              Rows<const char*, uint, uint, QStringList, int>{{"no session", 2, 0, {idF, idJ}, 2},
                                                              {"by the user", 0, 1, {idF, idJ}, 2},
-                                                             {"nothing bound", 0, 0, {}, 2},
                                                              {"one of two", 0, 0, {idJ}, 1}}) {
             const InRow row(name);
             Fixture f;
@@ -199,16 +195,14 @@ private Q_SLOTS:
             f.backend.granted = granted;
             f.startPortal();
             const auto first = f.add(keyF, 1);
-            const auto second = f.add(keyJ, 2);
+            QVERIFY(f.add(keyJ, 2));
             QTRY_COMPARE(f.refused.size(), refused);
             QVERIFY(f.refused.contains(first.value()));
-            QCOMPARE(f.refused.contains(second.value()), refused == 2);
             QTRY_COMPARE(f.backend.openSessions().size(), 2 - refused);
             if (refused == 1)
                 f.tryToHear(idJ, 2);
 
-            f.backend.creation = 0;
-            f.backend.binding = 0;
+            f.backend.creation = f.backend.binding = 0;
             f.backend.granted.reset();
             QVERIFY(f.add(keyF, 3)); // and this time it is
             f.tryToHear(idF, 3);
@@ -263,42 +257,16 @@ private Q_SLOTS:
         QTRY_COMPARE(f.refused, QList<Reference>{f.reference});
     }
 
-    void busIsLost()
-    {
-        FixtureWithF f;
-        f.bus.end();
-        QTRY_VERIFY(!f.portal.bus().isConnected());
-        const auto second = f.add(keyJ);
-        QTRY_COMPARE(f.refused.size(), 2);
-        QVERIFY(f.refused.contains(f.reference) && f.refused.contains(second.value()));
-    }
-
-    void oneTurnIsOneSession()
-    {
-        Fixture f;
-        f.startPortal();
-        f.events->unregisterHotKey(f.add(keyF, 1).value());
-        QVERIFY(f.add(keyJ, 2));
-        f.tryToHear(idJ, 2);
-        QCOMPARE(f.backend.sessions.size(), 1U);
-        f.events->unregisterHotKey(f.add(keyF, 3).value());
-        QCoreApplication::processEvents();
-        f.tryToHear(idJ, 2);
-        QCOMPARE(f.backend.sessions.size(), 1U);
-    }
-
     void changingFast()
     {
         Fixture f;
         f.startPortal();
         constexpr int last = 0x12;
         const QString lastId = u"key-%1-2304"_s.arg(last);
-        std::optional<Reference> reference;
+        auto reference = f.add(keyJ);
         for (int key = 0; key <= last; ++key) {
-            if (reference)
-                f.events->unregisterHotKey(*reference);
+            f.events->unregisterHotKey(reference.value());
             reference = f.add(key, quint32(key));
-            QVERIFY(reference);
             QTest::qWait(key % 4); // into every step of the ones before
         }
         f.tryToHear(lastId, last);
@@ -323,29 +291,6 @@ private Q_SLOTS:
         QTRY_COMPARE(f.backend.bindings, 2); // the signals before it have come
         f.events->addEventTypes(HotKeyEvents::hotKeyEvents);
         f.tryToHear(idJ, 2);
-    }
-
-    void handlersMayDestroyAll()
-    {
-        for (const uint binding : {0U, 1U}) { // when it is pressed, or refused
-            const InRow row(binding);
-            Fixture f;
-            f.backend.binding = binding;
-            f.startPortal();
-            QVERIFY(f.add(keyF));
-            QVERIFY(f.add(keyJ));
-            f.events->installHandler([&f](const HotKeyEvent&) {
-                f.events.reset();
-                return 0;
-            });
-            f.events->setRefusalHandler([&f](Reference) { f.events.reset(); });
-            QTRY_COMPARE(f.backend.bindings, 1);
-            QTRY_VERIFY([&] {
-                f.backend.activate(idF);
-                return !f.events;
-            }());
-            QTRY_VERIFY(f.backend.openSessions().isEmpty());
-        }
     }
 
     void saysWhoItIsFirst()
@@ -385,13 +330,10 @@ private Q_SLOTS:
         constexpr int all = control | carbonModifier::shift | optionCommand;
         for (const auto& [key, typed, modifiers, trigger, shown] :
              Rows<int, QString, int, QString, QString>{
-                 {keyF, u""_s, optionCommand, u"ALT+LOGO+f"_s, u"Alt+Super+F"_s},
                  {keyJ, u"j"_s, all, u"CTRL+ALT+SHIFT+LOGO+j"_s, u"Ctrl+Alt+Shift+Super+J"_s},
-                 {0x6F, u""_s, 0, u"F12"_s, u"F12"_s},
                  {0x06, u"y"_s, optionCommand, u"ALT+LOGO+y"_s, u"Alt+Super+Y"_s}, // German
                  {0x12, u"&"_s, optionCommand, u"ALT+LOGO+ampersand"_s, u"Alt+Super+ampersand"_s},
                  {keyF, u"а"_s, optionCommand, u"ALT+LOGO+f"_s, u"Alt+Super+F"_s}, // Russian
-                 {0x31, u" "_s, control, u"CTRL+space"_s, u"Ctrl+space"_s},
                  {0x7B, u""_s, control, u"CTRL+Left"_s, u"Ctrl+Left"_s},
                  {0x57, u"5"_s, control, u"CTRL+KP_5"_s, u"Ctrl+KP_5"_s}}) {
             const InRow row(trigger);
