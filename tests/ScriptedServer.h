@@ -71,8 +71,6 @@ public:
     }
     Q_DISABLE_COPY_MOVE(ScriptedServer)
 
-    [[nodiscard]] const QByteArray& port() const { return m_port; }
-
     [[nodiscard]] QByteArray url(const QByteArray& path = "/?key=SECRET") const
     {
         return "http://127.0.0.1:" + m_port + path;
@@ -83,12 +81,6 @@ public:
     {
         const std::scoped_lock lock(m_mutex);
         return m_requests;
-    }
-
-    [[nodiscard]] qsizetype connectionCount() const
-    {
-        const std::scoped_lock lock(m_mutex);
-        return static_cast<qsizetype>(m_connections.size());
     }
 
 private:
