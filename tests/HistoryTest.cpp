@@ -2,28 +2,13 @@
 #include "core/SessionCodec.h"
 #include "platform/linux/IniPreferencesStore.h"
 #include "tests/ControllerFixture.h"
+#include "tests/FileContents.h"
 #include "tests/Scarcity.h"
 #include "tests/Test.h"
-
-#include <QDir>
-#include <QFile>
 
 using namespace std::chrono_literals;
 
 namespace {
-
-QByteArray contents(const QString& path)
-{
-    QFile file(path);
-    return file.open(QIODevice::ReadOnly) ? file.readAll() : QByteArray();
-}
-
-void setContents(const QString& path, const QByteArray& bytes)
-{
-    QFile file(path);
-    QVERIFY(file.open(QIODevice::WriteOnly | QIODevice::Truncate));
-    QCOMPARE(file.write(bytes), bytes.size());
-}
 
 QStringList savedQueries(const ControllerFixture& f)
 {

@@ -1,14 +1,13 @@
 #pragma once
 
 #include "platform/linux/PortalShortcut.h"
+#include "tests/FileContents.h"
 #include "tests/Patience.h"
 #include "tests/PrivateBus.h"
 
 #include <QDBusConnection>
 #include <QDBusContext>
 #include <QDBusObjectPath>
-#include <QDir>
-#include <QFile>
 #include <QStandardPaths>
 #include <QTemporaryDir>
 
@@ -28,12 +27,13 @@ public:
 
     Frontend(const PrivateBus& bus, bool hasShortcuts)
     {
-        write("standin.portal", "[portal]\nDBusName=" + desktopName.toLatin1() +
-                                    "\nUseIn=standin\nInterfaces=org.freedesktop.impl.portal." +
-                                    (hasShortcuts ? "GlobalShortcuts" : "Wallpaper") + '\n');
+        setContents(m_folder.filePath(u"standin.portal"_s),
+                    "[portal]\nDBusName=" + desktopName.toLatin1() +
+                        "\nUseIn=standin\nInterfaces=org.freedesktop.impl.portal." +
+                        (hasShortcuts ? "GlobalShortcuts" : "Wallpaper") + '\n');
         // Later portals know no program but those that are installed.
-        write("applications/com.kelbrin.varno.desktop",
-              "[Desktop Entry]\nType=Application\nName=Varno\nExec=true\n");
+        setContents(m_folder.filePath(u"applications/com.kelbrin.varno.desktop"_s),
+                    "[Desktop Entry]\nType=Application\nName=Varno\nExec=true\n");
         QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
         environment.insert(u"DBUS_SESSION_BUS_ADDRESS"_s, bus.address());
         for (const char* const folder :
@@ -61,13 +61,6 @@ public:
     }
 
 private:
-    void write(const char* path, const QByteArray& text) const
-    {
-        QFile file(m_folder.filePath(QString::fromLatin1(path)));
-        QVERIFY(QDir().mkpath(QFileInfo(file).path()) && file.open(QIODevice::WriteOnly));
-        file.write(text);
-    }
-
     QTemporaryDir m_folder;
     QProcess m_process;
 };

@@ -95,7 +95,6 @@ private:
             const int socket = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
             if (socket < 0)
                 return;
-            const std::scoped_lock lock(m_mutex);
             const Answer& answer = m_answers[std::min(m_connections.size(), m_answers.size() - 1)];
             m_connections.push_back({socket, std::thread([this, socket, &answer] {
                                          converse(socket, answer);
@@ -154,7 +153,7 @@ private:
     std::vector<Answer> m_answers;
     int m_listener;
     QByteArray m_port;
-    mutable std::mutex m_mutex; ///< guards the requests and the connections
+    mutable std::mutex m_mutex; ///< guards the requests
     QList<Request> m_requests;
     std::list<Connection> m_connections;
     std::thread m_acceptor;
