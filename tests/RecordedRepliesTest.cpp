@@ -1,9 +1,8 @@
 #include "tests/BothClients.h"
+#include "tests/FileContents.h"
 #include "tests/PageText.h"
 #include "tests/Test.h"
 
-#include <QDir>
-#include <QFile>
 #include <QJsonDocument>
 #include <QJsonObject>
 #include <QRegularExpression>
@@ -14,14 +13,6 @@ const QString& corpora()
 {
     static const QString folder = qEnvironmentVariable("VARNO_CORPORA");
     return folder;
-}
-
-QByteArray contents(const QString& name)
-{
-    QFile file(corpora() + u'/' + name);
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("cannot read %s", qPrintable(name));
-    return file.readAll();
 }
 
 /// Replays `body` to the real client of its service, in parts of at most `longest` bytes.
@@ -71,13 +62,16 @@ private Q_SLOTS:
         int shortened = 0;
         for (const QString& folder : {u"anthropic"_s, u"gemini"_s}) {
             for (const QByteArray& line :
-                 contents(folder + u"/expected.dev.jsonl"_s).trimmed().split('\n')) {
+                 contents(corpora() + u'/' + folder + u"/expected.dev.jsonl"_s)
+                     .trimmed()
+                     .split('\n')) {
                 const QJsonObject expected = QJsonDocument::fromJson(line).object();
                 const QString file = expected[u"file"_s].toString();
                 const QString text = expected[u"text"_s].toString();
                 // A thought stands in a first part like any other text, so it is text to us.
                 const int thoughtLength = expected[u"thought_chars"_s].toInt();
-                const QByteArray body = contents(file);
+                const QByteArray body = contents(corpora() + u'/' + file);
+                QVERIFY(!body.isEmpty());
                 // A recorded refusal, whose status is not in the file.
                 const bool isError = body.trimmed().startsWith('{');
                 for (const int longest : {1, 7, 300, 1 << 30}) {
@@ -102,17 +96,6 @@ private Q_SLOTS:
             }
         }
         QVERIFY(shortened <= 1);
-    }
-
-    void streamedArraysHoldNoEvents()
-    {
-        const QStringList files = QDir(corpora() + u"/gemini"_s).entryList({u"*.array.json"_s});
-        QVERIFY(!files.isEmpty());
-        for (const QString& file : files) {
-            const Received received = replay(true, 200, contents(u"gemini/"_s + file), 1 << 30);
-            QVERIFY(received.pieces.isEmpty());
-            QVERIFY(received.error.isEmpty());
-        }
     }
 };
 
