@@ -9,7 +9,6 @@
 #include <QJsonObject>
 #include <QSignalSpy>
 
-#include <atomic>
 #include <future>
 
 namespace {
@@ -27,23 +26,14 @@ struct Clients : StandIn, BothClients {
     }
 };
 
-/// Locked; its user says no, after some thought.
-class LockedKeyStore final : public KeyStore {
-public:
-    void replace(const KeyName&, const QByteArray&, std::stop_token) override {}
-    void remove(const KeyName&, std::stop_token) override {}
-    [[nodiscard]] std::optional<QByteArray> find(const KeyName&, std::stop_token) const override
-    {
-        ++questions;
-        refusal.wait();
-        return std::nullopt;
-    }
-    [[nodiscard]] KeyGlance look(const KeyName&, std::stop_token) const override { return {}; }
-
-    mutable std::atomic<int> questions = 0;
-    std::promise<void> user;
-    std::shared_future<void> refusal{user.get_future()};
-};
+/// A line of a streamed reply.
+std::string streamedLine(bool isGemini, const std::string& text)
+{
+    return isGemini
+               ? R"(data: {"candidates":[{"content":{"parts":[{"text":")" + text + "\"}]}}]}\r\n"
+               : R"(data: {"type":"content_block_delta","delta":{"type":"t","text":")" + text +
+                     "\"}}\n";
+}
 
 } // namespace
 
@@ -115,21 +105,6 @@ private Q_SLOTS:
         }
     }
 
-    void articleAsksForItsKeyOnce()
-    {
-        LockedKeyStore store;
-        const KeychainService keychain(store);
-        HttpByHand http;
-        const ClaudeService claude({}, http, keychain);
-        const auto toc = claude.generateTOC(u"x"_s, u"x"_s, false);
-        const auto stream = claude.streamEntry({});
-        QSignalSpy tocEnd(toc.get(), &TOCRequest::finished);
-        store.user.set_value();
-        QVERIFY(receive(stream).error.startsWith(u"No API key found."_s));
-        QTRY_COMPARE(tocEnd.size(), 1);
-        QCOMPARE(store.questions.load(), 1);
-    }
-
     void requestThatCannotStart()
     {
         for (const bool lacksThreads : {true, false}) {
@@ -143,16 +118,6 @@ private Q_SLOTS:
         }
     }
 
-    void keyThatFitsNoRequest()
-    {
-        const Clients clients;
-        clients.keychain.save(u"made-up\r\nx-other: header"_s, clients.keychain.anthropicAccount);
-        const QString error = clients.ask(false).error;
-        QVERIFY(error.startsWith(u"Network error: "_s));
-        QVERIFY(!error.contains(u"made-up"_s));
-        QVERIFY(clients.service->requests().isEmpty());
-    }
-
     void geminiKeyGoesIntoTheURLAsItIs()
     {
         ClientsByHand clients;
@@ -162,21 +127,20 @@ private Q_SLOTS:
             receiver.onStatus(200);
             return std::nullopt;
         };
-        for (const QStringView key :
-             {u"with blank", u"line\nend", u"caf\u00e9", u"a#b", u"a\"b", u"a<b", u"a[b", u"a@[",
-              u"a{b", u"a/:", u"100%", u"%4", u"%4g", u"a\\b", u"a^b", u"a|b", u"a`b"}) {
+        const auto good = u"azAZ09-._~!$&'()*+,;=:@/?%2Fx"_s;
+        for (const QString& key :
+             {u"with blank"_s, u"line\nend"_s, u"caf\u00e9"_s, u"a#b"_s, u"a[b"_s, u"a@["_s,
+              u"a{b"_s, u"100%"_s, u"%4"_s, u"%4g"_s, u"%g4"_s, u"a`b"_s, good}) {
             const InRow row(key);
-            clients.keychain.save(key.toString(), clients.keychain.geminiAccount);
-            const bool isGood = key == u"a/:";
+            clients.keychain.save(key, clients.keychain.geminiAccount);
             QCOMPARE(clients.ask(true).error,
-                     isGood ? QString() : u"Response parse error: Invalid URL"_s);
-            QCOMPARE(url.isEmpty(), !isGood);
-            url.clear();
+                     key == good ? QString() : u"Response parse error: Invalid URL"_s);
+            QCOMPARE(url,
+                     key == good
+                         ? "https://example.invalid/gemini-3.6-flash:streamGenerateContent?key=" +
+                               good.toLatin1() + "&alt=sse"
+                         : QByteArray());
         }
-        clients.keychain.save(u"azAZ09-._~!$&'()*+,;=:@/?%2Fx"_s, clients.keychain.geminiAccount);
-        QVERIFY(clients.ask(true).error.isEmpty());
-        QCOMPARE(url, "https://example.invalid/gemini-3.6-flash:streamGenerateContent"
-                      "?key=azAZ09-._~!$&'()*+,;=:@/?%2Fx&alt=sse");
     }
 
     void textSurvivesEveryCut()
@@ -216,11 +180,8 @@ private Q_SLOTS:
                  {false, 529, page,
                   u"Anthropic's servers are overloaded. Please try again in a moment."_s},
                  {false, 201, page, claude},
-                 {false, 204, page, claude},
                  {false, 307, page, claude},
-                 {false, 400, page, claude},
                  {true, 302, page, gemini},
-                 {true, 500, {}, gemini},
                  {true, 403, R"({"error":{"code":403}})", gemini},
                  {true, 503, R"({"error": {"code": 503, "message": "A “valid” key."}})",
                   u"Gemini error: A “valid” key."_s},
@@ -253,7 +214,6 @@ private Q_SLOTS:
              {.dropAfterEvents = 6},
              u"Network error: The connection to the server was lost."_s},
             {"hang", {.hangAfterEvents = 6}, u"Network error: The request timed out."_s},
-            {"pause", {.pauseAfterFirstEvent = std::chrono::milliseconds(500)}},
             {"malformed event", {.malformedEvent = true}},
             {"error event", {.errorEvent = true}},
             {"huge line", {.hugeLineLength = 20LL * 1024 * 1024}}};
@@ -307,14 +267,10 @@ private Q_SLOTS:
         std::promise<void> abandoned;
         std::promise<bool> readOn;
         ClientsByHand clients;
-        clients.respond = [&](const HttpRequest&,
-                              HttpReceiver& receiver) -> std::optional<Failure> {
+        clients.respond = [&](const HttpRequest&, HttpReceiver& receiver) {
             abandoned.get_future().wait();
-            bool wanted = receiver.onStatus(200);
-            for (int i = 0; i < 100; ++i)
-                wanted = wanted && receiver.onBytes("data: {\"type\":\"content_block_delta\","
-                                                    "\"delta\":{\"type\":\"t\",\"text\":\"x\"}}\n");
-            readOn.set_value(wanted);
+            readOn.set_value(receiver.onStatus(200) && receiver.onBytes(streamedLine(false, "x")) &&
+                             receiver.onBytes(streamedLine(false, "y")));
             return std::nullopt;
         };
         clients.stream(false).reset();
@@ -324,20 +280,15 @@ private Q_SLOTS:
 
     void endlessRepliesDoNotGrow()
     {
-        const QByteArray text(1 << 20, 'x');
+        const std::string text(1 << 20, 'x');
         for (const bool isGemini : {false, true}) {
             const InRow row(isGemini);
-            const QByteArray block =
-                isGemini ? "data: {\"candidates\":[{\"content\":{\"parts\":[{\"text\":\"" + text +
-                               "\"}]}}]}\r\n"
-                         : "data: {\"type\":\"content_block_delta\",\"delta\":{\"type\":\"t\","
-                           "\"text\":\"" +
-                               text + "\"}}\n";
+            const std::string block = streamedLine(isGemini, text);
             ClientsByHand clients;
             int blocks = 0;
             clients.respond = [&](const HttpRequest&, HttpReceiver& receiver) {
                 receiver.onStatus(200);
-                for (blocks = 0; blocks < 1000 && receiver.onBytes(block.toStdString());)
+                for (blocks = 0; blocks < 1000 && receiver.onBytes(block);)
                     ++blocks;
                 return std::nullopt;
             };
