@@ -1,27 +1,20 @@
 #include "core/SessionCodec.h"
 
+#include "tests/FileContents.h"
 #include "tests/Test.h"
-
-#include <QFile>
-#include <QJsonArray>
-#include <QJsonDocument>
-#include <QJsonObject>
 
 #include <bit>
 #include <limits>
 
 namespace {
 
-constexpr auto rootId = "0A1B2C3D-0000-4000-8000-00000000000F"_L1;
-constexpr auto sectionId = "0A1B2C3D-0000-4000-8000-00000000001F"_L1;
+const auto rootId = QUuid::fromString(u"0A1B2C3D-0000-4000-8000-00000000000F");
+const auto sectionId = QUuid::fromString(u"0A1B2C3D-0000-4000-8000-00000000001F");
 
 /// One session of two pages, written by hand.
 QByteArray handWritten()
 {
-    QFile file(QFINDTESTDATA("data/session_history.json"));
-    if (!file.open(QIODevice::ReadOnly))
-        qFatal("the sample is missing");
-    return file.readAll();
+    return contents(QFINDTESTDATA("data/session_history.json"));
 }
 
 /// What is left of `json` when all is refused that has to be.
@@ -54,39 +47,39 @@ private Q_SLOTS:
         QCOMPARE(session.rootQuery, u"stoicism"_s);
         QCOMPARE(session.createdAt, 785000000.25);
         QCOMPARE(session.pages.size(), 2);
-        QCOMPARE(session.rootPage()->id, QUuid::fromString(rootId));
+        QCOMPARE(session.rootPage()->id, rootId);
         QCOMPARE(session.rootPage()->content, u"A \"school\""_s);
         QCOMPARE(session.rootPage()->tableOfContents, QStringList({u"Logic"_s, u"Ethics"_s}));
         QVERIFY(!session.rootPage()->parentPageId);
         QVERIFY(!session.rootPage()->parentSectionName);
-        QCOMPARE(session.currentPage()->id, QUuid::fromString(sectionId));
-        QCOMPARE(session.currentPage()->parentPageId, QUuid::fromString(rootId));
+        QCOMPARE(session.currentPage()->id, sectionId);
+        QCOMPARE(session.currentPage()->parentPageId, rootId);
         QCOMPARE(session.currentPage()->parentSectionName, u"Logic"_s);
     }
 
     void writesTheDocumentedForm()
     {
-        const QByteArray written = encodeSessions(decoded(handWritten()));
-        QJsonObject session = QJsonDocument::fromJson(written).array().at(0).toObject();
-        QCOMPARE(session.keys(), QStringList({u"createdAt"_s, u"id"_s, u"navigationHistory"_s,
-                                              u"pages"_s, u"rootQuery"_s}));
-        QCOMPARE(session["navigationHistory"_L1].toArray(), QJsonArray({rootId, sectionId}));
+        const QList<Session> sessions = decoded(handWritten());
+        QByteArray written = encodeSessions(sessions);
+        QCOMPARE(decoded(written), sessions);
+        written.replace("\"pages\":[", "\"pages\":{").replace("}],", "}},");
+        written.replace("\",{\"id\"", "\":{\"id\""); // pages by their ids read too
+        QCOMPARE(decoded(written), sessions);
 
-        const QJsonArray pages = session["pages"_L1].toArray();
-        QCOMPARE(pages.size(), 4);
-        const int root = pages.at(0) == rootId ? 0 : 2;
-        QCOMPARE(pages.at(root), QJsonValue(rootId));
-        QCOMPARE(pages.at(2 - root), QJsonValue(sectionId));
-        const QJsonObject rootPage = pages.at(root + 1).toObject();
-        QVERIFY(!rootPage.contains("parentPageId"_L1));
-        QVERIFY(!rootPage.contains("parentSectionName"_L1));
-        const QJsonObject section = pages.at(3 - root).toObject();
-        QCOMPARE(section["parentPageId"_L1], QJsonValue(rootId));
-        QCOMPARE(section["seeAlso"_L1], QJsonValue(QJsonArray()));
-        QCOMPARE(section["entryType"_L1], QJsonValue("full"_L1));
-
-        session["pages"_L1] = QJsonObject{{rootId, rootPage}, {sectionId, section}}; // reads too
-        QCOMPARE(decoded(QJsonDocument(QJsonArray{session}).toJson()), decoded(handWritten()));
+        Session section = sessions.constFirst();
+        section.remove(rootId);
+        QCOMPARE(encodeSessions({section}),
+                 R"([{"id":"11111111-2222-4333-8444-555555555555","rootQuery":"stoicism",)"
+                 R"("pages":["0A1B2C3D-0000-4000-8000-00000000001F",)"
+                 R"({"id":"0A1B2C3D-0000-4000-8000-00000000001F","title":"Logic","content":"",)"
+                 R"("tableOfContents":[],"seeAlso":[],)"
+                 R"("parentPageId":"0A1B2C3D-0000-4000-8000-00000000000F",)"
+                 R"("parentSectionName":"Logic","entryType":"full"}],)"
+                 R"("navigationHistory":["0A1B2C3D-0000-4000-8000-00000000001F"],)"
+                 R"("createdAt":785000000.25}])");
+        Session root = sessions.constFirst();
+        root.remove(sectionId);
+        QVERIFY(!encodeSessions({root}).contains("parent"));
     }
 
     void refuses()
@@ -95,24 +88,18 @@ private Q_SLOTS:
             QVERIFY(!decodeSessions(json));
         QCOMPARE(decodeSessions("[\"x\"]")->refused, 1);
         for (const auto& [before, after] : Rows<const char*, const char*>{
-                 {"rootQuery", "rootquery"},
                  {"seeAlso", "seealso"},
                  {"\"full\"", "\"Full\""},
                  {"785000000.25", "\"785000000.25\""},
-                 {"785000000.25", "null"},
-                 {"785000000.25", "1e999"},
                  {"[\"Zeno\"]", "[1]"},
-                 {"[\"Zeno\"]", "null"},
                  {"\"parentSectionName\":\"Logic\"", "\"parentSectionName\":1"},
                  {"\"parentPageId\":null", "\"parentPageId\":\"x\""},
                  {"\"11111111-2222-4333-8444-555555555555\"",
                   "\"{1111111-2222-4333-8444-55555555555}\""},
                  {"11111111-2222", "11111111-222-"},
-                 {"11111111-2222", "11111111222-2"},
                  {"11111111-2222", "1111111g-2222"},
                  {"\"id\":\"0A1B2C3D-0000-4000-8000-00000000001F\"",
                   "\"id\":\"0A1B2C3D-0000-4000-8000-00000000002F\""},
-                 {"\"navigationHistory\":[", "\"navigationHistory\":[null,"},
                  {"\"pages\":[", "\"pages\":[\"0A1B2C3D-0000-4000-8000-00000000002F\","},
                  {"\"pages\":[", "\"pages\":1,\"other\":["}}) {
             const InRow row(after);
@@ -125,9 +112,8 @@ private Q_SLOTS:
     void datesSurviveToTheLastBit()
     {
         using Limits = std::numeric_limits<double>;
-        for (const double date :
-             {-0.0, 785000000.1234567, 9007199254740993.0, 18446744073709551616.0, 1e21,
-              -Limits::max(), Limits::denorm_min()}) {
+        for (const double date : {-0.0, 785000000.1234567, 18446744073709551616.0, -Limits::max(),
+                                  Limits::denorm_min()}) {
             Session session;
             session.createdAt = date;
             const QList<Session> read = decoded(encodeSessions({session}));
@@ -186,9 +172,8 @@ private Q_SLOTS:
     {
         QCOMPARE(decoded(withReplaced("0A1B2C3D", "0a1b2c3d")), decoded(handWritten()));
         // The trail leads to pages that are there.
-        const QByteArray json =
-            withReplaced("1F\"]}]", "1F\",\"0A1B2C3D-0000-4000-8000-00000000002F\"]}]");
-        QCOMPARE(decoded(json), decoded(handWritten()));
+        QCOMPARE(decoded(withReplaced("\"]}]", "\",\"11111111-2222-4333-8444-555555555555\"]}]")),
+                 decoded(handWritten()));
         const auto other = "\"navigationHistory\":[\"0A1B2C3D-0000-4000-8000-00000000002F\",";
         QVERIFY(!decoded(withReplaced("\"navigationHistory\":[", other)).constFirst().rootPage());
     }
