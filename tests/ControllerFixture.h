@@ -2,11 +2,12 @@
 
 #include "core/AppViewModel.h"
 #include "platform/fake/FakePreferencesStore.h"
-#include "tests/ModelServiceByHand.h"
 #include "tests/Patience.h"
 
+#include <QPointer>
 #include <QTemporaryDir>
 
+#include <deque>
 #include <memory>
 
 namespace varno {
@@ -15,6 +16,41 @@ using namespace Qt::StringLiterals;
 
 inline constexpr QLatin1StringView article = "the history of the roman empire"_L1;
 inline constexpr QLatin1StringView articleTitle = "The History Of The Roman Empire"_L1;
+
+/// A model service whose replies the test gives by hand, and which remembers what it was asked.
+class ModelServiceByHand final : public ModelService {
+public:
+    struct Entry {
+        ModelRequest request;
+        EntryStream::Sink sink;
+        QPointer<EntryStream> stream; ///< null once nobody listens
+    };
+    struct TOC {
+        QString topic;
+        QString model;
+        bool webSearch = false;
+        TOCRequest::Sink sink;
+    };
+
+    mutable std::deque<Entry> entries;
+    mutable std::deque<TOC> tocs;
+
+    [[nodiscard]] std::unique_ptr<EntryStream>
+    streamEntry(const ModelRequest& request) const override
+    {
+        auto stream = std::make_unique<EntryStream>();
+        entries.push_back({request, stream->sink(), stream.get()});
+        return stream;
+    }
+
+    [[nodiscard]] std::unique_ptr<TOCRequest>
+    generateTOC(const QString& topic, const QString& model, bool webSearch) const override
+    {
+        auto request = std::make_unique<TOCRequest>();
+        tocs.push_back({topic, model, webSearch, request->sink()});
+        return request;
+    }
+};
 
 /// A controller on a history file of its own, with model services played by the test.
 class ControllerFixture {

@@ -1,5 +1,3 @@
-#include "core/EntryText.h"
-#include "demo/EntryLibrary.h"
 #include "demo/StandInService.h"
 #include "platform/Platform.h"
 #include "providers/KeychainService.h"
@@ -100,21 +98,6 @@ private Q_SLOTS:
         QCOMPARE(program.end(), 0);
         QVERIFY2(program.console().endsWith("Ctrl+C here ends it.\n"), program.console());
         QCOMPARE(program.filesWith("palimpsest"), QStringList());
-    }
-
-    void libraryIsWhole()
-    {
-        const EntryLibrary library;
-        for (const auto& topic : library.topics()) {
-            const InRow row(topic.title);
-            QVERIFY(topic.definition || topic.answer || topic.article);
-            QCOMPARE(topic.article.has_value(), topic.sections.size() >= 5);
-            QList<std::optional<QString>> texts = {topic.definition, topic.answer, topic.article};
-            for (const auto& [name, text] : topic.sections)
-                texts.append(text);
-            for (const auto& text : texts)
-                QVERIFY(!text || (!cleanEntryText(*text).isEmpty() && relatedTopicsText(*text)));
-        }
     }
 
     void standInListensOnLoopbackOnly()

@@ -3,7 +3,6 @@
 #include "platform/linux/IniPreferencesStore.h"
 #include "tests/ControllerFixture.h"
 #include "tests/FileContents.h"
-#include "tests/Scarcity.h"
 #include "tests/Test.h"
 
 using namespace std::chrono_literals;
@@ -75,15 +74,12 @@ private Q_SLOTS:
         QVERIFY(f.model->session()); // the open one stays
         f.model->prepareToQuit();
         QCOMPARE(contents(f.path), QByteArray("[]"));
+        QCOMPARE(filesBeside(f), QStringList({u"history.json"_s}));
         f.model->search(u"rome"_s);
         QVERIFY(f.model->isStreaming());
         f.answer(u"Text."_s);
         f.model->prepareToQuit();
         QCOMPARE(savedQueries(f), QStringList({u"rome"_s, u"carthage"_s}));
-        QCOMPARE(filesBeside(f), QStringList({u"history.json"_s}));
-        const auto forTheUserAlone =
-            QFile::ReadOwner | QFile::WriteOwner | QFile::ReadUser | QFile::WriteUser;
-        QCOMPARE(QFile::permissions(f.path), forTheUserAlone);
     }
 
     void quitKeepsWhatWasWholeAlone()
@@ -199,21 +195,16 @@ private Q_SLOTS:
         QCOMPARE(f.model->searchHistory(), QStringList({u"rome"_s}));
     }
 
-    void isSavedAlsoWithoutAThread()
-    {
-        ControllerFixture f;
-        const NoThreads none;
-        f.write(u"rome"_s);
-        f.model->newSearch();
-        QCOMPARE(savedQueries(f), QStringList({u"rome"_s}));
-    }
-
     void damagedFileIsAnEmptyHistoryAndKeptAside()
     {
-        for (const char* bytes : {"[{\"id\":\"11111111-2222", "", "[{}]"}) {
+        for (const char* bytes :
+             {"[{\"id\":\"11111111-2222", "", "[{}]", static_cast<const char*>(nullptr)}) {
             const InRow row(bytes);
             ControllerFixture f;
-            setContents(f.path, bytes);
+            if (bytes)
+                setContents(f.path, bytes);
+            else
+                QVERIFY(QDir().mkpath(f.path)); // no file, as unreadable as a damaged one
             f.start();
             f.write(u"rome"_s);
             QCOMPARE(contents(f.path), QByteArray(bytes)); // untouched until the first save
@@ -223,20 +214,6 @@ private Q_SLOTS:
             QCOMPARE(filesBeside(f), QStringList({u"history.json"_s, u"history.json.damaged-1"_s}));
             QCOMPARE(contents(f.path + u".damaged-1"_s), QByteArray(bytes));
         }
-    }
-
-    void folderInPlaceOfTheFileLosesNothing()
-    {
-        ControllerFixture f;
-        QVERIFY(QDir().mkpath(f.path + u"/inside"_s));
-        f.start();
-        f.write(u"rome"_s);
-        f.model->newSearch();
-        f.model->search(u"rome"_s); // still there in memory
-        QVERIFY(!f.model->isStreaming());
-        f.model->prepareToQuit();
-        QVERIFY(QDir(f.path + u".damaged-1/inside"_s).exists());
-        QCOMPARE(savedQueries(f), QStringList({u"rome"_s}));
     }
 
     void preferencesSurviveARestart()
@@ -260,20 +237,18 @@ private Q_SLOTS:
 
     void unknownPreferencesReadAsTheDefaultsAndStay()
     {
-        for (const QVariant& stored :
-             {QVariant(), QVariant(u"LARGE"_s), QVariant(42), QVariant(QVariantList({1, 2}))}) {
+        for (const QVariant& stored : {QVariant(u"LARGE"_s), QVariant(42)}) {
             const InRow row(stored);
             ControllerFixture f;
-            for (const auto* key : {u"aiModel", u"theme", u"fontSize", u"webSearchEnabled",
-                                    u"imagesEnabled", u"searchHistory"})
-                f.preferences.values[QStringView(key).toString()] = stored;
+            for (const QString& key : {u"aiModel"_s, u"theme"_s, u"fontSize"_s,
+                                       u"webSearchEnabled"_s, u"searchHistory"_s})
+                f.preferences.values[key] = stored;
             const QVariantMap before = f.preferences.values;
             f.start();
             QCOMPARE(f.model->aiModel(), AIModel::sonnet);
             QCOMPARE(f.model->theme(), AppTheme::cream);
             QCOMPARE(f.model->fontSize(), FontSize::medium);
             QVERIFY(!f.model->webSearchEnabled());
-            QVERIFY(!f.model->imagesEnabled());
             QVERIFY(f.model->searchHistory().isEmpty());
             QCOMPARE(f.preferences.values, before);
         }

@@ -94,9 +94,8 @@ private Q_SLOTS:
         QVERIFY(f.model->streamingContent().isEmpty());
         QVERIFY(f.model->streamingTOC().isEmpty());
 
-        f.model->search(article);
+        f.model->search(article); // it was saved
         QCOMPARE(f.model->session()->pages.size(), 3);
-        QVERIFY(!f.model->isStreaming());
     }
 
     void withoutASessionNothingHappens()
@@ -106,7 +105,6 @@ private Q_SLOTS:
         f.answer(u"Text."_s, Failure{u"It broke."_s});
         f.model->newSearch();
         QVERIFY(!f.model->errorMessage());
-        QVERIFY(!f.model->isShowingEntry());
         f.model->navigateTo(u"Kings"_s);
         f.model->jumpTo(Page());
         f.model->goBack();
@@ -121,26 +119,10 @@ private Q_SLOTS:
     void sessionWithPagesThatAreNotThere()
     {
         Session session;
-        QVERIFY(!session.currentPage());
-        QVERIFY(!session.rootPage());
         session.revisit(QUuid::createUuid());
-        QVERIFY(session.navigationHistory.isEmpty());
+        QVERIFY(!session.currentPage() && !session.rootPage());
         session.navigationHistory = {QUuid::createUuid()};
-        QVERIFY(!session.currentPage());
-        QVERIFY(!session.rootPage());
-
-        Page section;
-        section.id = QUuid::createUuid();
-        section.content = u"Text."_s;
-        section.parentPageId = QUuid::createUuid();
-        section.parentSectionName = u"Kings"_s;
-        session.push(section);
-        section.content = u"Other text."_s;
-        session.push(section);
-        QCOMPARE(session.navigationHistory.size(), 3);
-        const Page* page = session.cachedSectionPage(*section.parentPageId, u"Kings"_s);
-        QVERIFY(page && page->content == section.content);
-        QVERIFY(!session.cachedSectionPage(QUuid::createUuid(), u"Kings"_s));
+        QVERIFY(!session.currentPage() && !session.rootPage());
     }
 };
 

@@ -45,14 +45,12 @@ private Q_SLOTS:
     void topicsGoInAsTheyAre()
     {
         const QString hostile = u"the \"%1\" and %2 of {query} \\ 100%"_s;
-        for (const EntryType type :
-             {EntryType::definition, EntryType::shortAnswer, EntryType::full})
-            QCOMPARE(entryPrompt(type, hostile).count(u'"' + hostile + u'"'), 1);
-        QCOMPARE(tocPrompt(hostile).count(u'"' + hostile + u'"'), 1);
-
-        const QString section = sectionPrompt(hostile, u"%1 Stoicism"_s);
-        QCOMPARE(section.count(u'"' + hostile + u'"'), 2);
-        QCOMPARE(section.count(u"\"%1 Stoicism\""_s), 2);
+        const QString quoted = u'"' + hostile + u'"';
+        for (const QString& prompt : {entryPrompt(EntryType::definition, hostile),
+                                      entryPrompt(EntryType::shortAnswer, hostile),
+                                      entryPrompt(EntryType::full, hostile), tocPrompt(hostile)})
+            QCOMPARE(prompt.count(quoted), 1);
+        QCOMPARE(sectionPrompt(hostile, u"%1 Stoicism"_s).count(quoted), 2);
     }
 };
 

@@ -107,15 +107,11 @@ private Q_SLOTS:
 
     void requestThatCannotStart()
     {
-        for (const bool lacksThreads : {true, false}) {
-            const InRow row(lacksThreads);
-            const ClientsByHand clients;
-            const auto descriptors = lacksThreads ? nullptr : std::make_unique<AllDescriptors>(4);
-            const auto threads = lacksThreads ? std::make_unique<NoThreads>() : nullptr;
-            const QString error = clients.ask(false).error;
-            QVERIFY2(error.startsWith(u"Network error: There is no room"_s), qPrintable(error));
-            QCOMPARE(clients.askTOC(false), Result<QStringList>(Failure{error}));
-        }
+        const ClientsByHand clients;
+        const NoThreads none;
+        const QString error = clients.ask(false).error;
+        QVERIFY2(error.startsWith(u"Network error: There is no room"_s), qPrintable(error));
+        QCOMPARE(clients.askTOC(false), Result<QStringList>(Failure{error}));
     }
 
     void geminiKeyGoesIntoTheURLAsItIs()
