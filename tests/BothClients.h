@@ -96,23 +96,20 @@ private:
     }
 };
 
-/// HTTP whose response the test gives, on the thread of the request.
-class HttpByHand : public HttpSession {
-public:
+/// With HTTP whose response the test gives, on the thread of the request.
+struct ClientsByHand : HttpSession, BothClients {
+    ClientsByHand()
+        : BothClients(*this, "https://example.invalid", "https://example.invalid",
+                      std::chrono::hours(1))
+    {
+    }
+
     std::function<std::optional<Failure>(const HttpRequest&, HttpReceiver&)> respond;
 
     [[nodiscard]] std::optional<Failure> perform(const HttpRequest& request, HttpReceiver& receiver,
                                                  std::stop_token) override
     {
         return respond(request, receiver);
-    }
-};
-
-struct ClientsByHand : HttpByHand, BothClients {
-    ClientsByHand()
-        : BothClients(*this, "https://example.invalid", "https://example.invalid",
-                      std::chrono::hours(1))
-    {
     }
 };
 
