@@ -58,6 +58,10 @@ public:
         keychain.save(key, keychain.geminiAccount);
     }
 
+    static QString model(bool isGemini)
+    {
+        return isGemini ? u"gemini-3.6-flash"_s : u"claude-sonnet-5"_s;
+    }
     [[nodiscard]] const ModelService& client(bool isGemini) const
     {
         return isGemini ? static_cast<const ModelService&>(gemini) : claude;
@@ -88,12 +92,6 @@ public:
     KeychainService keychain{store};
     ClaudeService claude;
     GeminiService gemini;
-
-private:
-    static QString model(bool isGemini)
-    {
-        return isGemini ? u"gemini-3.6-flash"_s : u"claude-sonnet-5"_s;
-    }
 };
 
 /// With HTTP whose response the test gives, on the thread of the request.
