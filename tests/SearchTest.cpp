@@ -144,6 +144,8 @@ private Q_SLOTS:
         QCOMPARE(f.model->session()->rootQuery, article);
         QCOMPARE(f.model->searchHistory(), QStringList({again.trimmed(), u"carthage"_s}));
         QCOMPARE(f.model->errorMessage(), u"It broke."_s); // stays on show
+        f.model->search(u"sparta"_s);
+        QVERIFY(!f.model->errorMessage());
     }
 
     void emptySessionIsNeitherSavedNorReopened()
