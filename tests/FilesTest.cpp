@@ -100,7 +100,8 @@ private Q_SLOTS:
         QString foreign = u"/etc/passwd"_s;
         if (::geteuid() == 0) { // whose own that is
             constexpr uid_t nobody = 65534;
-            setContents(foreign = at(u"foreign"_s), "x");
+            foreign = at(u"foreign"_s);
+            setContents(foreign, "x");
             QCOMPARE(::chown(QFile::encodeName(foreign).constData(), nobody, gid_t(-1)), 0);
         }
         for (const QString& path : {at(u"folder"_s), at(u"pipe"_s), at(u"link"_s),
