@@ -146,6 +146,7 @@ private Q_SLOTS:
         QCOMPARE(f.model->errorMessage(), u"It broke."_s); // stays on show
         f.model->search(u"sparta"_s);
         QVERIFY(!f.model->errorMessage());
+        QVERIFY(f.model->streamingTOC().isEmpty());
     }
 
     void emptySessionIsNeitherSavedNorReopened()
