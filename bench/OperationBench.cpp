@@ -4,7 +4,7 @@
 #include "core/SessionCodec.h"
 #include "platform/Files.h"
 #include "platform/linux/IniPreferencesStore.h"
-#include "tests/ModelServiceByHand.h"
+#include "tests/ControllerFixture.h"
 
 #include <QCoreApplication>
 #include <QElapsedTimer>

@@ -25,6 +25,16 @@ QString listSample()
     return list.sliced(1);
 }
 
+/// A page of nothing but tables and code: one of each, as long as it can be.
+QString formSample()
+{
+    constexpr qsizetype half = 100000;
+    const QString row = u"| a cell of *words* | `code` in it | 42 |\n"_s;
+    const QString line = u"    call(of, a, function); // and why\n"_s;
+    return u"| One | Two | Three |\n|---|:-:|--:|\n"_s + row.repeated(half / row.size()) +
+           u"\n```cpp\n"_s + line.repeated(half / line.size()) + u"```\n"_s;
+}
+
 /// The time that pieces of a page take, with the painting that goes with them: all of them, and
 /// those of the first and of the last tenth.
 struct Growth {
@@ -130,9 +140,11 @@ void addReading(Table& table)
     constexpr int piecesPerFrame = 16;
     const QString page = pageSample(longest);
     addStream<MarkdownContentView>("reader/stream-list", listSample(), 0);
+    addStream<MarkdownContentView>("reader/stream-forms", formSample(), 0);
 
     addFlatness(table, "piece shown on a page of 1 MB, against on 100 KB", "reader/stream");
     addFlatness(table, "the same, all of it one list", "reader/stream-list");
+    addFlatness(table, "the same, 200 KB of a table and of code", "reader/stream-forms");
     addTotal(table, "page of 1 MB streamed, against as plain text", "reader/stream", page, 0);
     addTotal(table, "the same, painted every 16 pieces", "reader/stream-painted", page,
              piecesPerFrame);

@@ -83,6 +83,7 @@ QList<Scene> scenes()
          .opensSection = true,
          .findText = u"rome"_s},
         tallPage(u"blocks"_s),
+        tallPage(u"forms"_s),
         specialPage(u"long-words"_s),
         endOf(specialPage(u"long-words"_s)),
         tallPage(u"right-to-left"_s),
