@@ -288,7 +288,10 @@ private Q_SLOTS:
              {u"x"_s.repeated(1000000), u"- a\n"_s.repeated(100000), u"*a **b "_s.repeated(20000),
               u"![a"_s.repeated(20000) + u"](b)"_s.repeated(20000),
               u"~~a ~b \\(<b>"_s.repeated(20000), u"a"_s + u"\u0301"_s.repeated(20000),
-              u"1"_s.repeated(500000) + u". a"_s}) {
+              u"1"_s.repeated(500000) + u". a"_s, u"```\nx\n"_s.repeated(100000),
+              u"> "_s.repeated(5000) + u"x"_s,
+              u"a|"_s.repeated(2000) + u'\n' + u"-|"_s.repeated(2000),
+              u"|a|\n|-|\n"_s + u"|\n"_s.repeated(100000)}) {
             const InRow row(text.first(8));
             ShownView shown;
             shown.view.setText(text);

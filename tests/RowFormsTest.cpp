@@ -95,6 +95,41 @@ private Q_SLOTS:
         }
     }
 
+    void placesCells()
+    {
+        QWidget window;
+        window.resize(600, 400);
+        MarkdownContentView view(&window);
+        view.resize(600, 0);
+        window.show();
+        const QString wide = u"longwordiskept "_s;
+        view.setText(u"|a|b|\n|:-|-:|\n|c d|%1|\n|f|g|\n\n|%2\n|%3"_s.arg(
+            u"e "_s.repeated(400), (wide + u'|').repeated(9), u"-|"_s.repeated(9)));
+        const auto rectOf = [&](int row) {
+            const QTextBlock block = view.document().findBlockByNumber(row);
+            return view.document().documentLayout()->blockBoundingRect(block);
+        };
+        QCOMPARE(rectOf(2).top(), rectOf(3).top());
+        QVERIFY(rectOf(3).left() > rectOf(2).right());
+        QVERIFY(rectOf(3).right() <= 600 && rectOf(3).height() > 5 * rectOf(2).height());
+        QCOMPARE(rectOf(5).left(), rectOf(3).left());
+        QVERIFY(rectOf(4).top() > rectOf(3).bottom());
+        const QTextBlock right = view.document().findBlockByNumber(5);
+        QVERIFY(right.layout()->lineAt(0).naturalTextRect().left() > 570);
+
+        // A table that is wider than the column is moved by a wheel that goes sideways.
+        const double width = rectOf(14).right();
+        QVERIFY(width > 1000);
+        auto* surface = view.findChild<QTextBrowser*>()->viewport();
+        const QPointF place = rectOf(8).center();
+        QWheelEvent sideways(place, place, {}, {-3000, 0}, {}, {}, Qt::NoScrollPhase, false);
+        QApplication::sendEvent(surface, &sideways);
+        QCOMPARE(rectOf(14).right(), 600);
+        QVERIFY(rectOf(6).left() < 0 && rectOf(0).left() == 0);
+        QCOMPARE(view.document().documentLayout()->hitTest({599, place.y()}, Qt::FuzzyHit),
+                 view.document().findBlockByNumber(14).position() + 14);
+    }
+
     void copiesWhatItShows()
     {
         MarkdownContentView view;

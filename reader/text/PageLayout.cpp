@@ -10,6 +10,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
+#include <numeric>
 #include <set>
 
 namespace varno {
@@ -18,28 +20,48 @@ namespace {
 /// How many lines of a table decide how wide its columns are.
 constexpr int measuredLines = 16;
 constexpr double columnGap = 16;
-/// What a column gets of what it wants, however many there are.
-constexpr double leastWidth = 60;
+/// What a column gets at least is as wide as its longest word, up to this.
+constexpr double widestWord = 140;
 /// Between rows of several forms in one block, in sizes of the text.
 constexpr double formGap = 1;
 constexpr int tabLetters = 4;
 
-/// Each as wide as it wants, or as wide as the others that do not get what they want.
-QList<double> sharedWidths(QList<double> widths, double available)
+/// What each gets at most of a room that all shall share, so that it is used up.
+double fairShare(QList<double> wanted, double available)
 {
-    QList<double> ascending = widths;
-    std::ranges::sort(ascending);
-    double left = std::max(available, 0.0);
-    auto sharers = static_cast<double>(ascending.size());
-    for (const double wanted : std::as_const(ascending)) {
-        const double share = left / sharers;
-        if (wanted > share) {
-            for (double& shared : widths)
-                shared = std::min(shared, std::max(share, leastWidth));
-            break;
-        }
-        left -= wanted;
-        --sharers;
+    std::ranges::sort(wanted);
+    for (qsizetype index = 0; index < wanted.size(); ++index) {
+        const double share = available / static_cast<double>(wanted.size() - index);
+        if (wanted[index] > share)
+            return share;
+        available -= wanted[index];
+    }
+    return std::numeric_limits<double>::max();
+}
+
+/// Each as wide as it wants, or as wide as the others that do not get what they want; but at least
+/// as wide as it must be.
+QList<double> sharedWidths(const QList<CellWidth>& columns, double available)
+{
+    QList<double> widths(columns.size());
+    std::vector<qsizetype> open(static_cast<std::size_t>(columns.size()));
+    std::iota(open.begin(), open.end(), 0);
+    for (bool isSettled = false; !isSettled;) {
+        QList<double> wanted;
+        for (const qsizetype column : open)
+            wanted.append(columns[column].wanted);
+        const double share = fairShare(wanted, available);
+        isSettled = true;
+        std::erase_if(open, [&](qsizetype column) {
+            widths[column] = std::min(columns[column].wanted, share);
+            const bool isTooNarrow = widths[column] < columns[column].least;
+            if (isTooNarrow) {
+                widths[column] = columns[column].least;
+                available -= widths[column];
+                isSettled = false;
+            }
+            return isTooNarrow;
+        });
     }
     return widths;
 }
@@ -60,14 +82,25 @@ QTextOption optionFor(const QTextBlock& row, const QTextDocument& document)
     return option;
 }
 
-double wantedWidthOf(const QTextBlock& cell)
+CellWidth widthOf(const QTextBlock& cell)
 {
+    CellWidth width;
     QTextLayout layout(cell);
-    layout.beginLayout();
-    QTextLine line = layout.createLine();
-    line.setNumColumns(std::numeric_limits<int>::max() / 1024);
-    layout.endLayout();
-    return std::ceil(line.naturalTextWidth()) + 1;
+    QTextOption option;
+    option.setWrapMode(QTextOption::WordWrap);
+    layout.setTextOption(option);
+    for (const double lineWidth : {0.0, 1e6}) {
+        layout.beginLayout();
+        double widest = 0;
+        for (QTextLine line = layout.createLine(); line.isValid(); line = layout.createLine()) {
+            line.setLineWidth(lineWidth);
+            widest = std::max(widest, std::ceil(line.naturalTextWidth()) + 1);
+        }
+        layout.endLayout();
+        width.least = lineWidth > 0 ? width.least : std::min(widest, widestWord);
+        width.wanted = widest;
+    }
+    return width;
 }
 
 bool isCell(const QTextBlock& row)
@@ -204,20 +237,21 @@ void PageLayout::join(const QTextBlock& row)
         own.line = before.line + (beginsLine ? 1 : 0);
     }
     if (own.line < measuredLines)
-        own.wantedWidth = wantedWidthOf(row);
+        own.width = widthOf(row);
 }
 
 /// Whether the columns of a table are others now.
 bool PageLayout::updateColumns(int table)
 {
-    QList<double> wanted;
+    QList<CellWidth> wanted;
     for (QTextBlock row = document()->findBlockByNumber(table); row.isValid(); row = row.next()) {
         const Place& place = m_places[static_cast<std::size_t>(row.blockNumber())];
         if (place.table != table || place.line >= measuredLines)
             break;
         const int column = columnOf(row);
         wanted.resize(std::max<qsizetype>(wanted.size(), column + 1));
-        wanted[column] = std::max(wanted[column], place.wantedWidth);
+        wanted[column].wanted = std::max(wanted[column].wanted, place.width.wanted);
+        wanted[column].least = std::max(wanted[column].least, place.width.least);
     }
     const double gaps = columnGap * static_cast<double>(wanted.size() - 1);
     Columns columns;

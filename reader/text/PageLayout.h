@@ -8,6 +8,12 @@
 
 namespace varno {
 
+/// What a cell of a table wants to be as wide as, and what it must.
+struct CellWidth {
+    double wanted = 0;
+    double least = 0;
+};
+
 /// Lays out a document of `DocumentWriter`: its rows one below the other, the cells of a table's
 /// line side by side.
 ///
@@ -56,7 +62,7 @@ private:
         double lineBottom = 0; ///< of the line so far
         int table = -1;        ///< the first cell of its table
         int line = 0;          ///< of the table
-        double wantedWidth = 0;
+        CellWidth width;
     };
     struct Columns {
         QList<double> lefts;

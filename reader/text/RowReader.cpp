@@ -199,8 +199,11 @@ bool RowReader::openParagraphRow()
                 return openRow(codeLine(line, fence), RowForm::code);
             continue;
         }
-        if (const QuotedLine quoted = quotedLine(line); quoted.depth > 0)
+        if (QuotedLine quoted = quotedLine(line); quoted.depth > 0) {
+            if (quoted.text.endsWith(u'\\') && !m_lines.isEmpty()) // the break that comes anyway
+                quoted.text.chop(1);
             return openRow(quoted.text, RowForm::quote, quoted.depth);
+        }
         if (isRule(line))
             return openRow(line.first(0), RowForm::rule);
         const bool isOfTable = m_table && continuesTable(line, *m_table);
