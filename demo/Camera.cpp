@@ -56,10 +56,9 @@ bool Camera::take(const QString& name)
 {
     if (!settle())
         return giveUp(u"The window does not come to rest for “%1”."_s.arg(name));
-    const QRect place(m_window.mapToGlobal(QPoint()), m_window.size());
-    const QPixmap picture =
-        m_window.screen()->grabWindow(0, place.x(), place.y(), place.width(), place.height());
-    if (picture.size() != place.size())
+    // The server knows where the window is; the window itself may have been moved in the meantime.
+    const QPixmap picture = m_window.screen()->grabWindow(m_window.winId());
+    if (picture.size() != m_window.size())
         return giveUp(u"The screen does not give its picture of the window."_s);
     const QString path = m_folder.filePath(name + u".png"_s);
     if (!picture.save(path))

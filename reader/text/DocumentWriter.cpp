@@ -7,6 +7,8 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 /// What is laid out together, between two looks at the clock, may cost.
 constexpr qsizetype layoutStep = 2048;
 /// Of the block itself, as the number of letters that take as long.
@@ -42,6 +44,15 @@ qsizetype commonLength(const QList<InlineRun>& one, const QList<InlineRun>& othe
             break;
     }
     return length;
+}
+
+QList<InlineRun> runsOf(const Row& row)
+{
+    if (row.isVerbatim())
+        return verbatimText(row.text);
+    if (row.start.form == RowForm::cell) // a pipe is escaped for the table, in code too
+        return styledText(row.text.toString().replace(u"\\|"_s, u"|"_s));
+    return styledText(row.text);
 }
 
 } // namespace
@@ -190,7 +201,7 @@ void DocumentWriter::writeRow(qsizetype index, const Row& row)
     if (isSame && m_last)
         shown.runs = m_last->runs;
     else
-        shown.runs = row.isVerbatim() ? verbatimText(row.text) : styledText(row.text);
+        shown.runs = runsOf(row);
     const bool hasSides = isList(row.start.kind) || row.start.form == RowForm::quote;
     shown.format = m_format.block(row, hasSides && plainText(shown.runs).isRightToLeft());
 
