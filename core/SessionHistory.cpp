@@ -1,7 +1,6 @@
 #include "core/SessionHistory.h"
 
 #include <algorithm>
-#include <ranges>
 #include <utility>
 
 namespace varno {
@@ -40,8 +39,8 @@ void SessionHistory::put(const Session& session)
 
 void SessionHistory::put(const SessionHistory& newer)
 {
-    for (const Session& session : std::ranges::reverse_view(newer.m_sessions))
-        put(session);
+    std::for_each(newer.m_sessions.rbegin(), newer.m_sessions.rend(),
+                  [this](const Session& session) { put(session); });
 }
 
 ReferenceSeconds SessionHistory::oldestKept(const QDateTime& now)
