@@ -124,23 +124,22 @@ qsizetype DocumentWriter::firstOpenRow() const
         return first;
     if (first == last)
         return last;
-    const qsizetype unsettled = firstUnsettledRow(last, first);
-    if (unsettled < last)
-        return unsettled;
     // A line of a list may have ceased to be an item, or one of code to be code; then the row
     // before it is the last one.
     const std::optional<Row> row = RowReader(m_text, start).next();
-    return row && row->start.offset == start.offset ? last : last - 1;
+    const bool isThere = row && row->start.offset == start.offset;
+    return firstUnsettledRow(first, isThere ? last : last - 1);
 }
 
-/// The first row that what follows may still turn into another: the header of a table whose second
-/// line is not complete, or a rule, may become text again and go on the row before.
-qsizetype DocumentWriter::firstUnsettledRow(qsizetype last, qsizetype first) const
+/// The first row that what follows may still turn into another: the header of a table, which is one
+/// by the line below it, or a rule may become text that goes on from the row before.
+qsizetype DocumentWriter::firstUnsettledRow(qsizetype first, qsizetype last) const
 {
-    qsizetype row = last;
-    while (row > first && m_rows[row].start.isTentative)
-        --row;
-    return row == last && row > first && m_rows[row].start.form == RowForm::rule ? row - 1 : row;
+    if (last > first && m_rows[last].start.form == RowForm::rule)
+        return last - 1;
+    while (last > first && m_rows[last].start.isHeader)
+        --last;
+    return last;
 }
 
 void DocumentWriter::write(const QDeadlineTimer& deadline, qsizetype atLeast)

@@ -55,7 +55,7 @@ private:
     };
 
     [[nodiscard]] qsizetype firstOpenRow() const;
-    [[nodiscard]] qsizetype firstUnsettledRow(qsizetype last, qsizetype first) const;
+    [[nodiscard]] qsizetype firstUnsettledRow(qsizetype first, qsizetype last) const;
     void keepRows(qsizetype count);
     void takeNote(qsizetype unchanged);
     void writeRow(qsizetype index, const Row& row);

@@ -108,6 +108,13 @@ bool isCell(const QTextBlock& row)
     return formOf(row.blockFormat()) == RowForm::cell;
 }
 
+/// Whether a row is the rest of the one before it.
+bool goesOn(const QTextBlock& row)
+{
+    const RowEnd end = endOf(row.previous().blockFormat());
+    return row.previous().isValid() && (end == RowEnd::blank || end == RowEnd::word);
+}
+
 int columnOf(const QTextBlock& cell)
 {
     return cell.blockFormat().intProperty(rowNumber);
@@ -172,13 +179,6 @@ QRectF PageLayout::room(const QTextBlock& row) const
     const QTextBlockFormat format = row.blockFormat();
     const double free = width() - format.leftMargin() - format.rightMargin();
     return {format.leftMargin(), 0, std::max(free, 1.0), 0};
-}
-
-/// Whether a row is the rest of the one before it.
-bool PageLayout::goesOn(const QTextBlock& row) const
-{
-    const RowEnd end = endOf(row.previous().blockFormat());
-    return row.previous().isValid() && (end == RowEnd::blank || end == RowEnd::word);
 }
 
 void PageLayout::documentChanged(int from, int, int added)

@@ -74,7 +74,6 @@ private:
 
     [[nodiscard]] double width() const;
     [[nodiscard]] QRectF room(const QTextBlock& row) const;
-    [[nodiscard]] bool goesOn(const QTextBlock& row) const;
     void join(const QTextBlock& row);
     bool updateColumns(int table);
     void place(const QTextBlock& row, bool isChanged);

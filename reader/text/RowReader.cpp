@@ -156,11 +156,9 @@ bool RowReader::openRow()
     if (!m_cells.isEmpty()) {
         const int column = m_start.number + 1;
         const bool isHeader = m_start.isHeader;
-        const bool isTentative = m_start.isTentative;
         placeRow(Within::cells, m_cells);
         m_start.number = column;
         m_start.isHeader = isHeader;
-        m_start.isTentative = isTentative;
         return openCell();
     }
     return isList(m_start.kind) ? openItem() : openParagraphRow();
@@ -208,10 +206,9 @@ bool RowReader::openParagraphRow()
             return openRow(line.first(0), RowForm::rule);
         const bool isOfTable = m_table && continuesTable(line, *m_table);
         if (const auto table = isOfTable ? nullptr : tableAt(lines)) {
-            const QStringView delimiter = takeLine(m_lines);
+            takeLine(m_lines); // the delimiter
             m_table = table;
             m_start.isHeader = true;
-            m_start.isTentative = !isComplete(m_text, offsetOf(delimiter) + delimiter.size());
         } else if (!isOfTable) {
             m_lines = lines;
             if (openText())

@@ -35,7 +35,6 @@ struct RowStart {
     bool isSentence = false; ///< of a numbered list: no item, but a line that begins with a number
     RowForm form = RowForm::text;
     bool isHeader = false;              ///< of a cell: of the table's header
-    bool isTentative = false;           ///< of a header: the line below it is not complete yet
     int number = 0;                     ///< of a cell: its column; of a quote: its depth
     Fence fence;                        ///< open in front of the row
     std::shared_ptr<const Table> table; ///< that the row is in, or stands below
