@@ -27,13 +27,12 @@ bool allAre(KeyPresence presence)
 
 Result<std::unique_ptr<DemonstrationSetting>> DemonstrationSetting::open()
 {
-    QString error;
-    auto service = StandInService::start({}, &error);
-    if (!service)
-        return Failure{error};
+    auto started = StandInService::start();
+    if (auto* failure = std::get_if<Failure>(&started))
+        return std::move(*failure);
     std::unique_ptr<DemonstrationSetting> setting;
     if (allAre(KeyPresence::absent)) { // no user's keys are there, and none is touched
-        setting.reset(new DemonstrationSetting(std::move(service)));
+        setting.reset(new DemonstrationSetting(std::get<0>(std::move(started))));
         storeKeys();
     }
     if (!setting || !allAre(KeyPresence::present))

@@ -57,16 +57,16 @@ int main(int argc, char* argv[])
     if (!portNumber || !milliseconds)
         return fail(u"A port is a number up to 65535, and the pace one up to 60000."_s);
 
-    QString error;
-    const auto service = StandInService::start(
-        {.address = parser.value(address), .port = *portNumber, .tls = parser.isSet(tls)}, &error);
-    if (!service)
-        return fail(error);
-    service->setScript({.pace = std::chrono::milliseconds(*milliseconds)});
+    const auto started = StandInService::start(
+        {.address = parser.value(address), .port = *portNumber, .tls = parser.isSet(tls)});
+    if (const auto* failure = std::get_if<varno::Failure>(&started))
+        return fail(failure->description);
+    StandInService& service = *std::get<std::unique_ptr<StandInService>>(started);
+    service.setScript({.pace = std::chrono::milliseconds(*milliseconds)});
 
     const auto termination = varno::TerminationSignals::install();
     QObject::connect(termination.get(), &varno::TerminationSignals::received, &application,
                      &QCoreApplication::quit);
-    printEndpoints(*service);
+    printEndpoints(service);
     return QCoreApplication::exec();
 }

@@ -226,14 +226,11 @@ void StandInService::Implementation::send(const ScriptedReply& reply, const Scri
         });
 }
 
-std::unique_ptr<StandInService> StandInService::start(const Settings& settings, QString* error)
+Result<std::unique_ptr<StandInService>> StandInService::start(const Settings& settings)
 {
     auto implementation = std::make_unique<Implementation>();
-    const QString problem = implementation->listen(settings);
-    if (error)
-        *error = problem;
-    if (!problem.isEmpty())
-        return nullptr;
+    if (const QString problem = implementation->listen(settings); !problem.isEmpty())
+        return Failure{problem};
     return std::unique_ptr<StandInService>(new StandInService(std::move(implementation)));
 }
 

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/Result.h"
+
 #include <QByteArray>
 #include <QList>
 #include <QString>
@@ -63,11 +65,9 @@ public:
         bool tls = false;
     };
 
-    /// Null when `settings.address` is not a loopback address, or cannot be listened on; then
-    /// `error`, if given, says why.
-    static std::unique_ptr<StandInService> start(const Settings& settings,
-                                                 QString* error = nullptr);
-    static std::unique_ptr<StandInService> start() { return start(Settings()); }
+    /// Fails when `settings.address` is not a loopback address, or cannot be listened on.
+    static Result<std::unique_ptr<StandInService>> start(const Settings& settings);
+    static Result<std::unique_ptr<StandInService>> start() { return start(Settings()); }
 
     /// Ends at once, also in the middle of a reply. Only a client that has stopped reading, or has
     /// not sent the whole of its request, can delay it, by some seconds.

@@ -14,7 +14,7 @@
 namespace {
 
 struct StandIn {
-    std::unique_ptr<StandInService> service = StandInService::start();
+    std::unique_ptr<StandInService> service = std::get<0>(StandInService::start());
     CurlHttpSession http;
 };
 
