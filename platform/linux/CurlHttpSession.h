@@ -1,10 +1,8 @@
 #pragma once
 
-#include "platform/HttpSession.h"
+#include "platform/linux/CurlTransfer.h"
 
 #include <QString>
-
-#include <curl/curl.h>
 
 #include <array>
 #include <mutex>
@@ -24,8 +22,7 @@ public:
                                                  std::stop_token stop) override;
 
 private:
-    QByteArray m_authorities;
-    CURLSH* m_share;
+    CurlTransfer::Setting m_setting;
     std::array<std::mutex, CURL_LOCK_DATA_LAST> m_locks;
 };
 
