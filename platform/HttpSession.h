@@ -18,11 +18,12 @@ struct HttpRequest {
     QByteArray url;
     std::vector<std::pair<QByteArray, QByteArray>> headers; ///< sent in this order
     QByteArray body;
-    std::chrono::seconds timeout{60}; ///< longest silence on the wire
+    std::chrono::seconds timeout{60};      ///< longest silence on the wire
+    bool takesConnectionMadeAhead = false; ///< to its host, if there is one
 };
 
-/// Takes a response as it arrives, on the thread of `HttpSession::perform`. Returning false ends
-/// the transfer there, without a failure.
+/// Takes a response as it arrives, while `HttpSession::perform` blocks and on one thread at a time.
+/// Returning false ends the transfer there, without a failure.
 class HttpReceiver {
 public:
     virtual ~HttpReceiver() = default;
@@ -42,6 +43,16 @@ public:
     /// if the transfer did not end well. Blocks; any thread, many at once. `stop` ends it at once.
     [[nodiscard]] virtual std::optional<Failure>
     perform(const HttpRequest& request, HttpReceiver& receiver, std::stop_token stop) = 0;
+
+    /// Connects to the host of `url` and sends nothing, so that the next request there which takes
+    /// the connection need not wait for one. Blocks until that is under way, `stop` asks for the
+    /// end, `lifetime` is over or there is no connection to be had, which nobody is told. Of
+    /// several connections the one begun last can be taken. Any thread; a hint, which may do
+    /// nothing.
+    virtual void connectAhead(const QByteArray& /*url*/, std::chrono::milliseconds /*lifetime*/,
+                              const std::stop_token& /*stop*/)
+    {
+    }
 };
 
 } // namespace varno

@@ -83,6 +83,20 @@ public:
         return m_requests;
     }
 
+    [[nodiscard]] qsizetype connectionCount() const
+    {
+        const std::scoped_lock lock(m_mutex);
+        return static_cast<qsizetype>(m_connections.size());
+    }
+
+    /// As a server does that has had enough.
+    void closeConnections() const
+    {
+        const std::scoped_lock lock(m_mutex);
+        for (const Connection& connection : m_connections)
+            ::shutdown(connection.socket, SHUT_RDWR);
+    }
+
 private:
     struct Connection {
         int socket;
@@ -95,6 +109,7 @@ private:
             const int socket = ::accept4(m_listener, nullptr, nullptr, SOCK_CLOEXEC);
             if (socket < 0)
                 return;
+            const std::scoped_lock lock(m_mutex);
             const Answer& answer = m_answers[std::min(m_connections.size(), m_answers.size() - 1)];
             m_connections.push_back({socket, std::thread([this, socket, &answer] {
                                          converse(socket, answer);
@@ -153,7 +168,7 @@ private:
     std::vector<Answer> m_answers;
     int m_listener;
     QByteArray m_port;
-    mutable std::mutex m_mutex; ///< guards the requests
+    mutable std::mutex m_mutex; ///< guards the requests and the connections
     QList<Request> m_requests;
     std::list<Connection> m_connections;
     std::thread m_acceptor;

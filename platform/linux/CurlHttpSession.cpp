@@ -14,6 +14,33 @@ CURLSH* makeShare()
     return curl_share_init();
 }
 
+/// A URL as a connection and a request need it.
+struct Address {
+    QByteArray origin; ///< the URL as far as its host and port
+    QByteArray target; ///< what stands in the request line
+};
+
+/// Empty for what is no URL.
+Address addressOf(const QByteArray& url)
+{
+    const std::unique_ptr<CURLU, EndBy<curl_url_cleanup>> parsed(curl_url());
+    if (curl_url_set(parsed.get(), CURLUPART_URL, url.constData(), 0) != CURLUE_OK)
+        return {};
+    const auto take = [&parsed](CURLUPart part) {
+        char* text = nullptr;
+        curl_url_get(parsed.get(), part, &text, 0);
+        QByteArray copy(text);
+        curl_free(text);
+        return copy;
+    };
+    QByteArray target = take(CURLUPART_PATH);
+    if (const QByteArray query = take(CURLUPART_QUERY); !query.isNull())
+        target += '?' + query;
+    for (const CURLUPart part : {CURLUPART_PATH, CURLUPART_QUERY, CURLUPART_FRAGMENT})
+        curl_url_set(parsed.get(), part, nullptr, 0);
+    return {.origin = take(CURLUPART_URL), .target = target};
+}
+
 } // namespace
 
 CurlHttpSession::CurlHttpSession(const QString& authorities)
@@ -47,9 +74,40 @@ std::optional<Failure> CurlHttpSession::perform(const HttpRequest& request, Http
     if (const auto* failure = std::get_if<Failure>(&headers))
         return *failure;
 
+    const HeaderList& lines = std::get<HeaderList>(headers);
+    if (request.takesConnectionMadeAhead) {
+        const Address address = addressOf(request.url);
+        const auto held = heldTransfer(address.origin);
+        if (held && held->release(request, address.target, lines, receiver, stop))
+            return held->run(request.timeout, stop);
+    }
+    // Not a byte has been sent so far.
     CurlTransfer transfer(m_setting, request.url);
     transfer.setRequest(request, std::get<HeaderList>(std::move(headers)), receiver);
     return transfer.run(request.timeout, stop);
+}
+
+void CurlHttpSession::connectAhead(const QByteArray& url, std::chrono::milliseconds lifetime,
+                                   const std::stop_token& stop)
+{
+    const QByteArray origin = addressOf(url).origin;
+    if (origin.isEmpty())
+        return;
+    const auto held = std::make_shared<HeldTransfer>(m_setting, origin);
+    {
+        const std::scoped_lock lock(m_aheadMutex);
+        m_ahead = {.origin = origin, .transfer = held};
+    }
+    held->hold(lifetime, stop);
+    const std::scoped_lock lock(m_aheadMutex);
+    if (m_ahead.transfer == held)
+        m_ahead = {};
+}
+
+std::shared_ptr<HeldTransfer> CurlHttpSession::heldTransfer(const QByteArray& origin)
+{
+    const std::scoped_lock lock(m_aheadMutex);
+    return m_ahead.origin == origin ? m_ahead.transfer : nullptr;
 }
 
 } // namespace varno

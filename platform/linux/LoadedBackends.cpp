@@ -49,6 +49,13 @@ std::optional<Failure> LoadedHttpSession::perform(const HttpRequest& request,
     return session->perform(request, receiver, std::move(stop));
 }
 
+void LoadedHttpSession::connectAhead(const QByteArray& url, std::chrono::milliseconds lifetime,
+                                     const std::stop_token& stop)
+{
+    if (HttpSession* const session = m_backend.get())
+        session->connectAhead(url, lifetime, stop);
+}
+
 void LoadedKeyStore::replace(const KeyName& name, const QByteArray& secret, std::stop_token stop)
 {
     if (KeyStore* const store = m_backend.get())

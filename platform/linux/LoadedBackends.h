@@ -45,6 +45,8 @@ class LoadedHttpSession final : public HttpSession {
 public:
     [[nodiscard]] std::optional<Failure> perform(const HttpRequest& request, HttpReceiver& receiver,
                                                  std::stop_token stop) override;
+    void connectAhead(const QByteArray& url, std::chrono::milliseconds lifetime,
+                      const std::stop_token& stop) override;
 
 private:
     Loaded<HttpSession> m_backend{"varno-http.so", "varnoMakeHttpSession"};
