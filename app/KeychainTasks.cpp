@@ -1,5 +1,7 @@
 #include "app/KeychainTasks.h"
 
+#include "platform/EitherStop.h"
+
 #include <QPointer>
 
 #include <utility>
@@ -40,11 +42,8 @@ void KeychainTasks::load(const QString& account, std::stop_token stop, QObject* 
 {
     const auto tell = teller<std::optional<QString>>(context, std::move(onKey));
     const auto ask = [this, account, stop = std::move(stop), tell](const std::stop_token& end) {
-        std::stop_source either;
-        const auto pass = [&either] { either.request_stop(); };
-        const std::stop_callback stopped(stop, pass);
-        const std::stop_callback ended(end, pass);
-        tell(m_keychain.load(account, either.get_token()));
+        const EitherStop either(stop, end);
+        tell(m_keychain.load(account, either.token()));
     };
     if (!m_questions.start(ask))
         tell(std::nullopt);
