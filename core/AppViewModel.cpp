@@ -32,6 +32,11 @@ AppViewModel::AppViewModel(Dependencies dependencies)
     });
 }
 
+AppViewModel::~AppViewModel()
+{
+    dropPreparation();
+}
+
 const Page* AppViewModel::currentPage() const
 {
     return m_session ? m_session->currentPage() : nullptr;
@@ -58,6 +63,7 @@ void AppViewModel::setWebSearchEnabled(bool enabled)
 
 void AppViewModel::setAIModel(AIModel model)
 {
+    dropPreparation();
     m_dependencies.preferences.setString(preferenceKey::aiModel, rawValue(model));
     set(m_preferences.aiModel, model, Change::aiModel);
     publish();
@@ -81,6 +87,21 @@ void AppViewModel::setImagesEnabled(bool enabled)
 {
     set(m_preferences.imagesEnabled, enabled, Change::imagesEnabled);
     publish();
+}
+
+void AppViewModel::prepareSearch()
+{
+    if (!m_preparationEnd.hasExpired())
+        return;
+    m_preparation = {};
+    m_preparationEnd = QDeadlineTimer(ModelService::preparedFor);
+    service().prepare(m_preparation.get_token());
+}
+
+void AppViewModel::dropPreparation()
+{
+    m_preparation.request_stop();
+    m_preparationEnd = {};
 }
 
 void AppViewModel::search(const QString& query)
@@ -117,6 +138,7 @@ void AppViewModel::openSearched()
 
 void AppViewModel::reopen(const Session& saved)
 {
+    dropPreparation();
     const Page& root = *saved.rootPage();
     set(m_streamingTOC, root.tableOfContents, Change::streamingTOC);
     set(m_streamingTitle, root.title, Change::streamingTitle);

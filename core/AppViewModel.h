@@ -7,11 +7,13 @@
 #include "core/Session.h"
 
 #include <QDateTime>
+#include <QDeadlineTimer>
 #include <QObject>
 
 #include <functional>
 #include <memory>
 #include <optional>
+#include <stop_token>
 
 namespace varno {
 
@@ -59,6 +61,8 @@ public:
     /// Reads the preferences. The saved sessions are read at the first search, or by
     /// `refreshHistory`.
     explicit AppViewModel(Dependencies dependencies);
+    ~AppViewModel() override;
+    Q_DISABLE_COPY_MOVE(AppViewModel)
 
     // State. References are good until the next operation; a copy of the session or of its text
     // that is kept while an entry streams makes every piece copy the page.
@@ -91,6 +95,12 @@ public:
     void setFontSize(FontSize size);
     void setTheme(AppTheme theme);
     void setImagesEnabled(bool enabled);
+
+    /// Says that the user is typing a query and that there is a key for the chosen model: the
+    /// service prepares for it, for a while. More calls than one do no harm.
+    void prepareSearch();
+    /// Says that no query is to be expected.
+    void dropPreparation();
 
     /// Starts a new entry, or reopens the saved session for the same query, as soon as the history
     /// has been read. Ignores a blank one.
@@ -176,6 +186,8 @@ private:
     std::optional<Session> m_session;
     Preferences m_preferences;
     QString m_searchInWaiting; ///< for the history to be read
+    std::stop_source m_preparation;
+    QDeadlineTimer m_preparationEnd; ///< over while there is none
 
     Page m_pageBeforeWriting;  ///< the page that is written, as it was
     QUuid m_sessionAtClearing; ///< open then, and not saved since

@@ -5,7 +5,9 @@
 
 #include <QString>
 
+#include <chrono>
 #include <memory>
+#include <stop_token>
 
 namespace varno {
 
@@ -32,6 +34,14 @@ public:
     /// list. Starts at once and returns at once.
     [[nodiscard]] virtual std::unique_ptr<TOCRequest>
     generateTOC(const QString& topic, const QString& model, bool webSearch) const = 0;
+
+    /// How long what was prepared stays so.
+    static constexpr std::chrono::seconds preparedFor{5};
+
+    /// A hint that an entry may be wanted soon, where there is known to be a key: begins what the
+    /// next stream would have to wait for, as far as that needs neither the request nor the key,
+    /// and returns at once. `stop` drops it; so does time.
+    virtual void prepare(const std::stop_token& /*stop*/) const {}
 };
 
 } // namespace varno

@@ -36,6 +36,7 @@ ServiceDialect dialect(const QByteArray& endpoint, const KeychainService& keycha
                        std::chrono::seconds timeout)
 {
     return {
+        .endpoint = endpoint,
         .keyAccount = keychain.anthropicAccount,
         .noAPIKey = failure(NoAPIKey()),
         .makeRequest = [endpoint, timeout](const ModelRequest& request, ReplyForm form,

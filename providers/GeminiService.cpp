@@ -96,6 +96,7 @@ ServiceDialect dialect(const QByteArray& baseURL, const KeychainService& keychai
                        std::chrono::seconds timeout)
 {
     return {
+        .endpoint = baseURL,
         .keyAccount = keychain.geminiAccount,
         .noAPIKey = failure(NoAPIKey()),
         .makeRequest =

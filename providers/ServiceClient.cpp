@@ -3,6 +3,7 @@
 #include "core/EntryText.h"
 #include "core/JsonReader.h"
 #include "core/Prompts.h"
+#include "platform/EitherStop.h"
 #include "platform/Resources.h"
 #include "providers/EntryTagFilter.h"
 #include "providers/LineSplitter.h"
@@ -193,6 +194,14 @@ std::unique_ptr<TOCRequest> ServiceClient::generateTOC(const QString& topic, con
     return toc;
 }
 
+void ServiceClient::prepare(const std::stop_token& stop) const
+{
+    static_cast<void>(m_background.start([this, stop](const std::stop_token& end) {
+        if (hasResources())
+            m_http.connectAhead(m_dialect.endpoint, preparedFor, EitherStop(stop, end).token());
+    }));
+}
+
 Result<QString> ServiceClient::callNonStreaming(const ModelRequest& request,
                                                 KeychainService::Request key,
                                                 const std::stop_token& stop) const
@@ -215,10 +224,12 @@ std::optional<Failure> ServiceClient::transfer(const ModelRequest& request, Repl
     const std::optional<QString> key = KeychainService::load(std::move(keyRequest), stop);
     if (!key || key->isEmpty())
         return m_dialect.noAPIKey;
-    const Result<HttpRequest> http = m_dialect.makeRequest(request, form, *key);
-    if (const auto* failure = std::get_if<Failure>(&http))
+    Result<HttpRequest> made = m_dialect.makeRequest(request, form, *key);
+    if (const auto* failure = std::get_if<Failure>(&made))
         return *failure;
-    if (const auto failure = m_http.perform(std::get<HttpRequest>(http), reader, stop))
+    auto& http = std::get<HttpRequest>(made);
+    http.takesConnectionMadeAhead = form == ReplyForm::streamed; // the text is waited for
+    if (const auto failure = m_http.perform(http, reader, stop))
         return networkFailure(failure->description);
     if (reader.failure)
         return reader.failure;

@@ -14,6 +14,7 @@ enum class ReplyForm { streamed, whole };
 
 /// What sets one service apart from the other. All functions are pure.
 struct ServiceDialect {
+    QByteArray endpoint; ///< the URL, as far as it is the same for all requests
     QString keyAccount;
     Failure noAPIKey;
     std::function<Result<HttpRequest>(const ModelRequest&, ReplyForm, const QString& key)>
@@ -35,6 +36,9 @@ public:
 
     [[nodiscard]] std::unique_ptr<TOCRequest>
     generateTOC(const QString& topic, const QString& model, bool webSearch) const final;
+
+    /// Connects to the service.
+    void prepare(const std::stop_token& stop) const final;
 
     /// Ends the calls under way and waits for that.
     void endCalls() const { m_background.stop(); }

@@ -1,6 +1,7 @@
 #include "demo/SlowRelay.h"
 #include "demo/StandInService.h"
 #include "platform/linux/CurlHttpSession.h"
+#include "tests/BothClients.h"
 #include "tests/ScriptedServer.h"
 #include "tests/Test.h"
 
@@ -46,7 +47,7 @@ QByteArray post(HttpSession& session, HttpRequest request, const std::stop_token
 struct Ahead {
     Ahead(HttpSession& session, const QByteArray& url, std::chrono::milliseconds lifetime = 1h)
         : thread([&session, url, lifetime](const std::stop_token& stop) {
-            session.connectAhead(url, lifetime, std::move(stop));
+            session.connectAhead(url, lifetime, stop);
         })
     {
     }
@@ -137,6 +138,28 @@ private Q_SLOTS:
         QCOMPARE(server.connectionCount(), 1);
     }
 
+    void servicesPrepareForAnEntry()
+    {
+        ClientsByHand byHand;
+        QList<bool> taking;
+        byHand.respond = [&](const HttpRequest& request, HttpReceiver&) {
+            taking << request.takesConnectionMadeAhead;
+            return Failure{};
+        };
+        const ScriptedServer server(ScriptedServer::Answer{});
+        CurlHttpSession session;
+        const BothClients clients(session, server.url(), server.url(), 60s);
+        for (const bool isGemini : {false, true}) {
+            const InRow row(isGemini);
+            clients.client(isGemini).prepare({});
+            QTRY_COMPARE(server.connectionCount(), isGemini ? 2 : 1);
+            static_cast<void>(byHand.ask(isGemini));
+            static_cast<void>(byHand.askTOC(isGemini)); // nobody waits for that one
+            QCOMPARE(taking, QList<bool>({true, false}));
+            taking.clear();
+        }
+    }
+
     void nothingIsSentTwice()
     {
         constexpr int count = 40;
@@ -145,8 +168,8 @@ private Q_SLOTS:
         std::atomic<int> answered = 0;
         {
             const std::jthread ahead([&](const std::stop_token& stop) {
-                for (int i = 0; !stop.stop_requested(); ++i)
-                    session.connectAhead(server.url(), i % 4 * 1ms, stop);
+                for (int i = 0; i < 4 * count; ++i)
+                    session.connectAhead(server.url(), i % 8 * 1ms, stop);
             });
             const std::jthread closer([&](const std::stop_token& stop) {
                 for (; !stop.stop_requested(); std::this_thread::sleep_for(7ms))
@@ -161,8 +184,6 @@ private Q_SLOTS:
                         answered += post(session, requestTo(url)) == "200";
                     }
                 });
-            for (std::jthread& thread : threads)
-                thread.join();
         }
         QList<QByteArray> lines;
         for (const ScriptedServer::Request& request : server.requests())

@@ -34,6 +34,7 @@ public:
 
     mutable std::deque<Entry> entries;
     mutable std::deque<TOC> tocs;
+    mutable std::deque<std::stop_token> preparations;
 
     [[nodiscard]] std::unique_ptr<EntryStream>
     streamEntry(const ModelRequest& request) const override
@@ -50,6 +51,8 @@ public:
         tocs.push_back({topic, model, webSearch, request->sink()});
         return request;
     }
+
+    void prepare(const std::stop_token& stop) const override { preparations.push_back(stop); }
 };
 
 /// A controller on a history file of its own, with model services played by the test.
