@@ -107,6 +107,12 @@ void ContentView::goTo(QWidget& next)
     m_transition->start(picture, next, kind);
 }
 
+void ContentView::hideEvent(QHideEvent* event)
+{
+    QWidget::hideEvent(event);
+    m_viewModel.dropPreparation();
+}
+
 void ContentView::resizeEvent(QResizeEvent*)
 {
     m_transition->finish();

@@ -30,6 +30,7 @@ Q_SIGNALS:
     void hideRequested();
 
 protected:
+    void hideEvent(QHideEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:

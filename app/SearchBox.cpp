@@ -56,6 +56,7 @@ SearchBox::SearchBox(QWidget* parent)
         m_clear.setVisible(!query.isEmpty());
         Q_EMIT queryChanged(query);
     });
+    connect(&m_field, &QLineEdit::textEdited, this, &SearchBox::queryTyped);
     connect(&m_field, &QLineEdit::returnPressed, this, &SearchBox::submitted);
     connect(&m_clear, &PlainButton::clicked, this, [this] {
         m_field.clear();

@@ -30,6 +30,7 @@ public:
 
 Q_SIGNALS:
     void queryChanged(const QString& query);
+    void queryTyped(const QString& query); ///< changed by the user
     void submitted();
 
 protected:

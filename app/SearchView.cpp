@@ -63,6 +63,7 @@ void SearchView::connectParts()
 {
     connect(&m_viewModel, &AppViewModel::changed, this, &SearchView::takeNote);
     connect(&m_box, &SearchBox::queryChanged, this, &SearchView::showRecentSearches);
+    connect(&m_box, &SearchBox::queryTyped, this, &SearchView::prepare);
     connect(&m_box, &SearchBox::submitted, this, &SearchView::submit);
     connect(&m_recentSearches, &RecentSearches::searchPressed, this, &SearchView::searchAgain);
     connect(&m_recentSearches, &RecentSearches::clear, &m_viewModel, &AppViewModel::clearHistory);
@@ -110,18 +111,33 @@ QString SearchView::bottomBarText() const
     return hints.join(u"    "_s);
 }
 
-void SearchView::askForKey()
+void SearchView::askForKeys()
 {
-    m_keys.askPresence(m_keys.keychain().anthropicAccount, this, [this](KeyPresence presence) {
+    const KeychainService& keychain = m_keys.keychain();
+    const bool usesGemini = details(m_viewModel.aiModel()).provider == Provider::google;
+    m_hasKey = false;
+    m_keys.askPresence(keychain.anthropicAccount, this, [=, this](KeyPresence presence) {
         m_warning.setVisible(presence != KeyPresence::present);
+        m_hasKey |= !usesGemini && presence == KeyPresence::present;
     });
+    if (usesGemini)
+        m_keys.askPresence(keychain.geminiAccount, this, [this](KeyPresence presence) {
+            m_hasKey = presence == KeyPresence::present;
+        });
+}
+
+/// With the first letter; and with a later one, when what was prepared then has gone.
+void SearchView::prepare(const QString& query)
+{
+    if (m_hasKey && !query.trimmed().isEmpty())
+        m_viewModel.prepareSearch();
 }
 
 void SearchView::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
     m_bottomBar.setText(bottomBarText());
-    askForKey();
+    askForKeys();
     m_box.setFocus();
 }
 

@@ -34,11 +34,13 @@ private:
     void takeNote(AppViewModel::Changes what);
     void showRecentSearches();
     [[nodiscard]] QString bottomBarText() const;
-    void askForKey();
+    void askForKeys();
+    void prepare(const QString& query);
 
     AppViewModel& m_viewModel;
     KeychainTasks& m_keys;
     std::function<QString()> m_shortcutLabel;
+    bool m_hasKey = false; ///< for the chosen model
 
     VerticalScrollArea m_scrollArea; ///< a low panel has no room for all of it
     ThemedText m_title;

@@ -73,6 +73,15 @@ private Q_SLOTS:
         }
     }
 
+    void nothingIsPreparedWhileItIsHidden()
+    {
+        PanelFixture f;
+        f.model->prepareSearch();
+        QVERIFY(!f.claude.preparations.back().stop_requested());
+        f.panel.close();
+        QVERIFY(f.claude.preparations.back().stop_requested());
+    }
+
     void comesBackOntoTheScreen()
     {
         PanelFixture f;

@@ -121,6 +121,33 @@ private Q_SLOTS:
         QTRY_VERIFY(!shownText(f.view, warning));
     }
 
+    void typingPreparesTheServiceOfTheModel()
+    {
+        SearchFixture f;
+        QTRY_VERIFY(shownText(f.view, warning)); // it knows that there is no key
+        QTest::keyClick(&f.field(), Qt::Key_A);
+        QCOMPARE(f.claude.preparations.size(), 0);
+        for (const auto& [model, service, account] :
+             Rows<AIModel, const ModelServiceByHand*, QString>{
+                 {AIModel::haiku, &f.claude, f.keychain.anthropicAccount},
+                 {AIModel::geminiFlash, &f.gemini, f.keychain.geminiAccount}}) {
+            f.model->setAIModel(model);
+            f.keychain.save(u"a key"_s, account);
+            f.show();
+            QCOMPARE(service->preparations.size(), 0); // before a letter is typed
+            QTRY_VERIFY(
+                (QTest::keyClick(&f.field(), Qt::Key_A), service->preparations.size() == 1));
+            QTest::keyClick(&f.field(), Qt::Key_B); // once is enough
+            QTest::keyClick(&f.field(), Qt::Key_Return);
+            QCOMPARE(service->entries.size(), 1);
+            QVERIFY(!service->preparations.front().stop_requested());
+            f.model->setAIModel(AIModel::opus);
+            QVERIFY(service->preparations.front().stop_requested());
+            QCOMPARE(service->preparations.size(), 1);
+            f.model->newSearch();
+        }
+    }
+
     void followsShortcutAndTextSize()
     {
         SearchFixture f;
