@@ -7,6 +7,7 @@ namespace varno::bench {
 // Each subject registers its benchmarks, and the rows of the table that their figures go to.
 
 void addEventDecoding(Table& table);
+void addFirstWord(Table& table);
 void addHistory(Table& table);
 void addOperations(Table& table);
 void addPage(Table& table);

@@ -21,6 +21,7 @@ int main(int argc, char** argv)
     addReading(table);
     addPage(table);
     addScreen(table);
+    addFirstWord(table);
     table.run({argv, argv + argc});
     table.print(std::cout);
     return 0;
