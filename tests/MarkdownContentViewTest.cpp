@@ -193,7 +193,7 @@ private Q_SLOTS:
         shown.view.appendText(u"ck, **open"_s);
         shown.view.appendText(u"** and closed\n\nThird."_s);
         QCOMPARE(shown.view.selectedText(), u"block.\n\nSecond"_s);
-        shown.view.setText(u"First block.\n\nSecond block, **open** and closed"_s);
+        shown.view.reviseText(u"First block.\n\nSecond block, **open** and closed"_s);
         QCOMPARE(shown.view.selectedText(), u"block.\n\nSecond"_s);
 
         shown.view.setFontSize(19);
@@ -206,6 +206,8 @@ private Q_SLOTS:
         const QString all = shown.view.selectedText();
         shown.view.appendText(u" more.\n\nLast."_s);
         QCOMPARE(shown.view.selectedText(), all);
+        shown.view.setText(all); // another page, however alike
+        QCOMPARE(shown.view.selectedText(), QString());
     }
 
     void looksAsItIsMarked()

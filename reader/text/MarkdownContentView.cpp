@@ -47,6 +47,12 @@ bool MarkdownContentView::showsNothing(QStringView text)
 
 void MarkdownContentView::setText(QStringView text)
 {
+    clearSelection();
+    reviseText(text);
+}
+
+void MarkdownContentView::reviseText(QStringView text)
+{
     m_textLength = text.size();
     m_writer.setText(text);
     write();

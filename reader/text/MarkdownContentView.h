@@ -23,8 +23,10 @@ public:
     /// Whether a page of that text shows nothing but blanks.
     [[nodiscard]] static bool showsNothing(QStringView text);
 
-    /// Shows another text. The common beginning of both stays as it is, selection included.
+    /// Shows the text of another page, of which nothing is selected.
     void setText(QStringView text);
+    /// Shows another text of the same page. What is selected stays so, as far as it is still there.
+    void reviseText(QStringView text);
     /// Appends `piece` to the text.
     void appendText(QStringView piece);
     void setFontSize(int points);
