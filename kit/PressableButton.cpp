@@ -31,13 +31,22 @@ bool PressableButton::event(QEvent* event)
 
 void PressableButton::keyPressEvent(QKeyEvent* event)
 {
-    if (event->key() != Qt::Key_Return && event->key() != Qt::Key_Enter) {
+    switch (event->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+        event->accept();
+        if (!event->isAutoRepeat())
+            click();
+        break;
+    case Qt::Key_Space:
         QAbstractButton::keyPressEvent(event);
-        return;
+        break;
+    default: // the toolkit would take arrows for Tab
+        if (autoExclusive())
+            QAbstractButton::keyPressEvent(event);
+        else
+            event->ignore();
     }
-    event->accept();
-    if (!event->isAutoRepeat())
-        click();
 }
 
 } // namespace varno

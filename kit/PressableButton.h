@@ -4,7 +4,8 @@
 
 namespace varno {
 
-/// The base of all buttons: Return presses it as Space does, and hovering repaints it. A text in it
+/// The base of all buttons: Return presses it as Space does, other keys are left to what it stands
+/// in unless it is one of several that exclude each other, and hovering repaints it. A text in it
 /// that is elided is told by a tool tip unless there is another.
 class PressableButton : public QAbstractButton {
     Q_OBJECT

@@ -1,8 +1,18 @@
 #include "kit/VerticalScrollArea.h"
 
+#include "kit/ScrollKeys.h"
 #include "kit/ThinScrollBar.h"
 
+#include <QApplication>
+#include <QKeyEvent>
+#include <QScrollBar>
+
 namespace varno {
+namespace {
+
+constexpr int aroundFocus = 8; // room for its ring, and a little more
+
+} // namespace
 
 VerticalScrollArea::VerticalScrollArea(QWidget* parent)
     : QScrollArea(parent)
@@ -13,12 +23,42 @@ VerticalScrollArea::VerticalScrollArea(QWidget* parent)
     setFocusPolicy(Qt::NoFocus);
     setWidgetResizable(true);
     viewport()->setAutoFillBackground(false);
+    connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, const QWidget* focus) {
+        if (focus && widget() && widget()->isAncestorOf(focus))
+            showFocus(*focus);
+    });
 }
 
 void VerticalScrollArea::setContent(QWidget& content)
 {
     setWidget(&content);
     content.setAutoFillBackground(false); // the scroll area switched it on
+}
+
+/// Of what is higher than the area, any part will do: it is not for the focus to throw a page that
+/// is being read.
+void VerticalScrollArea::showFocus(const QWidget& focus)
+{
+    const QRect place(focus.mapTo(viewport(), QPoint()), focus.size());
+    const QRect room = viewport()->rect();
+    if (place.height() + 2 * aroundFocus > room.height() && place.intersects(room))
+        return;
+    const QPoint middle = focus.mapTo(widget(), focus.rect().center());
+    ensureVisible(0, middle.y(), 0, place.height() / 2 + aroundFocus);
+}
+
+/// Without what the toolkit does here: it would show the place of the cursor in a text.
+bool VerticalScrollArea::focusNextPrevChild(bool next)
+{
+    return QAbstractScrollArea::focusNextPrevChild(next);
+}
+
+void VerticalScrollArea::keyPressEvent(QKeyEvent* event)
+{
+    const auto action = scrollAction(*event);
+    event->setAccepted(action.has_value());
+    if (action)
+        verticalScrollBar()->triggerAction(*action);
 }
 
 } // namespace varno

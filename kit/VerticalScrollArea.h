@@ -5,7 +5,8 @@
 namespace varno {
 
 /// A scroll area whose content has its width. It has a thin scroll bar, no frame and no background,
-/// and never takes the focus.
+/// and never takes the focus. Keys that nothing in it wants scroll it; what gets the focus in it
+/// comes into view.
 class VerticalScrollArea : public QScrollArea {
     Q_OBJECT
 
@@ -14,6 +15,13 @@ public:
 
     /// Shows `content`, and owns it unless it is a member of another object.
     void setContent(QWidget& content);
+
+protected:
+    bool focusNextPrevChild(bool next) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+private:
+    void showFocus(const QWidget& focus);
 };
 
 } // namespace varno

@@ -1,10 +1,8 @@
 #include "reader/ReadingColumn.h"
 
 #include "kit/Layout.h"
-#include "reader/ScrollKeys.h"
 
 #include <QApplication>
-#include <QKeyEvent>
 #include <QScrollBar>
 
 #include <algorithm>
@@ -168,14 +166,6 @@ void ReadingColumn::settle()
     m_page.layout()->activate();
     QEvent layoutRequest(QEvent::LayoutRequest);
     QCoreApplication::sendEvent(this, &layoutRequest);
-}
-
-void ReadingColumn::keyPressEvent(QKeyEvent* event)
-{
-    const auto action = scrollAction(*event);
-    event->setAccepted(action.has_value());
-    if (action)
-        verticalScrollBar()->triggerAction(*action);
 }
 
 void ReadingColumn::changeEvent(QEvent* event)

@@ -45,8 +45,7 @@ public:
     void beginPage();
     /// Scrolls, animated, until that block of the text is centred vertically.
     void scrollToBlock(int index);
-    /// Scrolls if the key is one that scrolls.
-    void keyPressEvent(QKeyEvent* event) override;
+    using VerticalScrollArea::keyPressEvent; // for keys that come to the screen elsewhere
 
 Q_SIGNALS:
     void tryAgain();

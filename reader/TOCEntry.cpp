@@ -5,7 +5,6 @@
 #include "kit/TextCuts.h"
 
 #include <QFontMetrics>
-#include <QKeyEvent>
 #include <QPainter>
 
 namespace varno {
@@ -62,19 +61,6 @@ void TOCEntry::paintEvent(QPaintEvent* /*event*/)
     if (hasFocus())
         outlineRounded(painter, mark, markRadius + focusRingWidth / 2, focusRingWidth,
                        themeColor(palette(), ColorRole::accent));
-}
-
-void TOCEntry::keyPressEvent(QKeyEvent* event)
-{
-    switch (event->key()) {
-    case Qt::Key_Space:
-    case Qt::Key_Return:
-    case Qt::Key_Enter:
-        PressableButton::keyPressEvent(event);
-        break;
-    default:
-        event->ignore(); // the arrows belong to the list
-    }
 }
 
 } // namespace varno

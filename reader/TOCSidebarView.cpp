@@ -29,6 +29,7 @@ TOCSidebarView::TOCSidebarView(QWidget* parent)
     m_column.addStretch();
     m_scroll.setContent(m_list);
     m_scroll.setAccessibleName(tr("Contents"));
+    m_scroll.installEventFilter(this);
     setAccessibleName(tr("Contents"));
     setLoading(false);
 }
@@ -84,8 +85,14 @@ bool TOCSidebarView::eventFilter(QObject* watched, QEvent* event)
     const auto* key = dynamic_cast<QKeyEvent*>(event);
     if (!key || event->type() != QEvent::KeyPress)
         return false;
+    if (watched == &m_scroll) {
+        event->ignore(); // what the list does not want scrolls the page
+        return true;
+    }
     const qsizetype last = m_entries.size() - 1;
     const qsizetype current = m_entries.indexOf(watched);
+    if ((key->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+        return false;
     switch (key->key()) {
     case Qt::Key_Up:
         focusEntry(std::max<qsizetype>(current - 1, 0));
@@ -108,7 +115,6 @@ void TOCSidebarView::focusEntry(qsizetype index)
 {
     setTabStop(index);
     m_entries.at(index)->setFocus(Qt::TabFocusReason);
-    m_scroll.ensureWidgetVisible(m_entries.at(index), 0, 0);
 }
 
 } // namespace varno

@@ -1,4 +1,4 @@
-#include "reader/ScrollKeys.h"
+#include "kit/ScrollKeys.h"
 
 #include <QKeyEvent>
 
@@ -6,10 +6,11 @@ namespace varno {
 
 std::optional<QAbstractSlider::SliderAction> scrollAction(const QKeyEvent& event)
 {
-    const bool shift = event.modifiers() == Qt::ShiftModifier;
-    if (event.key() == Qt::Key_Space && shift)
+    const Qt::KeyboardModifiers modifiers = event.modifiers() & ~Qt::KeypadModifier;
+    const bool toTheEnds = event.key() == Qt::Key_Home || event.key() == Qt::Key_End;
+    if (event.key() == Qt::Key_Space && modifiers == Qt::ShiftModifier)
         return QAbstractSlider::SliderPageStepSub;
-    if ((event.modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+    if (modifiers != Qt::NoModifier && !(toTheEnds && modifiers == Qt::ControlModifier))
         return {};
     switch (event.key()) {
     case Qt::Key_Up:
