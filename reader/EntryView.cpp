@@ -3,6 +3,7 @@
 #include "kit/Layout.h"
 #include "reader/EntryState.h"
 
+#include <QApplication>
 #include <QKeyEvent>
 #include <QShortcut>
 
@@ -79,6 +80,8 @@ void EntryView::connectPage()
 void EntryView::takeNote(AppViewModel::Changes what)
 {
     m_pendingChanges |= what;
+    if (what.testFlag(Change::streamingContent) && displayContent(m_viewModel).isEmpty())
+        m_isWrittenAnew = true; // there may be text again before it is shown
     if (what.testFlag(Change::isShowingFind) && !m_viewModel.isShowingFind())
         m_find.reset(); // not later: it may be open again by then
     if (!isVisible())
@@ -108,9 +111,15 @@ void EntryView::scheduleFlush()
 void EntryView::flush()
 {
     const AppViewModel::Changes what = std::exchange(m_pendingChanges, {});
+    const Page* page = shownPage(m_viewModel);
+    const bool isOtherPage = m_isWrittenAnew || m_shownPageId != (page ? page->id : QUuid());
+    if (isOtherPage)
+        leavePage();
     if (what & pageChanges)
         showPage();
-    if (what.testFlag(Change::streamingContent))
+    if (isOtherPage)
+        openPage();
+    else if (what.testFlag(Change::streamingContent))
         showText();
     else if (what.testFlag(Change::streamingPiece))
         showPieces();
@@ -124,13 +133,32 @@ void EntryView::flush()
     m_sinceFlush.start();
 }
 
+void EntryView::leavePage()
+{
+    const QUuid session = m_viewModel.session() ? m_viewModel.session()->id : QUuid();
+    if (std::exchange(m_shownSessionId, session) == session)
+        m_places.insert(m_shownPageId, m_column.place());
+    else
+        m_places.clear();
+}
+
+/// Whoever came by key reads on with keys: what had the focus would do its work again.
+void EntryView::openPage()
+{
+    const Page* page = shownPage(m_viewModel);
+    m_shownPageId = page ? page->id : QUuid();
+    const ReadingColumn::Place place = m_places.take(m_shownPageId);
+    const QStringView text = displayContent(m_viewModel);
+    m_column.openPage(text, std::exchange(m_isWrittenAnew, false) ? ReadingColumn::Place() : place);
+    m_find.pageReplaced(text);
+    const QWidget* focus = QApplication::focusWidget();
+    if (isAncestorOf(focus) && !m_findBar.isAncestorOf(focus))
+        m_column.setFocus();
+}
+
 void EntryView::showPage()
 {
     const Page* page = shownPage(m_viewModel);
-    const QUuid id = page ? page->id : QUuid();
-    if (std::exchange(m_shownPageId, id) != id || displayContent(m_viewModel).isEmpty())
-        m_column.beginPage();
-
     QList<Breadcrumb> crumbs;
     const Page* root = page ? m_viewModel.session()->rootPage() : nullptr;
     if (root && root != page)
@@ -152,7 +180,7 @@ void EntryView::showPage()
 void EntryView::showText()
 {
     const QStringView text = displayContent(m_viewModel);
-    m_column.setText(text);
+    m_column.reviseText(text);
     m_find.pageReplaced(text);
 }
 

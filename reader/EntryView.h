@@ -9,6 +9,7 @@
 #include "reader/TOCSidebarView.h"
 
 #include <QElapsedTimer>
+#include <QHash>
 #include <QTimer>
 
 namespace varno {
@@ -40,6 +41,8 @@ private:
     void takeNote(AppViewModel::Changes what);
     void scheduleFlush();
     void flush();
+    void leavePage();
+    void openPage();
     void showPage();
     void showText();
     void showPieces();
@@ -56,6 +59,9 @@ private:
     double m_sidebarWidth = 200;
     std::optional<double> m_sidebarDragStartWidth;
     QUuid m_shownPageId;
+    QUuid m_shownSessionId;
+    QHash<QUuid, ReadingColumn::Place> m_places; ///< where its other pages were left
+    bool m_isWrittenAnew = false;                ///< the page, from nothing
 
     AppViewModel::Changes m_pendingChanges;
     QTimer m_nextFlush;

@@ -56,9 +56,17 @@ ReadingColumn::ReadingColumn(QWidget* parent)
     connect(&m_relatedTopics, &RelatedTopics::topicPressed, this, &ReadingColumn::topicPressed);
 }
 
-void ReadingColumn::setText(QStringView text)
+void ReadingColumn::openPage(QStringView text, const Place& place)
 {
-    keepPosition([&] { m_text.setText(text); });
+    m_scroll.stop();
+    m_text.setText(text);
+    showStatus();
+    restore(place);
+}
+
+void ReadingColumn::reviseText(QStringView text)
+{
+    keepPlace([&] { m_text.reviseText(text); });
     showStatus();
 }
 
@@ -70,7 +78,7 @@ void ReadingColumn::appendText(QStringView piece)
 
 void ReadingColumn::setFontSize(int points)
 {
-    keepPosition([&] { m_text.setFontSize(points); });
+    keepPlace([&] { m_text.setFontSize(points); });
 }
 
 void ReadingColumn::setPageState(const PageState& state)
@@ -98,13 +106,6 @@ void ReadingColumn::showStatus()
     m_status.setVisible(m_text.textLength() == 0);
 }
 
-void ReadingColumn::beginPage()
-{
-    m_text.clearSelection();
-    m_scroll.stop();
-    verticalScrollBar()->setValue(0);
-}
-
 void ReadingColumn::scrollToBlock(int index)
 {
     const QRect block = m_text.blockRect(index);
@@ -119,34 +120,35 @@ void ReadingColumn::scrollToBlock(int index)
                     .duration = scrollDuration});
 }
 
-ReadingColumn::Position ReadingColumn::position()
+/// `y` is a line of the viewport.
+ReadingColumn::Place ReadingColumn::placeAt(int y)
 {
-    const int edge = verticalScrollBar()->value() - m_text.y();
-    const int block = edge > 0 && !m_text.isHidden() ? m_text.blockAt(edge) : -1;
+    const int line = verticalScrollBar()->value() + y - m_text.y();
+    const int block = line > 0 && !m_text.isHidden() ? m_text.blockAt(line) : -1;
     if (block < 0)
-        return {.distance = verticalScrollBar()->value()};
+        return {.distance = verticalScrollBar()->value() + y};
     const QRect rect = m_text.blockRect(block);
-    const double within = std::clamp(double(edge - rect.top()) / rect.height(), 0.0, 1.0);
+    const double within = std::clamp(double(line - rect.top()) / rect.height(), 0.0, 1.0);
     return {.block = block,
             .within = within,
-            .distance = edge - rect.top() - qRound(within * rect.height())};
+            .distance = line - rect.top() - qRound(within * rect.height())};
 }
 
-void ReadingColumn::restore(const Position& position)
+void ReadingColumn::restore(const Place& place, int y)
 {
-    const QRect rect = m_text.blockRect(position.block);
+    const QRect rect = m_text.blockRect(place.block);
     if (!rect.isNull())
-        writeViewportBelow(position.block);
+        writeViewportBelow(place.block);
     settle();
     const int line =
-        rect.isNull() ? 0 : m_text.y() + rect.top() + qRound(position.within * rect.height());
-    verticalScrollBar()->setValue(line + position.distance);
+        rect.isNull() ? 0 : m_text.y() + rect.top() + qRound(place.within * rect.height());
+    verticalScrollBar()->setValue(line + place.distance - y);
 }
 
 template <typename Action>
-void ReadingColumn::keepPosition(Action action)
+void ReadingColumn::keepPlace(Action action)
 {
-    const Position before = position();
+    const Place before = place();
     action();
     restore(before);
 }
@@ -172,12 +174,12 @@ void ReadingColumn::changeEvent(QEvent* event)
 {
     VerticalScrollArea::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
-        keepPosition([&] { m_text.setTextColor(themeColor(palette(), ColorRole::text)); });
+        keepPlace([&] { m_text.setTextColor(themeColor(palette(), ColorRole::text)); });
 }
 
 void ReadingColumn::resizeEvent(QResizeEvent* event)
 {
-    keepPosition([&] { VerticalScrollArea::resizeEvent(event); });
+    keepPlace([&] { VerticalScrollArea::resizeEvent(event); });
 }
 
 } // namespace varno

@@ -25,7 +25,19 @@ public:
     explicit ReadingColumn(QWidget* parent = nullptr);
 
     void setTitle(const QString& title) { m_header.setTitle(title); }
-    void setText(QStringView text);
+    /// A place in a page, wherever its lines break.
+    struct Place {
+        int block = -1;    ///< of the text; -1 is the top of the page
+        double within = 0; ///< how much of the block is above the place, from 0 to 1
+        int distance = 0;  ///< points from there
+    };
+    /// The place at the upper edge.
+    [[nodiscard]] Place place() { return placeAt(0); }
+
+    /// Shows the text of another page from a place in it; nothing is selected.
+    void openPage(QStringView text, const Place& place);
+    /// Shows another text of the same page.
+    void reviseText(QStringView text);
     void appendText(QStringView piece);
     [[nodiscard]] qsizetype textLength() const { return m_text.textLength(); }
     void setFontSize(int points);
@@ -41,8 +53,6 @@ public:
     };
     void setPageState(const PageState& state);
 
-    /// For another page: it is read from its top, and nothing is selected.
-    void beginPage();
     /// Scrolls, animated, until that block of the text is centred vertically.
     void scrollToBlock(int index);
     using VerticalScrollArea::keyPressEvent; // for keys that come to the screen elsewhere
@@ -58,16 +68,10 @@ protected:
     void resizeEvent(QResizeEvent* event) override;
 
 private:
-    /// The position of the upper edge in the page.
-    struct Position {
-        int block = -1;    ///< of the text; -1 is the top of the page
-        double within = 0; ///< how much of the block is above the edge, from 0 to 1
-        int distance = 0;  ///< points from there to the edge
-    };
-    [[nodiscard]] Position position();
-    void restore(const Position& position);
+    [[nodiscard]] Place placeAt(int y);
+    void restore(const Place& place, int y = 0);
     template <typename Action>
-    void keepPosition(Action action);
+    void keepPlace(Action action);
     void writeViewportBelow(int block);
     void settle();
 
