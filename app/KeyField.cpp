@@ -15,7 +15,7 @@ constexpr Qt::InputMethodHints secretHints =
 } // namespace
 
 KeyField::KeyField(QWidget* parent)
-    : QLineEdit(parent)
+    : TextField(parent)
     , m_reveal(tr("Show"),
                {.text = {.size = 12, .role = ColorRole::accent}, .horizontal = 10, .vertical = 5},
                this)
@@ -54,13 +54,13 @@ void KeyField::setUsable(bool usable)
 
 void KeyField::focusInEvent(QFocusEvent* event)
 {
-    QLineEdit::focusInEvent(event);
+    TextField::focusInEvent(event);
     update();
 }
 
 void KeyField::focusOutEvent(QFocusEvent* event)
 {
-    QLineEdit::focusOutEvent(event);
+    TextField::focusOutEvent(event);
     update();
 }
 
@@ -68,7 +68,7 @@ void KeyField::focusOutEvent(QFocusEvent* event)
 /// the event loop could have answered one.
 void KeyField::keyPressEvent(QKeyEvent* event)
 {
-    QLineEdit::keyPressEvent(event);
+    TextField::keyPressEvent(event);
     QClipboard& clipboard = *QGuiApplication::clipboard();
     if (hasSelectedText() && clipboard.ownsSelection() &&
         clipboard.text(QClipboard::Selection) == selectedText())
@@ -79,18 +79,18 @@ void KeyField::keyPressEvent(QKeyEvent* event)
 void KeyField::mouseReleaseEvent(QMouseEvent* event)
 {
     if (event->button() != Qt::LeftButton)
-        QLineEdit::mouseReleaseEvent(event);
+        TextField::mouseReleaseEvent(event);
 }
 
 void KeyField::paintEvent(QPaintEvent* event)
 {
     paintFieldFrame(*this, hasFocus());
-    QLineEdit::paintEvent(event);
+    TextField::paintEvent(event);
 }
 
 void KeyField::resizeEvent(QResizeEvent* event)
 {
-    QLineEdit::resizeEvent(event);
+    TextField::resizeEvent(event);
     placeButton();
 }
 

@@ -1,14 +1,13 @@
 #pragma once
 
 #include "kit/PlainButton.h"
-
-#include <QLineEdit>
+#include "kit/TextField.h"
 
 namespace varno {
 
 /// A text field for a secret, masked until its button reveals it. Once forgotten its text cannot be
 /// restored by undoing; a selection reaches the clipboard only when it is copied.
-class KeyField final : public QLineEdit {
+class KeyField final : public TextField {
     Q_OBJECT
 
 public:

@@ -2,8 +2,8 @@
 
 #include "kit/PlainButton.h"
 #include "kit/SymbolView.h"
+#include "kit/TextField.h"
 
-#include <QLineEdit>
 #include <QPixmap>
 
 namespace varno {
@@ -44,7 +44,7 @@ private:
     [[nodiscard]] QPixmap shadow(const QRectF& frame) const;
 
     SymbolView m_symbol;
-    QLineEdit m_field;
+    TextField m_field;
     PlainButton m_clear;
     QPixmap m_shadow; ///< of the size that it had last
 };

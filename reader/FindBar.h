@@ -2,10 +2,10 @@
 
 #include "kit/PlainButton.h"
 #include "kit/SymbolView.h"
+#include "kit/TextField.h"
 #include "kit/ThemedText.h"
 #include "reader/Surface.h"
 
-#include <QLineEdit>
 
 namespace varno {
 
@@ -35,7 +35,7 @@ private:
     int m_totalMatchCount = 0;
 
     SymbolView m_symbol;
-    QLineEdit m_field;
+    TextField m_field;
     ThemedText m_counter;
     PlainButton m_previous;
     PlainButton m_next;

@@ -4,6 +4,7 @@
 #include "kit/Rule.h"
 #include "kit/SymbolView.h"
 #include "kit/TextCuts.h"
+#include "kit/TextField.h"
 #include "kit/ThemedText.h"
 #include "tests/Test.h"
 
@@ -221,6 +222,24 @@ private Q_SLOTS:
             QTest::keyClick(&button, key);
         QTest::keyClick(&button, Qt::Key_D, Qt::AltModifier); // it has no mnemonic
         QCOMPARE(spy.size(), 3);
+    }
+
+    void commandEditsAsControlDoes()
+    {
+        TextField field;
+        field.setText(u"abc"_s);
+        for (const auto& [key, modifiers, text] : Rows<Qt::Key, Qt::KeyboardModifiers, QString>{
+                 {Qt::Key_A, Qt::MetaModifier, u"abc"_s},
+                 {Qt::Key_X, Qt::MetaModifier, u""_s},
+                 {Qt::Key_V, Qt::MetaModifier, u"abc"_s},
+                 {Qt::Key_Z, Qt::MetaModifier, u""_s},
+                 {Qt::Key_Z, Qt::MetaModifier | Qt::ShiftModifier, u"abc"_s},
+                 {Qt::Key_B, Qt::MetaModifier, u"abc"_s},
+                 {Qt::Key_V, Qt::MetaModifier | Qt::AltModifier, u"abc"_s}}) {
+            const InRow row(key, modifiers);
+            QTest::keyClick(&field, key, modifiers);
+            QCOMPARE(field.text(), text);
+        }
     }
 
     void ringIsForTheKeyboard()
