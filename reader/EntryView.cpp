@@ -259,10 +259,10 @@ void EntryView::focusInEvent(QFocusEvent* event)
 
 void EntryView::keyPressEvent(QKeyEvent* event)
 {
-    if (closesFind(*event))
-        m_viewModel.setShowingFind(false);
-    else
+    if (!closesFind(*event))
         m_column.keyPressEvent(event);
+    else if (!event->isAutoRepeat()) // a key that is held goes one step
+        m_viewModel.setShowingFind(false);
 }
 
 void EntryView::showEvent(QShowEvent* event)

@@ -50,6 +50,8 @@ private Q_SLOTS:
         QVERIFY(f.shows<InAppSettingsView>());
         f.key(Qt::Key_Escape);
         QVERIFY(f.shows<EntryView>());
+        QTest::simulateEvent(QApplication::focusWidget(), true, Qt::Key_Escape, {}, {}, true);
+        QVERIFY(f.model->isShowingFind()); // while it is held
         QTest::keyClick(QApplication::focusWidget(), Qt::Key_Escape);
         QVERIFY(!f.model->isShowingFind());
         QVERIFY(f.shows<EntryView>());
