@@ -6,6 +6,8 @@
 #include <QCursor>
 #include <QFocusEvent>
 #include <QPainter>
+#include <QProxyStyle>
+#include <QStyleFactory>
 #include <QToolTip>
 
 #include <algorithm>
@@ -14,13 +16,40 @@
 namespace varno {
 namespace {
 
+using namespace Qt::StringLiterals;
+
 int roundedUp(double length)
 {
     return static_cast<int>(std::ceil(length));
 }
 
+/// Lets a ring stand over the window, or over what scrolls, and not in the place of the button,
+/// which may have no room for it.
+class RingStyle final : public QProxyStyle {
+public:
+    using QProxyStyle::QProxyStyle;
+
+    int styleHint(StyleHint hint, const QStyleOption* option, const QWidget* widget,
+                  QStyleHintReturn* data) const override
+    {
+        return hint == SH_FocusFrame_AboveWidget
+                   ? 1
+                   : QProxyStyle::styleHint(hint, option, widget, data);
+    }
+};
+
 /// Stands around its widget, so that it covers nothing of a text without padding.
 class FocusRing final : public QFocusFrame {
+public:
+    explicit FocusRing(QWidget& widget)
+    {
+        auto* ring = new RingStyle(QStyleFactory::create(u"fusion"_s));
+        ring->setParent(this);
+        setStyle(ring);
+        setWidget(&widget);
+        show(); // also where the button has yet to come into view
+    }
+
 protected:
     void paintEvent(QPaintEvent*) override
     {
@@ -141,8 +170,7 @@ void PlainButton::focusInEvent(QFocusEvent* event)
         m_focusByKeyboard = false;
     }
     if (m_focusByKeyboard && !m_focusRing) {
-        m_focusRing = new FocusRing;
-        m_focusRing->setWidget(this);
+        m_focusRing = new FocusRing(*this);
     }
     PressableButton::focusInEvent(event);
 }
