@@ -100,12 +100,6 @@ bool TOCSidebarView::eventFilter(QObject* watched, QEvent* event)
     case Qt::Key_Down:
         focusEntry(std::min(current + 1, last));
         return true;
-    case Qt::Key_Home:
-        focusEntry(0);
-        return true;
-    case Qt::Key_End:
-        focusEntry(last);
-        return true;
     default:
         return false;
     }

@@ -15,8 +15,8 @@ namespace varno {
 
 class TOCEntry;
 
-/// The table of contents beside the page. One entry at a time can be reached by Tab; Up, Down, Home
-/// and End go on to the others.
+/// The table of contents beside the page. One entry at a time can be reached by Tab; Up and Down go
+/// on to the others.
 class TOCSidebarView final : public Surface {
     Q_OBJECT
 
