@@ -25,7 +25,7 @@ VerticalScrollArea::VerticalScrollArea(QWidget* parent)
     viewport()->setAutoFillBackground(false);
     connect(qApp, &QApplication::focusChanged, this, [this](QWidget*, const QWidget* focus) {
         if (focus && widget() && widget()->isAncestorOf(focus))
-            showFocus(*focus);
+            showPart(*focus, focus->rect());
     });
 }
 
@@ -35,15 +35,14 @@ void VerticalScrollArea::setContent(QWidget& content)
     content.setAutoFillBackground(false); // the scroll area switched it on
 }
 
-/// Of what is higher than the area, any part will do: it is not for the focus to throw a page that
-/// is being read.
-void VerticalScrollArea::showFocus(const QWidget& focus)
+void VerticalScrollArea::showPart(const QWidget& owner, const QRect& part)
 {
-    const QRect place(focus.mapTo(viewport(), QPoint()), focus.size());
     const QRect room = viewport()->rect();
-    if (place.height() + 2 * aroundFocus > room.height() && place.intersects(room))
+    const QRect place = part.translated(owner.mapTo(viewport(), QPoint()));
+    const bool isTooHigh = place.height() + 2 * aroundFocus > room.height();
+    if (isTooHigh && place.intersects(room))
         return;
-    const QPoint middle = focus.mapTo(widget(), focus.rect().center());
+    const QPoint middle = owner.mapTo(widget(), part.center());
     ensureVisible(0, middle.y(), 0, place.height() / 2 + aroundFocus);
 }
 

@@ -16,12 +16,13 @@ public:
     /// Shows `content`, and owns it unless it is a member of another object.
     void setContent(QWidget& content);
 
+    /// Scrolls, if it has to, until a part of a widget in it is in view; of one that is higher than
+    /// the area, any part will do.
+    void showPart(const QWidget& widget, const QRect& part);
+
 protected:
     bool focusNextPrevChild(bool next) override;
     void keyPressEvent(QKeyEvent* event) override;
-
-private:
-    void showFocus(const QWidget& focus);
 };
 
 } // namespace varno

@@ -50,6 +50,9 @@ ReadingColumn::ReadingColumn(QWidget* parent)
     connect(verticalScrollBar(), &QScrollBar::actionTriggered, this, [this] { m_scroll.stop(); });
     connect(&m_text, &MarkdownContentView::selectionDragged, &m_selectionScroller,
             &SelectionScroller::drag);
+    connect(&m_text, &MarkdownContentView::linkFocused, this, [this](const QRect& link) {
+        showPart(m_text, link); // the text as a whole is where it is read
+    });
     connect(&m_error, &ErrorPanel::tryAgain, this, &ReadingColumn::tryAgain);
     connect(&m_error, &ErrorPanel::newSearch, this, &ReadingColumn::newSearch);
     connect(&m_fullEntry, &FullEntryButton::clicked, this, &ReadingColumn::fullEntry);

@@ -51,6 +51,71 @@ private Q_SLOTS:
             QCOMPARE(rings, 7);
         }
     }
+
+    void whatIsOpenedByKeyIsReadByKeys()
+    {
+        for (const QString& opener : {u"Section 2"_s, u"Carthage"_s, u"Reload entry"_s}) {
+            const InRow row(opener);
+            SectionScreen screen;
+            shownButton(screen.view, opener)->setFocus(Qt::TabFocusReason);
+            screen.key(Qt::Key_Space);
+            const std::size_t requests = screen.claude.entries.size();
+            screen.send(longText());
+            QTRY_VERIFY(screen.scrollBar().maximum() > 1000);
+            QVERIFY(screen.part<QTextBrowser>().hasFocus());
+            const int page = screen.scrollBar().pageStep();
+            for (const int value : {page, 2 * page}) {
+                screen.key(Qt::Key_Space);
+                QCOMPARE(screen.scrollBar().value(), value);
+            }
+            QCOMPARE(screen.claude.entries.size(), requests);
+        }
+    }
+
+    void keysScrollFromAnywhere()
+    {
+        SectionScreen screen;
+        QScrollBar& bar = screen.scrollBar();
+        for (const QString& place : {u"Settings"_s, u"Section 0"_s, u"Carthage"_s}) {
+            for (const auto& [key, modifiers, value] : Rows<Qt::Key, Qt::KeyboardModifiers, int>{
+                     {Qt::Key_PageDown, {}, 1000 + bar.pageStep()},
+                     {Qt::Key_PageUp, {}, 1000 - bar.pageStep()},
+                     {Qt::Key_Home, Qt::ControlModifier, 0},
+                     {Qt::Key_End, Qt::ControlModifier, bar.maximum()},
+                     {Qt::Key_Down, {}, 1024},
+                     {Qt::Key_Up, {}, 976},
+                     {Qt::Key_Home, {}, 0},
+                     {Qt::Key_End, {}, bar.maximum()}}) {
+                const InRow row(place, key, modifiers);
+                shownButton(screen.view, place)->setFocus(Qt::TabFocusReason);
+                bar.setValue(1000);
+                const bool isForList =
+                    place == "Section 0"_L1 && (key == Qt::Key_Down || key == Qt::Key_Up);
+                screen.key(key, modifiers);
+                QCOMPARE(bar.value(), isForList ? 1000 : value);
+            }
+        }
+    }
+
+    void tabIntoTheTextLeavesThePageWhereItIs()
+    {
+        SectionScreen screen;
+        screen.openSection(u"Section 2"_s, u"[One](https://a.b/)\n\n"_s + longText() +
+                                               u"[Two](https://c.d/)"_s + relatedTopicsLine);
+        QTRY_VERIFY(screen.button(u"Latin"_s));
+        QScrollBar& bar = screen.scrollBar();
+        screen.button(u"Carthage"_s)->setFocus(Qt::TabFocusReason);
+        const int end = bar.value();
+        QVERIFY(end > 1000);
+        screen.key(Qt::Key_Backtab);
+        QVERIFY(screen.part<QTextBrowser>().hasFocus());
+        QCOMPARE(bar.value(), end);
+        bar.setValue(500);
+        screen.key(Qt::Key_Backtab); // to the last link
+        QVERIFY(bar.value() > 1000);
+        screen.key(Qt::Key_Backtab);
+        QVERIFY(bar.value() < 100);
+    }
 };
 
 VARNO_TEST(QApplication, EntryKeysTest)

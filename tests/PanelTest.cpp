@@ -61,6 +61,38 @@ private Q_SLOTS:
         QVERIFY(!f.panel.isVisible());
     }
 
+    void tabGoesRoundTheScreenInTheOrderSeen()
+    {
+        PanelFixture f;
+        const QString topics = u"\nSEE_ALSO_JSON: [\"Carthage\", \"Latin\"]"_s;
+        f.writeArticle(article, {u"Kings"_s, u"Republic"_s});
+        f.openSection(u"Kings"_s, u"Text."_s + topics);
+        f.model->setShowingSettings(true); // made after the entry
+        f.model->setShowingSettings(false);
+        f.openSection(u"Republic"_s, u"[A link](https://a.b/)"_s + topics);
+        f.model->setShowingFind(true);
+        const QStringList once = {u"Find in entry"_s,
+                                  u"Previous match (⇧↩)"_s,
+                                  u"Next match (↩)"_s,
+                                  u"Close"_s,
+                                  u"Kings"_s,
+                                  u"Entry"_s,
+                                  u"Entry"_s, // a link in it
+                                  u"Carthage"_s,
+                                  u"Latin"_s,
+                                  u"Search"_s,
+                                  articleTitle,
+                                  u"Find in entry (⌘F)"_s,
+                                  u"Reload entry"_s,
+                                  u"Settings"_s};
+        QStringList names;
+        while (names.size() < 2 * once.size()) {
+            names.append(QApplication::focusWidget()->accessibleName());
+            QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        }
+        QCOMPARE(names, once + once);
+    }
+
     void commandsWorkWithEitherModifier()
     {
         for (const Qt::KeyboardModifier modifier : {Qt::ControlModifier, Qt::MetaModifier}) {

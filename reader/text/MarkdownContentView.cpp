@@ -32,6 +32,7 @@ MarkdownContentView::MarkdownContentView(QWidget* parent)
             &MarkdownContentView::adjustHeight);
     connect(&m_surface, &TextSurface::selectionDragged, this,
             &MarkdownContentView::selectionDragged);
+    connect(&m_surface, &TextSurface::linkFocused, this, &MarkdownContentView::linkFocused);
 }
 
 bool MarkdownContentView::showsNothing(QStringView text)

@@ -50,6 +50,8 @@ public:
 Q_SIGNALS:
     /// Announces the position of the dragged end of the selection, in this widget's coordinates.
     void selectionDragged(const QPoint& position);
+    /// A link has got the focus; its rectangle, in this widget's coordinates.
+    void linkFocused(const QRect& rect);
 
 protected:
     void hideEvent(QHideEvent* event) override;

@@ -104,6 +104,19 @@ QMimeData* TextSurface::createMimeDataFromSelection() const
     return selection;
 }
 
+/// Tab goes from link to link.
+bool TextSurface::focusNextPrevChild(bool next)
+{
+    const bool isMoved = QTextBrowser::focusNextPrevChild(next);
+    QTextCursor link = textCursor();
+    if (hasFocus() && link.hasSelection() && link.charFormat().isAnchor()) {
+        const QRect end = cursorRect(link);
+        link.setPosition(link.anchor());
+        Q_EMIT linkFocused(end | cursorRect(link));
+    }
+    return isMoved;
+}
+
 /// Keys that scroll are for whoever shows the text.
 void TextSurface::keyPressEvent(QKeyEvent* event)
 {

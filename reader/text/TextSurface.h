@@ -31,9 +31,11 @@ public:
 
 Q_SIGNALS:
     void selectionDragged(const QPoint& position);
+    void linkFocused(const QRect& rect);
 
 protected:
     [[nodiscard]] QMimeData* createMimeDataFromSelection() const override;
+    bool focusNextPrevChild(bool next) override;
     void keyPressEvent(QKeyEvent* event) override;
     void mouseMoveEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
