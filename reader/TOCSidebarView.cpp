@@ -6,6 +6,7 @@
 #include "reader/TabOrder.h"
 
 #include <QKeyEvent>
+#include <QTimer>
 
 #include <algorithm>
 #include <utility>
@@ -72,6 +73,21 @@ void TOCSidebarView::setActiveSection(const std::optional<QString>& section)
 {
     for (TOCEntry* entry : std::as_const(m_entries))
         entry->setActive(entry->section() == section);
+    if (std::exchange(m_activeSection, section) != section)
+        QTimer::singleShot(0, this, &TOCSidebarView::showActive); // when the entries are laid out
+}
+
+void TOCSidebarView::showActive()
+{
+    const auto active = std::ranges::find_if(m_entries, &TOCEntry::isActive);
+    if (active != m_entries.end() && isVisible())
+        m_scroll.showPart(**active, (*active)->rect());
+}
+
+void TOCSidebarView::showEvent(QShowEvent* event)
+{
+    Surface::showEvent(event);
+    QTimer::singleShot(0, this, &TOCSidebarView::showActive);
 }
 
 void TOCSidebarView::setTabStop(qsizetype index)

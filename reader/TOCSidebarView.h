@@ -27,7 +27,7 @@ public:
     void setSections(const QStringList& sections);
     /// Shows placeholders instead of the sections.
     void setLoading(bool loading);
-    /// Marks the section that is on show, if one is.
+    /// Marks the section that is on show, if one is, and brings it into view.
     void setActiveSection(const std::optional<QString>& section);
 
 Q_SIGNALS:
@@ -35,14 +35,17 @@ Q_SIGNALS:
 
 protected:
     bool eventFilter(QObject* watched, QEvent* event) override;
+    void showEvent(QShowEvent* event) override;
 
 private:
     TOCEntry* addEntry(int number, const QString& section);
     void setTabStop(qsizetype index);
     void focusEntry(qsizetype index);
+    void showActive();
 
     QStringList m_sections; ///< those on show
     QList<TOCEntry*> m_entries;
+    std::optional<QString> m_activeSection;
 
     ThemedText m_heading;
     LoadingPlaceholders m_placeholders;

@@ -1,5 +1,3 @@
-#include "app/VarnoPanel.h"
-#include "reader/TOCEntry.h"
 #include "tests/EntryScreen.h"
 #include "tests/Test.h"
 
@@ -32,6 +30,19 @@ class EntryKeysTest : public QObject {
     Q_OBJECT
 
 private Q_SLOTS:
+    void whatIsOnShowIsInViewInTheContents()
+    {
+        SectionScreen screen;
+        for (const QString& section : {u"Section 25"_s, u"Section 3"_s}) {
+            screen.openSection(section);
+            QTRY_VERIFY(isWhole(*shownButton(screen.view, section)));
+        }
+        screen.window.hide();
+        screen.openSection(u"Section 25"_s);
+        screen.window.show();
+        QTRY_VERIFY(isWhole(*shownButton(screen.view, u"Section 25"_s)));
+    }
+
     void whatHasTheFocusIsInView()
     {
         SectionScreen screen;
