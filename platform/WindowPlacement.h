@@ -20,4 +20,8 @@ void prepareFloatingPanel(QWindow& window);
 /// user did, 0 if that is not known.
 void activateForUser(QWindow& window, quint32 time);
 
+/// Whether the left button of the pointer is down at this moment, which an event that comes late
+/// does not tell: a window would stick to the pointer that starts to move it when it is up again.
+[[nodiscard]] bool isPointerPressed();
+
 } // namespace varno

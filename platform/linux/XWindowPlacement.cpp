@@ -1,6 +1,7 @@
 #include "platform/WindowPlacement.h"
 #include "platform/linux/WaylandSocket.h"
 #include "platform/linux/XConnection.h"
+#include "platform/linux/XcbReply.h"
 
 #include <QWindow>
 
@@ -76,6 +77,15 @@ void activateForUser(QWindow& window, quint32 time)
                    XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
                    reinterpret_cast<const char*>(&request));
     xcb_flush(xConnection());
+}
+
+bool isPointerPressed()
+{
+    if (!xConnection())
+        return true; // a compositor refuses to move anything for a button that is up
+    const XcbReply<xcb_query_pointer_reply_t> pointer(
+        xcb_query_pointer_reply(xConnection(), xcb_query_pointer(xConnection(), root()), nullptr));
+    return pointer && (pointer->mask & XCB_BUTTON_MASK_1) != 0;
 }
 
 } // namespace varno
