@@ -1,5 +1,7 @@
 #include "app/ResizeGrip.h"
 
+#include "platform/WindowPlacement.h"
+
 #include <QEvent>
 #include <QMouseEvent>
 #include <QWindow>
@@ -57,7 +59,7 @@ void ResizeGrip::place()
 
 void ResizeGrip::mousePressEvent(QMouseEvent* event)
 {
-    if (event->button() == Qt::LeftButton)
+    if (event->button() == Qt::LeftButton && isPointerPressed())
         window()->windowHandle()->startSystemResize(m_edges);
 }
 

@@ -5,7 +5,7 @@
 #include "kit/Theme.h"
 #include "platform/WindowPlacement.h"
 
-#include <QGuiApplication>
+#include <QApplication>
 #include <QMouseEvent>
 #include <QPainter>
 #include <QScreen>
@@ -108,6 +108,23 @@ void VarnoPanel::keepOnScreen()
 void VarnoPanel::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton)
+        m_pressedAt = event->globalPosition().toPoint();
+}
+
+void VarnoPanel::mouseReleaseEvent(QMouseEvent* /*event*/)
+{
+    m_pressedAt.reset();
+}
+
+void VarnoPanel::mouseMoveEvent(QMouseEvent* event)
+{
+    if (!m_pressedAt || !event->buttons().testFlag(Qt::LeftButton))
+        return;
+    const QPoint way = event->globalPosition().toPoint() - *m_pressedAt;
+    if (way.manhattanLength() < QApplication::startDragDistance())
+        return;
+    m_pressedAt.reset();
+    if (isPointerPressed())
         windowHandle()->startSystemMove();
 }
 

@@ -2,10 +2,12 @@
 
 #include "app/ContentView.h"
 
+#include <optional>
+
 namespace varno {
 
 /// The one window: a floating panel without a frame, above all others and on every desktop. Closing
-/// hides it. Dragging its background moves it, dragging its edges resizes it.
+/// hides it. Dragging what is no content moves it, dragging its edges resizes it.
 class VarnoPanel final : public QWidget {
     Q_OBJECT
 
@@ -18,7 +20,9 @@ public:
     void present(quint32 time);
 
 protected:
+    void mouseMoveEvent(QMouseEvent* event) override;
     void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
 private:
@@ -28,6 +32,7 @@ private:
 
     AppViewModel& m_viewModel;
     ContentView m_content;
+    std::optional<QPoint> m_pressedAt; ///< on the screen
 };
 
 } // namespace varno

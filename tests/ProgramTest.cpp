@@ -88,6 +88,38 @@ private Q_SLOTS:
         QTRY_VERIFY(m_program->hasSearched("onyx, opal"));
     }
 
+    void isDraggedByItsMargins()
+    {
+        showPanel();
+        const QRect place = m_desktop->place(m_program->panel());
+        const QPoint margin = place.topLeft() + QPoint(40, 40);
+        const auto drag = [&](const QPoint& way) {
+            m_desktop->point(margin);
+            m_desktop->pressButton();
+            m_desktop->point(margin + way);
+        };
+        const auto isGlued = [&] { // to a pointer whose button is up
+            const QRect before = m_desktop->place(m_program->panel());
+            m_desktop->point(margin + QPoint(90, 90));
+            return !m_program->settles() || m_desktop->place(m_program->panel()) != before;
+        };
+        drag({3, 3});
+        QVERIFY(m_program->settles());
+        m_desktop->liftButton();
+        QVERIFY(!isGlued());
+        QCOMPARE(m_desktop->place(m_program->panel()), place);
+        drag({30, 30});
+        int way = 30;
+        QTRY_VERIFY((m_desktop->point(margin + QPoint(++way, 30)),
+                     m_desktop->place(m_program->panel()).x() > place.x() + 5));
+        m_desktop->liftButton();
+        QVERIFY(!isGlued());
+        drag({300, 200}); // and lifted before the program has heard of it
+        m_desktop->liftButton();
+        QVERIFY(m_program->settles());
+        QVERIFY(!isGlued());
+    }
+
     void keepsItsPlace()
     {
         constexpr quint32 fromUserWithAll = 0x2F00; // both of the place, both of the size

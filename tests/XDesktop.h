@@ -112,6 +112,9 @@ public:
         type(key);
         liftModifiers();
     }
+    void point(const QPoint& place) { fake(XCB_MOTION_NOTIFY, 0, place); }
+    void pressButton() { fake(XCB_BUTTON_PRESS, XCB_BUTTON_INDEX_1); }
+    void liftButton() { fake(XCB_BUTTON_RELEASE, XCB_BUTTON_INDEX_1); }
     /// Without waiting in between, so that it is one however busy the machine is.
     void doubleClick(const QPoint& place)
     {
