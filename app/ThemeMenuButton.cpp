@@ -1,6 +1,7 @@
 #include "app/ThemeMenuButton.h"
 
 #include "kit/Layout.h"
+#include "kit/Menu.h"
 
 #include <QMenu>
 #include <QPainter>
@@ -58,9 +59,7 @@ void ThemeMenuButton::setTheme(AppTheme theme)
 void ThemeMenuButton::openMenu()
 {
     auto* menu = new QMenu(this);
-    menu->setAttribute(Qt::WA_DeleteOnClose);
-    menu->setPalette(window()->palette()); // windows do not inherit it
-    menu->setFont(m_name.font());
+    setUpMenu(*menu, *this);
     for (const auto& [theme, rawValue] : RawValues<AppTheme>::cases) {
         QAction* item = menu->addAction(name(theme));
         item->setIcon(theme == m_theme ? checkmark(palette(), devicePixelRatioF()) : QIcon());

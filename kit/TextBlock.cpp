@@ -1,9 +1,11 @@
 #include "kit/TextBlock.h"
 
+#include "kit/LineRange.h"
 #include "kit/TextCuts.h"
 
 #include <QFontMetricsF>
 #include <QPainter>
+#include <QTextBoundaryFinder>
 
 #include <algorithm>
 #include <array>
@@ -150,23 +152,61 @@ void TextBlock::elide()
     layOut(*m_elided, QTextOption::ManualWrap);
 }
 
-void TextBlock::draw(QPainter& painter, const QRectF& place, Qt::Alignment alignment,
-                     const QColor& color) const
+/// Of the layout, where that line is drawn.
+QPointF TextBlock::origin(const QTextLine& line, const QRectF& place, Qt::Alignment alignment) const
 {
-    painter.setPen(color);
     const double spareHeight = place.height() - m_size.height();
     const double top = place.top() + (alignment.testFlag(Qt::AlignTop)      ? 0
                                       : alignment.testFlag(Qt::AlignBottom) ? spareHeight
                                                                             : spareHeight / 2);
-    const QTextLayout& layout = m_elided ? *m_elided : m_whole;
-    for (int index = 0; index < layout.lineCount(); ++index) {
-        const QTextLine line = layout.lineAt(index);
-        const double spare = place.width() - line.naturalTextWidth();
-        const double left = place.left() + (alignment.testFlag(Qt::AlignRight)     ? spare
-                                            : alignment.testFlag(Qt::AlignHCenter) ? spare / 2
-                                                                                   : 0);
-        line.draw(&painter, {left, std::round(top)});
+    const double spare = place.width() - line.naturalTextWidth();
+    const double left = place.left() + (alignment.testFlag(Qt::AlignRight)     ? spare
+                                        : alignment.testFlag(Qt::AlignHCenter) ? spare / 2
+                                                                               : 0);
+    return {left, std::round(top)};
+}
+
+void TextBlock::draw(QPainter& painter, const QRectF& place, Qt::Alignment alignment,
+                     const QColor& color) const
+{
+    painter.setPen(color);
+    for (int index = 0; index < layout().lineCount(); ++index) {
+        const QTextLine line = layout().lineAt(index);
+        line.draw(&painter, origin(line, place, alignment));
     }
+}
+
+void TextBlock::fillRange(QPainter& painter, const QRectF& place, Qt::Alignment alignment,
+                          const TextRange& range, const QColor& color) const
+{
+    for (int index = 0; index < layout().lineCount(); ++index) {
+        const QTextLine line = layout().lineAt(index);
+        const qsizetype begin = std::max<qsizetype>(range.begin, line.textStart());
+        const qsizetype end = std::min<qsizetype>(range.end, line.textStart() + line.textLength());
+        for (const QRectF& rect : rangeRects(line, begin, end))
+            painter.fillRect(rect.translated(origin(line, place, alignment)), color);
+    }
+}
+
+qsizetype TextBlock::positionAt(const QPointF& point, const QRectF& place,
+                                Qt::Alignment alignment) const
+{
+    for (int index = 0; index < layout().lineCount(); ++index) {
+        const QTextLine line = layout().lineAt(index);
+        const QPointF inLayout = point - origin(line, place, alignment);
+        if (inLayout.y() < line.rect().bottom() || index == layout().lineCount() - 1)
+            return line.xToCursor(inLayout.x());
+    }
+    return 0;
+}
+
+TextRange TextBlock::wordAt(qsizetype position) const
+{
+    QTextBoundaryFinder words(QTextBoundaryFinder::Word, layout().text());
+    words.setPosition(position);
+    const qsizetype begin = words.isAtBoundary() ? position : words.toPreviousBoundary();
+    words.setPosition(begin);
+    return {.begin = begin, .end = std::max(begin, words.toNextBoundary())};
 }
 
 LaidOutText& LaidOutText::of(const QString& text, const TextStyle& style, const QFont& font,

@@ -21,6 +21,14 @@ enum class Overflow {
     wrap,  ///< it goes on in the next line, breaking words that are wider than a line
 };
 
+/// A range of a text, in UTF-16 units.
+struct TextRange {
+    qsizetype begin = 0;
+    qsizetype end = 0;
+
+    bool operator==(const TextRange&) const = default;
+};
+
 /// A plain text laid out in a width, up to the limit of its style. Bidirectional controls and
 /// markup in it have no effect. Line breaks in it are kept only where it wraps.
 class TextBlock {
@@ -43,7 +51,17 @@ public:
     void draw(QPainter& painter, const QRectF& place, Qt::Alignment alignment,
               const QColor& color) const;
 
+    // The same lines, of which a range may be selected. Positions are those in the text on show.
+    void fillRange(QPainter& painter, const QRectF& place, Qt::Alignment alignment,
+                   const TextRange& range, const QColor& color) const;
+    [[nodiscard]] qsizetype positionAt(const QPointF& point, const QRectF& place,
+                                       Qt::Alignment alignment) const;
+    [[nodiscard]] TextRange wordAt(qsizetype position) const;
+
 private:
+    [[nodiscard]] const QTextLayout& layout() const { return m_elided ? *m_elided : m_whole; }
+    [[nodiscard]] QPointF origin(const QTextLine& line, const QRectF& place,
+                                 Qt::Alignment alignment) const;
     void prepare(QTextLayout& layout, const QString& text, const QFont& font) const;
     void layOut(QTextLayout& layout, QTextOption::WrapMode wrapMode);
     void elide();

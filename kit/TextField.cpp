@@ -1,6 +1,10 @@
 #include "kit/TextField.h"
 
+#include "kit/Menu.h"
+
+#include <QContextMenuEvent>
 #include <QKeyEvent>
+#include <QMenu>
 
 #include <algorithm>
 #include <array>
@@ -16,6 +20,14 @@ std::unique_ptr<QKeyEvent> asControlKey(const QKeyEvent& event)
         return nullptr;
     return std::make_unique<QKeyEvent>(event.type(), event.key(), others | Qt::ControlModifier,
                                        QString(), event.isAutoRepeat());
+}
+
+void TextField::contextMenuEvent(QContextMenuEvent* event)
+{
+    if (QMenu* menu = createStandardContextMenu()) {
+        setUpMenu(*menu, *this);
+        menu->popup(event->globalPos());
+    }
 }
 
 void TextField::keyPressEvent(QKeyEvent* event)

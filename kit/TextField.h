@@ -18,6 +18,7 @@ public:
     using QLineEdit::QLineEdit;
 
 protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
     void keyPressEvent(QKeyEvent* event) override;
 };
 

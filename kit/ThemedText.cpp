@@ -96,7 +96,7 @@ void ThemedText::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     const Ink ink = {.role = m_style.role, .opacity = m_style.opacity};
-    laidOut().block(width()).draw(painter, rect(), alignment(), inkColor(palette(), ink));
+    block().draw(painter, rect(), alignment(), inkColor(palette(), ink));
 }
 
 LaidOutText& ThemedText::laidOut() const

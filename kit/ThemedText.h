@@ -36,6 +36,9 @@ protected:
     bool event(QEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
+    /// The text as it is drawn, valid until the next layout.
+    [[nodiscard]] const TextBlock& block() const { return laidOut().block(width()); }
+
 private:
     [[nodiscard]] LaidOutText& laidOut() const;
 
