@@ -20,4 +20,18 @@ void EntryHeader::setTitle(const QString& title)
     m_title.setAccessibleName(kept); // capitals are for the eye
 }
 
+QString EntryHeader::selectedTitle() const
+{
+    const TextRange range = m_title.selection();
+    QString selected;
+    qsizetype shown = 0; // some letters are several as capitals
+    for (const char32_t letter : title().toUcs4()) {
+        const QString written = QString::fromUcs4(&letter, 1);
+        if (shown >= range.begin && shown < range.end)
+            selected += written;
+        shown += written.toUpper().size();
+    }
+    return selected;
+}
+
 } // namespace varno

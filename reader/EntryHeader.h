@@ -1,7 +1,7 @@
 #pragma once
 
 #include "kit/Rule.h"
-#include "kit/ThemedText.h"
+#include "kit/SelectableText.h"
 
 #include <QWidget>
 
@@ -15,9 +15,14 @@ public:
     explicit EntryHeader(QWidget* parent = nullptr);
 
     void setTitle(const QString& title);
+    /// The title, as far as it is kept.
+    [[nodiscard]] QString title() const { return m_title.accessibleName(); }
+    /// What is selected of it, in the letters that it is written in.
+    [[nodiscard]] QString selectedTitle() const;
+    [[nodiscard]] SelectableText& text() { return m_title; }
 
 private:
-    ThemedText m_title;
+    SelectableText m_title;
     Rule m_rule;
 };
 

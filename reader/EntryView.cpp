@@ -1,9 +1,11 @@
 #include "reader/EntryView.h"
 
 #include "kit/Layout.h"
+#include "reader/CopiedEntry.h"
 #include "reader/EntryState.h"
 
 #include <QApplication>
+#include <QClipboard>
 #include <QKeyEvent>
 #include <QShortcut>
 
@@ -74,7 +76,8 @@ void EntryView::connectPage()
     connect(&m_column, &ReadingColumn::tryAgain, &m_viewModel, &AppViewModel::reloadCurrentPage);
     connect(&m_column, &ReadingColumn::newSearch, &m_viewModel, &AppViewModel::newSearch);
     connect(&m_column, &ReadingColumn::fullEntry, &m_viewModel, &AppViewModel::upgradeToFullEntry);
-    connect(&m_column, &ReadingColumn::topicPressed, &m_viewModel, &AppViewModel::search);
+    connect(&m_column, &ReadingColumn::searchRequested, &m_viewModel, &AppViewModel::search);
+    connect(&m_column, &ReadingColumn::copyEntry, this, &EntryView::copyEntry);
 }
 
 void EntryView::takeNote(AppViewModel::Changes what)
@@ -215,6 +218,13 @@ void EntryView::showFind()
 void EntryView::openFind()
 {
     m_viewModel.setShowingFind(true);
+}
+
+void EntryView::copyEntry()
+{
+    auto entry = copiedEntry(m_viewModel.streamingTitle(), displayContent(m_viewModel),
+                             *m_column.allText(), relatedTopics(m_viewModel));
+    QGuiApplication::clipboard()->setMimeData(entry.release());
 }
 
 void EntryView::jumpTo(const QUuid& pageId)

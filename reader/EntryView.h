@@ -50,6 +50,7 @@ private:
     void showFind();
     [[nodiscard]] QStringView textInColumn() const;
     void openFind();
+    void copyEntry();
 
     void jumpTo(const QUuid& pageId);
     void dragSidebar(int translation);

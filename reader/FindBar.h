@@ -6,7 +6,6 @@
 #include "kit/ThemedText.h"
 #include "reader/Surface.h"
 
-
 namespace varno {
 
 /// The bar with the find text, the counter of matches, and buttons that step through them.

@@ -1,11 +1,15 @@
 #include "reader/ReadingColumn.h"
 
 #include "kit/Layout.h"
+#include "kit/TextField.h"
+#include "reader/PageMenu.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QScrollBar>
 
 #include <algorithm>
+#include <utility>
 
 namespace varno {
 namespace {
@@ -31,6 +35,7 @@ ReadingColumn::ReadingColumn(QWidget* parent)
     : VerticalScrollArea(parent)
     , m_status(tr("Getting the most accurate information…"))
     , m_scroll(*this, [this](double y) { verticalScrollBar()->setValue(qRound(y)); })
+    , m_selection(m_header, m_text)
     , m_selectionScroller(*this, m_text)
 {
     fill(m_errorPlace, aboveError, row({}, {grow(m_error)}));
@@ -56,7 +61,7 @@ ReadingColumn::ReadingColumn(QWidget* parent)
     connect(&m_error, &ErrorPanel::tryAgain, this, &ReadingColumn::tryAgain);
     connect(&m_error, &ErrorPanel::newSearch, this, &ReadingColumn::newSearch);
     connect(&m_fullEntry, &FullEntryButton::clicked, this, &ReadingColumn::fullEntry);
-    connect(&m_relatedTopics, &RelatedTopics::topicPressed, this, &ReadingColumn::topicPressed);
+    connect(&m_relatedTopics, &RelatedTopics::topicPressed, this, &ReadingColumn::searchRequested);
 }
 
 void ReadingColumn::openPage(QStringView text, const Place& place)
@@ -95,6 +100,7 @@ void ReadingColumn::setPageState(const PageState& state)
         m_error.showNotice(tr("This entry came back without any text."));
     m_relatedTopics.setTopics(state.relatedTopics);
 
+    m_isWritten = !state.isStreaming;
     m_errorPlace.setVisible(!isWhole || state.isWithoutText);
     m_text.setVisible(isWhole);
     m_streamingRow.setVisible(isWhole && state.isStreaming);
@@ -178,6 +184,70 @@ void ReadingColumn::changeEvent(QEvent* event)
     VerticalScrollArea::changeEvent(event);
     if (event->type() == QEvent::PaletteChange)
         keepPlace([&] { m_text.setTextColor(themeColor(palette(), ColorRole::text)); });
+}
+
+void ReadingColumn::keyPressEvent(QKeyEvent* event)
+{
+    const auto control = asControlKey(*event);
+    const QKeyEvent& key = control ? *control : *event;
+    event->accept();
+    if (key.matches(QKeySequence::Copy))
+        m_selection.copy();
+    else if (key.matches(QKeySequence::SelectAll))
+        m_selection.selectAll();
+    else
+        VerticalScrollArea::keyPressEvent(event);
+}
+
+void ReadingColumn::contextMenuEvent(QContextMenuEvent* event)
+{
+    const bool isByKey = event->reason() == QContextMenuEvent::Keyboard;
+    const bool hasText = !m_text.isHidden() && m_text.textLength() > 0;
+    auto* menu =
+        new PageMenu({.selectedText = m_selection.text(),
+                      .link = isByKey ? m_text.focusedLink()
+                                      : m_text.linkAt(m_text.mapFromGlobal(event->globalPos())),
+                      .hasText = hasText,
+                      .isWritten = m_isWritten},
+                     *this);
+    connect(menu, &PageMenu::copy, this, [this] { m_selection.copy(); });
+    connect(menu, &PageMenu::selectAll, this, [this] { m_selection.selectAll(); });
+    connect(menu, &PageMenu::search, this, &ReadingColumn::searchRequested);
+    connect(menu, &PageMenu::copyEntry, this, &ReadingColumn::copyEntry);
+    const QRect room(mapToGlobal(QPoint()), size());
+    if (menu->isEmpty())
+        delete menu;
+    else
+        menu->popup(room.contains(event->globalPos()) ? event->globalPos() : room.topLeft());
+}
+
+/// Whether it is at the height of the page's content, and not on any of it.
+bool ReadingColumn::isBesidePage(const QMouseEvent& event) const
+{
+    const QRect content = m_page.childrenRect();
+    const int y = m_page.mapFromGlobal(event.globalPosition()).toPoint().y();
+    return y >= content.top() && y <= content.bottom();
+}
+
+void ReadingColumn::mousePressEvent(QMouseEvent* event)
+{
+    m_isPressedBeside = isBesidePage(*event) && m_selection.mouseBeside(*event);
+    event->setAccepted(m_isPressedBeside);
+}
+
+void ReadingColumn::mouseDoubleClickEvent(QMouseEvent* event)
+{
+    mousePressEvent(event);
+}
+
+void ReadingColumn::mouseMoveEvent(QMouseEvent* event)
+{
+    event->setAccepted(m_isPressedBeside && m_selection.mouseBeside(*event));
+}
+
+void ReadingColumn::mouseReleaseEvent(QMouseEvent* event)
+{
+    event->setAccepted(std::exchange(m_isPressedBeside, false) && m_selection.mouseBeside(*event));
 }
 
 void ReadingColumn::resizeEvent(QResizeEvent* event)

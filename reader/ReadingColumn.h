@@ -6,6 +6,7 @@
 #include "reader/EntryHeader.h"
 #include "reader/ErrorPanel.h"
 #include "reader/FullEntryButton.h"
+#include "reader/PageSelection.h"
 #include "reader/PulsingStatusText.h"
 #include "reader/RelatedTopics.h"
 #include "reader/SelectionScroller.h"
@@ -40,6 +41,8 @@ public:
     void reviseText(QStringView text);
     void appendText(QStringView piece);
     [[nodiscard]] qsizetype textLength() const { return m_text.textLength(); }
+    /// What selecting all of the text and copying gives.
+    [[nodiscard]] std::unique_ptr<QMimeData> allText() { return m_text.all(); }
     void setFontSize(int points);
     void setHighlightText(const QString& text) { m_text.setHighlightText(text); }
 
@@ -55,16 +58,24 @@ public:
 
     /// Scrolls, animated, until that block of the text is centred vertically.
     void scrollToBlock(int index);
-    using VerticalScrollArea::keyPressEvent; // for keys that come to the screen elsewhere
+
+    /// Takes the keys that scroll, copy, and select all.
+    void keyPressEvent(QKeyEvent* event) override;
 
 Q_SIGNALS:
     void tryAgain();
     void newSearch();
     void fullEntry();
-    void topicPressed(const QString& topic);
+    void searchRequested(const QString& query);
+    void copyEntry();
 
 protected:
     void changeEvent(QEvent* event) override;
+    void contextMenuEvent(QContextMenuEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
 
 private:
@@ -76,6 +87,7 @@ private:
     void settle();
 
     void showStatus();
+    [[nodiscard]] bool isBesidePage(const QMouseEvent& event) const;
 
     QWidget m_page;
     EntryHeader m_header;
@@ -91,7 +103,10 @@ private:
     RelatedTopics m_relatedTopics;
 
     Animation m_scroll;
+    PageSelection m_selection;
     SelectionScroller m_selectionScroller;
+    bool m_isWritten = false;
+    bool m_isPressedBeside = false;
 };
 
 } // namespace varno

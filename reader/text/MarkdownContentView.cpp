@@ -4,6 +4,7 @@
 #include "reader/text/SelectedText.h"
 
 #include <QAbstractTextDocumentLayout>
+#include <QMouseEvent>
 
 #include <cmath>
 
@@ -33,6 +34,10 @@ MarkdownContentView::MarkdownContentView(QWidget* parent)
     connect(&m_surface, &TextSurface::selectionDragged, this,
             &MarkdownContentView::selectionDragged);
     connect(&m_surface, &TextSurface::linkFocused, this, &MarkdownContentView::linkFocused);
+    connect(&m_surface, &TextSurface::selectionChanged, this, [this] {
+        if (hasSelection())
+            Q_EMIT selected();
+    });
 }
 
 bool MarkdownContentView::showsNothing(QStringView text)
@@ -127,6 +132,31 @@ void MarkdownContentView::clearSelection()
     m_surface.setTextCursor(QTextCursor(m_surface.document()));
 }
 
+void MarkdownContentView::selectAll()
+{
+    writeToEnd();
+    m_surface.selectAll();
+}
+
+std::unique_ptr<QMimeData> MarkdownContentView::all()
+{
+    writeToEnd();
+    return m_surface.all();
+}
+
+QString MarkdownContentView::linkAt(const QPoint& position) const
+{
+    return m_surface.anchorAt(position);
+}
+
+void MarkdownContentView::mouseBeside(const QMouseEvent& event)
+{
+    QWidget& receiver = *m_surface.viewport();
+    QMouseEvent there(event.type(), receiver.mapFromGlobal(event.globalPosition()),
+                      event.globalPosition(), event.button(), event.buttons(), event.modifiers());
+    QCoreApplication::sendEvent(&receiver, &there);
+}
+
 void MarkdownContentView::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
@@ -153,6 +183,12 @@ void MarkdownContentView::write(qsizetype atLeast)
     adjustHeight();
     if (!m_writer.isComplete() && isVisible())
         m_continuation.start();
+}
+
+void MarkdownContentView::writeToEnd()
+{
+    while (!m_writer.isComplete())
+        write();
 }
 
 void MarkdownContentView::adjustHeight()

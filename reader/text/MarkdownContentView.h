@@ -5,6 +5,8 @@
 
 #include <QTimer>
 
+#include <memory>
+
 namespace varno {
 
 /// The text of one page as a column of styled blocks. Its height is fixed to that of its text, so
@@ -37,7 +39,21 @@ public:
     /// The length of the text that was set.
     [[nodiscard]] qsizetype textLength() const { return m_textLength; }
     [[nodiscard]] QString selectedText() const;
+    [[nodiscard]] bool hasSelection() const { return m_surface.textCursor().hasSelection(); }
     void clearSelection();
+    // These write the page to its end.
+    void selectAll();
+    /// What selecting all and copying gives; the caller owns it.
+    [[nodiscard]] std::unique_ptr<QMimeData> all();
+    void copySelection() { m_surface.copy(); }
+
+    /// The address of the link at a position, or of the one that has the focus; empty where there
+    /// is none.
+    [[nodiscard]] QString linkAt(const QPoint& position) const;
+    [[nodiscard]] QString focusedLink() const { return m_surface.focusedLink(); }
+
+    /// Takes an event of the mouse that happened beside the text, in whatever coordinates.
+    void mouseBeside(const QMouseEvent& event);
 
     /// The rectangle of a block, in this widget's coordinates; null when there is no such block.
     [[nodiscard]] QRect blockRect(int index);
@@ -52,6 +68,8 @@ Q_SIGNALS:
     void selectionDragged(const QPoint& position);
     /// A link has got the focus; its rectangle, in this widget's coordinates.
     void linkFocused(const QRect& rect);
+    /// Something is selected that was not.
+    void selected();
 
 protected:
     void hideEvent(QHideEvent* event) override;
@@ -67,6 +85,7 @@ private:
     };
 
     void write(qsizetype atLeast = 0);
+    void writeToEnd();
     void adjustHeight();
     [[nodiscard]] Selection selection() const;
     void select(const Selection& selection);

@@ -1,5 +1,6 @@
 #include "reader/text/TextSurface.h"
 
+#include "kit/LineRange.h"
 #include "kit/Theme.h"
 #include "reader/text/Highlights.h"
 #include "reader/text/RowPainter.h"
@@ -9,7 +10,6 @@
 #include <QDesktopServices>
 #include <QHelpEvent>
 #include <QKeyEvent>
-#include <QMimeData>
 #include <QPainter>
 #include <QTextLayout>
 #include <QToolTip>
@@ -29,25 +29,6 @@ void open(const QUrl& address)
         QDesktopServices::openUrl(address);
 }
 
-/// The rectangles of a range in one line, in the coordinates of the layout. Where directions mix,
-/// what is one range in the text may be several on the screen.
-QList<QRectF> rangeRects(const QTextLine& line, qsizetype begin, qsizetype end)
-{
-    QList<QRectF> rects;
-    for (auto position = static_cast<int>(begin); position < end; ++position) {
-        const double leading = line.cursorToX(position, QTextLine::Leading);
-        const double trailing = line.cursorToX(position, QTextLine::Trailing);
-        const QRectF rect(std::min(leading, trailing), line.y(), std::abs(trailing - leading),
-                          line.height());
-        if (!rects.isEmpty() && (qFuzzyCompare(rects.last().right() + 1, rect.left() + 1) ||
-                                 qFuzzyCompare(rect.right() + 1, rects.last().left() + 1)))
-            rects.last() |= rect;
-        else
-            rects.append(rect);
-    }
-    return rects;
-}
-
 } // namespace
 
 TextSurface::TextSurface(QWidget* parent)
@@ -62,6 +43,11 @@ TextSurface::TextSurface(QWidget* parent)
     setOpenLinks(false);
     setAccessibleName(u"Entry"_s);
     viewport()->setAutoFillBackground(false);
+    viewport()->setCursor(Qt::IBeamCursor);
+    connect(this, &QTextBrowser::highlighted, this, [this](const QUrl& link) {
+        if (link.isEmpty()) // the toolkit would make it an arrow
+            viewport()->setCursor(Qt::IBeamCursor);
+    });
     connect(this, &QTextBrowser::anchorClicked, this, &open);
 }
 
@@ -104,12 +90,34 @@ QMimeData* TextSurface::createMimeDataFromSelection() const
     return selection;
 }
 
+std::unique_ptr<QMimeData> TextSurface::all()
+{
+    const QSignalBlocker nothingIsSelected(this);
+    const QTextCursor before = textCursor();
+    QTextBrowser::selectAll();
+    std::unique_ptr<QMimeData> all(createMimeDataFromSelection());
+    setTextCursor(before);
+    return all;
+}
+
+QString TextSurface::focusedLink() const
+{
+    const QTextCursor cursor = textCursor();
+    return cursor.hasSelection() ? cursor.charFormat().anchorHref() : QString();
+}
+
+/// The menu is made by whoever shows the text.
+void TextSurface::contextMenuEvent(QContextMenuEvent* event)
+{
+    event->ignore();
+}
+
 /// Tab goes from link to link.
 bool TextSurface::focusNextPrevChild(bool next)
 {
     const bool isMoved = QTextBrowser::focusNextPrevChild(next);
-    QTextCursor link = textCursor();
-    if (hasFocus() && link.hasSelection() && link.charFormat().isAnchor()) {
+    if (hasFocus() && !focusedLink().isEmpty()) {
+        QTextCursor link = textCursor();
         const QRect end = cursorRect(link);
         link.setPosition(link.anchor());
         Q_EMIT linkFocused(end | cursorRect(link));
@@ -117,11 +125,11 @@ bool TextSurface::focusNextPrevChild(bool next)
     return isMoved;
 }
 
-/// Keys that scroll are for whoever shows the text.
+/// Other keys are for whoever shows the text.
 void TextSurface::keyPressEvent(QKeyEvent* event)
 {
     const bool follows = event->key() == Qt::Key_Return || event->key() == Qt::Key_Enter;
-    if (follows || event == QKeySequence::Copy || event == QKeySequence::SelectAll)
+    if (follows || (event == QKeySequence::Copy && textCursor().hasSelection()))
         QTextBrowser::keyPressEvent(event);
     else
         event->ignore();

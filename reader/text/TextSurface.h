@@ -3,8 +3,11 @@
 #include "reader/text/PageLayout.h"
 #include "reader/text/RowFormat.h"
 
+#include <QMimeData>
 #include <QTextBlock>
 #include <QTextBrowser>
+
+#include <memory>
 
 namespace varno {
 
@@ -26,6 +29,11 @@ public:
     /// The rectangle of a row's text, without its margins.
     [[nodiscard]] QRectF rowRect(const QTextBlock& row) const;
 
+    /// What selecting all and copying gives.
+    [[nodiscard]] std::unique_ptr<QMimeData> all();
+    /// The address of the link that has the focus; empty where none has it.
+    [[nodiscard]] QString focusedLink() const;
+
     /// Never anything: no page loads anything, from wherever.
     QVariant loadResource(int type, const QUrl& name) override;
 
@@ -34,6 +42,7 @@ Q_SIGNALS:
     void linkFocused(const QRect& rect);
 
 protected:
+    void contextMenuEvent(QContextMenuEvent* event) override;
     [[nodiscard]] QMimeData* createMimeDataFromSelection() const override;
     bool focusNextPrevChild(bool next) override;
     void keyPressEvent(QKeyEvent* event) override;
