@@ -13,6 +13,9 @@
 #include <utility>
 
 namespace varno {
+
+using namespace Qt::StringLiterals;
+
 namespace {
 
 constexpr double leastSidebarWidth = 140;
@@ -44,6 +47,7 @@ EntryView::EntryView(AppViewModel& viewModel, QWidget* parent)
     connect(&m_nextFlush, &QTimer::timeout, this, &EntryView::flush);
     connectBars();
     connectPage();
+    bindTextSize();
     flush();
 }
 
@@ -77,7 +81,21 @@ void EntryView::connectPage()
     connect(&m_column, &ReadingColumn::newSearch, &m_viewModel, &AppViewModel::newSearch);
     connect(&m_column, &ReadingColumn::fullEntry, &m_viewModel, &AppViewModel::upgradeToFullEntry);
     connect(&m_column, &ReadingColumn::searchRequested, &m_viewModel, &AppViewModel::search);
+    connect(&m_column, &ReadingColumn::textSizeStepped, this, &EntryView::stepTextSize);
     connect(&m_column, &ReadingColumn::copyEntry, this, &EntryView::copyEntry);
+}
+
+void EntryView::bindTextSize()
+{
+    using Keys = QList<QKeySequence>;
+    for (const auto& [keys, steps] :
+         {std::pair(Keys{u"Ctrl++"_s, u"Ctrl+="_s, u"Meta++"_s, u"Meta+="_s}, 1),
+          std::pair(Keys{u"Ctrl+-"_s, u"Meta+-"_s}, -1)}) {
+        auto* shortcut = new QShortcut(this);
+        shortcut->setKeys(keys);
+        shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+        connect(shortcut, &QShortcut::activated, this, [this, by = steps] { stepTextSize(by); });
+    }
 }
 
 void EntryView::takeNote(AppViewModel::Changes what)
@@ -225,6 +243,15 @@ void EntryView::copyEntry()
     auto entry = copiedEntry(m_viewModel.streamingTitle(), displayContent(m_viewModel),
                              *m_column.allText(), relatedTopics(m_viewModel));
     QGuiApplication::clipboard()->setMimeData(entry.release());
+}
+
+void EntryView::stepTextSize(int steps)
+{
+    const auto size = static_cast<FontSize>(
+        std::clamp(static_cast<int>(m_viewModel.fontSize()) + steps,
+                   static_cast<int>(FontSize::small), static_cast<int>(FontSize::large)));
+    if (size != m_viewModel.fontSize())
+        m_viewModel.setFontSize(size);
 }
 
 void EntryView::jumpTo(const QUuid& pageId)

@@ -51,6 +51,8 @@ private:
     [[nodiscard]] QStringView textInColumn() const;
     void openFind();
     void copyEntry();
+    void bindTextSize();
+    void stepTextSize(int steps);
 
     void jumpTo(const QUuid& pageId);
     void dragSidebar(int translation);

@@ -7,6 +7,7 @@
 #include <QApplication>
 #include <QContextMenuEvent>
 #include <QScrollBar>
+#include <QWheelEvent>
 
 #include <algorithm>
 #include <utility>
@@ -248,6 +249,25 @@ void ReadingColumn::mouseMoveEvent(QMouseEvent* event)
 void ReadingColumn::mouseReleaseEvent(QMouseEvent* event)
 {
     event->setAccepted(std::exchange(m_isPressedBeside, false) && m_selection.mouseBeside(*event));
+}
+
+/// With Control the text under the pointer stays where it is, and changes its size.
+void ReadingColumn::wheelEvent(QWheelEvent* event)
+{
+    if (event->modifiers() != Qt::ControlModifier) {
+        VerticalScrollArea::wheelEvent(event);
+        return;
+    }
+    event->accept();
+    m_wheelTurn += event->angleDelta().y();
+    const int steps = m_wheelTurn / QWheelEvent::DefaultDeltasPerStep;
+    m_wheelTurn %= QWheelEvent::DefaultDeltasPerStep;
+    if (steps == 0)
+        return;
+    const int y = viewport()->mapFromGlobal(event->globalPosition()).toPoint().y();
+    const Place read = placeAt(y);
+    Q_EMIT textSizeStepped(steps);
+    restore(read, y);
 }
 
 void ReadingColumn::resizeEvent(QResizeEvent* event)

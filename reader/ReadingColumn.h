@@ -68,6 +68,8 @@ Q_SIGNALS:
     void fullEntry();
     void searchRequested(const QString& query);
     void copyEntry();
+    /// The wheel asks for larger text, or for smaller.
+    void textSizeStepped(int steps);
 
 protected:
     void changeEvent(QEvent* event) override;
@@ -77,6 +79,7 @@ protected:
     void mousePressEvent(QMouseEvent* event) override;
     void mouseReleaseEvent(QMouseEvent* event) override;
     void resizeEvent(QResizeEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
 
 private:
     [[nodiscard]] Place placeAt(int y);
@@ -105,6 +108,7 @@ private:
     Animation m_scroll;
     PageSelection m_selection;
     SelectionScroller m_selectionScroller;
+    int m_wheelTurn = 0; ///< of the step that is begun, in the wheel's units
     bool m_isWritten = false;
     bool m_isPressedBeside = false;
 };

@@ -29,6 +29,14 @@ void open(const QUrl& address)
         QDesktopServices::openUrl(address);
 }
 
+std::unique_ptr<QMimeData> copied(const QTextCursor& cursor)
+{
+    auto data = std::make_unique<QMimeData>();
+    data->setText(selectedTextWithLinks(cursor));
+    data->setHtml(selectedHtml(cursor));
+    return data;
+}
+
 } // namespace
 
 TextSurface::TextSurface(QWidget* parent)
@@ -84,20 +92,14 @@ QVariant TextSurface::loadResource(int, const QUrl&)
 
 QMimeData* TextSurface::createMimeDataFromSelection() const
 {
-    auto* selection = new QMimeData;
-    selection->setText(selectedTextWithLinks(textCursor()));
-    selection->setHtml(selectedHtml(textCursor()));
-    return selection;
+    return copied(textCursor()).release();
 }
 
-std::unique_ptr<QMimeData> TextSurface::all()
+std::unique_ptr<QMimeData> TextSurface::all() const
 {
-    const QSignalBlocker nothingIsSelected(this);
-    const QTextCursor before = textCursor();
-    QTextBrowser::selectAll();
-    std::unique_ptr<QMimeData> all(createMimeDataFromSelection());
-    setTextCursor(before);
-    return all;
+    QTextCursor cursor(document());
+    cursor.select(QTextCursor::Document);
+    return copied(cursor);
 }
 
 QString TextSurface::focusedLink() const

@@ -30,7 +30,7 @@ public:
     [[nodiscard]] QRectF rowRect(const QTextBlock& row) const;
 
     /// What selecting all and copying gives.
-    [[nodiscard]] std::unique_ptr<QMimeData> all();
+    [[nodiscard]] std::unique_ptr<QMimeData> all() const;
     /// The address of the link that has the focus; empty where none has it.
     [[nodiscard]] QString focusedLink() const;
 
