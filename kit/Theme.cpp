@@ -69,7 +69,7 @@ QPalette themePalette(AppTheme theme)
         {P::WindowText, P::Text, P::ButtonText, P::BrightText, P::ToolTipText, P::HighlightedText},
         text);
     setColors(palette, {P::Link, P::LinkVisited}, accent);
-    palette.setColor(P::Highlight, blended(background, accent, 0.3));
+    palette.setColor(P::Highlight, withOpacity(accent, 0.3)); // what is behind it can be seen
     palette.setColor(P::PlaceholderText, withOpacity(text, 0.4));
     for (const P::ColorRole role : {P::Text, P::ButtonText})
         palette.setColor(P::Disabled, role, blended(background, text, 0.4));

@@ -1,4 +1,5 @@
 
+#include "kit/Theme.h"
 #include "tests/PageText.h"
 #include "tests/Test.h"
 
@@ -266,6 +267,11 @@ private Q_SLOTS:
                 QVERIFY(!isYellow(edge - inside));
             }
         }
+        setTheme(*shown.view.window(), AppTheme::dark);
+        surfaceOf(shown.view).selectAll();
+        const QImage selected = shown.view.grab().toImage();
+        shown.view.setHighlightText(u"the"_s);
+        QVERIFY(shown.view.grab().toImage() != selected); // it shows there too
     }
 
     void writesLongPagesBitByBit()
