@@ -9,7 +9,8 @@ namespace varno {
 using namespace Qt::StringLiterals;
 
 SearchView::SearchView(AppViewModel& viewModel, KeychainTasks& keys,
-                       std::function<QString()> shortcutLabel, QWidget* parent)
+                       std::function<QString()> shortcutLabel, QWidget* parent,
+                       AnimationSetting& animationSetting)
     : QWidget(parent)
     , m_viewModel(viewModel)
     , m_keys(keys)
@@ -19,6 +20,7 @@ SearchView::SearchView(AppViewModel& viewModel, KeychainTasks& keys,
     , m_warningSymbol(Symbol::exclamationmarkTriangle, {.size = 11, .role = StandardColor::orange})
     , m_warningText(tr("Add your Anthropic API key in Settings to get started."),
                     {.size = 12, .role = StandardColor::orange})
+    , m_recentPlace(animationSetting)
     , m_bottomBar({}, {.size = 11, .opacity = 0.35})
     , m_settings(Symbol::gearshape, {.symbol = {.size = 13, .opacity = 0.45}})
 {
@@ -44,6 +46,7 @@ QWidget* SearchView::page()
     m_warning.setLayout(row({.spacing = 6}, {m_warningSymbol, m_warningText}));
     m_warning.layout()->setContentsMargins(0, above, 0, SearchBox::shadowRoom);
     m_recentSearches.layout()->setContentsMargins(0, above, 0, 0);
+    m_recentPlace.setPart(m_recentSearches);
     auto* page = new QWidget;
     page->setLayout(column({}, {
                                    stretch(),
@@ -53,7 +56,7 @@ QWidget* SearchView::page()
                                    gap(40 - SearchBox::shadowRoom),
                                    aligned(m_box, Qt::AlignHCenter),
                                    aligned(m_warning, Qt::AlignHCenter),
-                                   aligned(m_recentSearches, Qt::AlignHCenter),
+                                   aligned(m_recentPlace, Qt::AlignHCenter),
                                    stretch(),
                                }));
     return page;
@@ -99,7 +102,7 @@ void SearchView::takeNote(AppViewModel::Changes what)
 void SearchView::showRecentSearches()
 {
     m_recentSearches.setSearches(m_viewModel.searchHistory());
-    m_recentSearches.setVisible(m_box.query().isEmpty() && !m_viewModel.searchHistory().isEmpty());
+    m_recentPlace.setPartVisible(m_box.query().isEmpty() && !m_viewModel.searchHistory().isEmpty());
 }
 
 QString SearchView::bottomBarText() const

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "app/GlidingPlace.h"
 #include "app/KeychainTasks.h"
 #include "app/RecentSearches.h"
 #include "app/SearchBox.h"
@@ -20,7 +21,8 @@ public:
     /// of the shortcut that opens the panel, empty if there is none; it is called when the screen
     /// appears.
     SearchView(AppViewModel& viewModel, KeychainTasks& keys, std::function<QString()> shortcutLabel,
-               QWidget* parent = nullptr);
+               QWidget* parent = nullptr,
+               AnimationSetting& animationSetting = systemAnimationSetting());
 
 protected:
     void showEvent(QShowEvent* event) override;
@@ -49,6 +51,7 @@ private:
     QWidget m_warning;
     SymbolView m_warningSymbol;
     ThemedText m_warningText;
+    GlidingPlace m_recentPlace;
     RecentSearches m_recentSearches;
     ThemedText m_bottomBar;
     PlainButton m_settings;

@@ -1,6 +1,7 @@
 #include "app/SearchView.h"
 
 #include "app/RowButton.h"
+#include "platform/fake/FakeAnimationSetting.h"
 #include "tests/ControllerFixture.h"
 #include "tests/ScreenReading.h"
 #include "tests/Test.h"
@@ -45,7 +46,8 @@ struct SearchFixture : ControllerFixture {
     KeychainService& keychain = newKeychain();
     KeychainTasks keys{keychain};
     QString label;
-    SearchView view{*model, keys, [this] { return label; }};
+    FakeAnimationSetting motion;
+    SearchView view{*model, keys, [this] { return label; }, nullptr, motion};
 };
 
 } // namespace
@@ -106,6 +108,34 @@ private Q_SLOTS:
         QVERIFY(f.field().hasFocus());
         QCOMPARE(f.rows().size(), 2);
         QVERIFY(!shownButton(f.view, u"Clear the search"_s));
+    }
+
+    void fieldGlidesToItsPlace()
+    {
+        for (const bool wantsMotion : {true, false}) {
+            const InRow row(wantsMotion);
+            SearchFixture alone;
+            SearchFixture f(8);
+            QTRY_VERIFY(shownText(f.view, warning) && shownText(alone.view, warning));
+            f.motion.set(wantsMotion);
+            const auto top = [](const SearchFixture& fixture) {
+                QCoreApplication::processEvents();
+                return fixture.field().mapTo(&fixture.view, QPoint()).y();
+            };
+            const int above = top(f);
+            const int centred = top(alone);
+            QVERIFY(centred > above + 100);
+            QTest::keyClicks(&f.field(), u"a"_s);
+            QVERIFY(f.view.findChild<GlidingPlace*>()->height() > 100); // not at once
+            if (wantsMotion)
+                QTRY_COMPARE(top(f), centred);
+            QCOMPARE(top(f), wantsMotion ? centred : above);
+            f.show();
+            QTRY_COMPARE(top(f), centred);
+            f.field().clear();
+            QTRY_COMPARE(top(f), above);
+            QCOMPARE(f.rows().size(), 8);
+        }
     }
 
     void warnsWhileThereIsNoKey()
