@@ -3,6 +3,7 @@
 #include "core/AppViewModel.h"
 
 #include <QApplication>
+#include <QContextMenuEvent>
 #include <QLineEdit>
 
 #include <algorithm>
@@ -119,7 +120,24 @@ bool EntryTour::takePicture(const Scene& scene, AppTheme theme, FontSize size)
             return m_camera.giveUp(u"The page does not come to rest."_s);
         scrollToEnd(m_window);
     }
-    return m_camera.take(u"%1-%2-%3"_s.arg(scene.name, rawValue(theme), rawValue(size)));
+    if (scene.opensMenu && !openMenu())
+        return m_camera.giveUp(u"The menu of the page does not open."_s);
+    const bool isTaken =
+        m_camera.take(u"%1-%2-%3"_s.arg(scene.name, rawValue(theme), rawValue(size)));
+    if (QWidget* menu = QApplication::activePopupWidget())
+        menu->close();
+    return isTaken;
+}
+
+bool EntryTour::openMenu()
+{
+    QWidget* text = QApplication::focusWidget();
+    if (!text)
+        return false;
+    const QPoint place(120, 90);
+    QContextMenuEvent event(QContextMenuEvent::Mouse, place, text->mapToGlobal(place));
+    QCoreApplication::sendEvent(text, &event);
+    return m_camera.waitUntil([] { return QApplication::activePopupWidget() != nullptr; });
 }
 
 } // namespace varno

@@ -26,6 +26,7 @@ private:
     [[nodiscard]] bool openSection();
     [[nodiscard]] bool find(const QString& text);
     [[nodiscard]] bool selectAll();
+    [[nodiscard]] bool openMenu();
     [[nodiscard]] bool takePictures(const Scene& scene);
     [[nodiscard]] bool takePicture(const Scene& scene, AppTheme theme, FontSize size);
 

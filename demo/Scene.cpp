@@ -72,6 +72,8 @@ QList<Scene> scenes()
         {.name = u"article"_s, .query = article},
         {.name = u"article-end"_s, .query = article, .endsBelow = true},
         {.name = u"selection"_s, .query = article, .selectsAll = true},
+        {.name = u"menu"_s, .query = article, .opensMenu = true},
+        {.name = u"menu-selection"_s, .query = article, .selectsAll = true, .opensMenu = true},
         {.name = u"section"_s, .query = article, .opensSection = true},
         {.name = u"find-matches"_s, .query = article, .findText = u"emperor"_s},
         {.name = u"find-none"_s, .query = article, .findText = u"zeppelin"_s},

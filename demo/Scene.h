@@ -24,6 +24,7 @@ struct Scene {
     bool opensSection = false; ///< the first one
     QString findText = {};     ///< typed into the find bar
     bool selectsAll = false;   ///< of the text
+    bool opensMenu = false;    ///< over the text
     bool endsBelow = false;    ///< scrolled to its end
 };
 
