@@ -76,6 +76,7 @@ void VarnoPanel::present(quint32 time)
     } else {
         keepOnScreen();
         winId(); // creates the window
+        windowHandle()->installEventFilter(&m_heldKeys);
         prepareFloatingPanel(*windowHandle());
         show();
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "app/ContentView.h"
+#include "app/HeldKeys.h"
 
 #include <optional>
 
@@ -32,6 +33,7 @@ private:
 
     AppViewModel& m_viewModel;
     ContentView m_content;
+    HeldKeys m_heldKeys;
     std::optional<QPoint> m_pressedAt; ///< on the screen
 };
 

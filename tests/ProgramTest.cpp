@@ -63,6 +63,19 @@ private Q_SLOTS:
         }
     }
 
+    void goesOneStepForAHeldKey()
+    {
+        m_desktop->setRepeating(true);
+        showPanel();
+        search(*m_desktop, "opal");
+        m_desktop->typeWith(pcKey::control, pcKey::comma);
+        QVERIFY(m_program->settles());
+        m_desktop->press(pcKey::escape);
+        QTest::qWait(1500); // a mistake would hide the panel
+        m_desktop->lift(pcKey::escape);
+        QVERIFY(m_program->isShown());
+    }
+
     void manyToggles()
     {
         m_desktop->pressModifiers();
