@@ -97,8 +97,11 @@ private Q_SLOTS:
         showPanel();
         m_desktop->type(pcKey::escape); // from the entry to a new search
         m_desktop->type("onyx");
+        using Keys = std::initializer_list<quint8>;
+        for (const quint8 key : Keys{pcKey::a, pcKey::x, pcKey::v, pcKey::v, pcKey::b})
+            m_desktop->typeWith(pcKey::super, key);
         m_desktop->type(pcKey::enter);
-        QTRY_VERIFY(m_program->hasSearched("onyx, opal"));
+        QTRY_VERIFY(m_program->hasSearched("onyxonyx, opal"));
     }
 
     void isDraggedByItsMargins()
