@@ -3,6 +3,22 @@
 #include "reader/text/MarkdownContentView.h"
 
 namespace varno {
+namespace {
+
+bool offersFullEntry(const AppViewModel& viewModel)
+{
+    const Page* page = viewModel.currentPage();
+    return page && !viewModel.isStreaming() && page->entryType != EntryType::full;
+}
+
+/// Whether the page has been written and shows no text.
+bool isWithoutText(const AppViewModel& viewModel)
+{
+    return viewModel.currentPage() && !viewModel.isStreaming() &&
+           MarkdownContentView::showsNothing(displayContent(viewModel));
+}
+
+} // namespace
 
 const Page* shownPage(const AppViewModel& viewModel)
 {
@@ -12,6 +28,27 @@ const Page* shownPage(const AppViewModel& viewModel)
     const bool isOnShow = current->title == viewModel.streamingTitle() &&
                           current->content == viewModel.streamingContent();
     return isOnShow ? current : viewModel.session()->rootPage();
+}
+
+QList<Breadcrumb> breadcrumbs(const AppViewModel& viewModel)
+{
+    QList<Breadcrumb> crumbs;
+    const Page* page = shownPage(viewModel);
+    const Page* root = page ? viewModel.session()->rootPage() : nullptr;
+    if (root && root != page)
+        crumbs.append({.pageId = root->id, .title = root->title});
+    if (page)
+        crumbs.append({.pageId = page->id, .title = page->title});
+    return crumbs;
+}
+
+ReadingColumn::PageState pageState(const AppViewModel& viewModel)
+{
+    return {.errorMessage = viewModel.errorMessage(),
+            .isStreaming = viewModel.isStreaming(),
+            .isWithoutText = isWithoutText(viewModel),
+            .offersFullEntry = offersFullEntry(viewModel),
+            .relatedTopics = relatedTopics(viewModel)};
 }
 
 QStringView displayContent(const AppViewModel& viewModel)
@@ -34,18 +71,6 @@ bool isOnSection(const AppViewModel& viewModel)
 {
     const Page* page = shownPage(viewModel);
     return page && page->parentPageId;
-}
-
-bool offersFullEntry(const AppViewModel& viewModel)
-{
-    const Page* page = viewModel.currentPage();
-    return page && !viewModel.isStreaming() && page->entryType != EntryType::full;
-}
-
-bool isWithoutText(const AppViewModel& viewModel)
-{
-    return viewModel.currentPage() && !viewModel.isStreaming() &&
-           MarkdownContentView::showsNothing(displayContent(viewModel));
 }
 
 QStringList relatedTopics(const AppViewModel& viewModel)

@@ -1,6 +1,8 @@
 #pragma once
 
 #include "core/AppViewModel.h"
+#include "reader/BreadcrumbTrail.h"
+#include "reader/ReadingColumn.h"
 
 namespace varno {
 
@@ -11,6 +13,11 @@ namespace varno {
 /// root page, wherever its trail ends. Null when there is none.
 [[nodiscard]] const Page* shownPage(const AppViewModel& viewModel);
 
+/// The trail from the root page to the page on show.
+[[nodiscard]] QList<Breadcrumb> breadcrumbs(const AppViewModel& viewModel);
+
+[[nodiscard]] ReadingColumn::PageState pageState(const AppViewModel& viewModel);
+
 /// The text on show.
 [[nodiscard]] QStringView displayContent(const AppViewModel& viewModel);
 
@@ -19,12 +26,6 @@ namespace varno {
 
 /// Whether the page on show is a section of another.
 [[nodiscard]] bool isOnSection(const AppViewModel& viewModel);
-
-/// Whether the "Full Entry" button is shown.
-[[nodiscard]] bool offersFullEntry(const AppViewModel& viewModel);
-
-/// Whether the page has been written and shows no text.
-[[nodiscard]] bool isWithoutText(const AppViewModel& viewModel);
 
 /// The related topics; none while the page is streaming.
 [[nodiscard]] QStringList relatedTopics(const AppViewModel& viewModel);

@@ -179,23 +179,9 @@ void EntryView::openPage()
 
 void EntryView::showPage()
 {
-    const Page* page = shownPage(m_viewModel);
-    QList<Breadcrumb> crumbs;
-    const Page* root = page ? m_viewModel.session()->rootPage() : nullptr;
-    if (root && root != page)
-        crumbs.append({.pageId = root->id, .title = root->title});
-    if (page)
-        crumbs.append({.pageId = page->id, .title = page->title});
-    m_breadcrumbBar.setCrumbs(crumbs);
-
+    m_breadcrumbBar.setCrumbs(breadcrumbs(m_viewModel));
     m_column.setTitle(m_viewModel.streamingTitle());
-    m_column.setPageState({
-        .errorMessage = m_viewModel.errorMessage(),
-        .isStreaming = m_viewModel.isStreaming(),
-        .isWithoutText = isWithoutText(m_viewModel),
-        .offersFullEntry = offersFullEntry(m_viewModel),
-        .relatedTopics = relatedTopics(m_viewModel),
-    });
+    m_column.setPageState(pageState(m_viewModel));
 }
 
 void EntryView::showText()
