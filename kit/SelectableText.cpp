@@ -30,6 +30,8 @@ TextRange SelectableText::selection() const
 
 void SelectableText::select(qsizetype anchor, qsizetype position)
 {
+    if (anchor == m_anchor && position == m_position)
+        return;
     m_anchor = anchor;
     m_position = position;
     update();

@@ -43,9 +43,20 @@ void PageSelection::selectAll()
 
 bool PageSelection::mouseBeside(const QMouseEvent& event)
 {
-    if (m_text.isHidden() || (event.buttons() | event.button()) != Qt::LeftButton)
+    if ((event.buttons() | event.button()) != Qt::LeftButton)
         return false;
-    m_text.mouseBeside(event);
+    const auto placeIn = [&event](const QWidget& widget) {
+        return widget.mapFromGlobal(event.globalPosition());
+    };
+    if (event.button() == Qt::LeftButton && event.type() != QEvent::MouseButtonRelease) {
+        const bool isAtTitle = placeIn(m_header).y() < m_header.height();
+        m_receiver = isAtTitle ? &m_header.text() : m_text.childAt(0, 0);
+    }
+    if (!m_receiver || !m_receiver->isVisible())
+        return false;
+    QMouseEvent there(event.type(), placeIn(*m_receiver), event.globalPosition(), event.button(),
+                      event.buttons(), event.modifiers());
+    QCoreApplication::sendEvent(m_receiver, &there);
     return true;
 }
 

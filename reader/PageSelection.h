@@ -1,6 +1,8 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
+#include <QWidget>
 
 class QMouseEvent;
 
@@ -24,13 +26,14 @@ public:
     /// Selects the text.
     void selectAll();
 
-    /// Takes an event of the mouse that happened beside the page: a drag selects from the line that
-    /// it began at. False when that is none of its.
+    /// Takes an event of the mouse that happened beside the title and the text: a drag selects from
+    /// the line that it began at. False when there is nothing to select.
     bool mouseBeside(const QMouseEvent& event);
 
 private:
     EntryHeader& m_header;
     MarkdownContentView& m_text;
+    QPointer<QWidget> m_receiver; ///< of the drag
 };
 
 } // namespace varno

@@ -4,7 +4,6 @@
 #include "reader/text/SelectedText.h"
 
 #include <QAbstractTextDocumentLayout>
-#include <QMouseEvent>
 
 #include <cmath>
 
@@ -147,14 +146,6 @@ std::unique_ptr<QMimeData> MarkdownContentView::all()
 QString MarkdownContentView::linkAt(const QPoint& position) const
 {
     return m_surface.anchorAt(position);
-}
-
-void MarkdownContentView::mouseBeside(const QMouseEvent& event)
-{
-    QWidget& receiver = *m_surface.viewport();
-    QMouseEvent there(event.type(), receiver.mapFromGlobal(event.globalPosition()),
-                      event.globalPosition(), event.button(), event.buttons(), event.modifiers());
-    QCoreApplication::sendEvent(&receiver, &there);
 }
 
 void MarkdownContentView::resizeEvent(QResizeEvent* event)

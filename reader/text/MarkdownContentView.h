@@ -52,9 +52,6 @@ public:
     [[nodiscard]] QString linkAt(const QPoint& position) const;
     [[nodiscard]] QString focusedLink() const { return m_surface.focusedLink(); }
 
-    /// Takes an event of the mouse that happened beside the text, in whatever coordinates.
-    void mouseBeside(const QMouseEvent& event);
-
     /// The rectangle of a block, in this widget's coordinates; null when there is no such block.
     [[nodiscard]] QRect blockRect(int index);
     /// The index of the block at `y`, or of the nearest one; -1 when there is none.
