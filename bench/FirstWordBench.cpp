@@ -49,7 +49,7 @@ struct Line {
         service->setScript({.pieceLength = 40, .pauseAfterFirstEvent = 100ms});
     }
 
-    std::unique_ptr<StandInService> service = StandInService::start({.tls = true});
+    std::unique_ptr<StandInService> service = std::get<0>(StandInService::start({.tls = true}));
     std::unique_ptr<SlowRelay> relay;
     const QByteArray url = relay ? relay->url() : service->claudeEndpoint();
     std::atomic<Clock::time_point> arrival; ///< of the latest request for an entry

@@ -62,7 +62,7 @@ class ConnectionAheadTest : public QObject {
 private Q_SLOTS:
     void requestGoesOutOnceAndWhole()
     {
-        const auto service = StandInService::start({.tls = true});
+        const auto service = std::get<0>(StandInService::start({.tls = true}));
         CurlHttpSession session(service->certificateFile());
         for (const qsizetype size : {0, 1, 1 << 21}) {
             const InRow row(size);
