@@ -33,9 +33,10 @@ struct Definition : Screen {
         QTest::mouseRelease(&pressed, Qt::LeftButton, {}, pressed.mapFrom(&window, end));
     }
     /// Opens the menu there, and triggers what begins so, if anything is to be.
-    QStringList menu(QWidget& widget, const QPoint& position, const QString& choice = {})
+    QStringList menu(QWidget& widget, const QPoint& position, const QString& choice = {},
+                     QContextMenuEvent::Reason reason = QContextMenuEvent::Mouse)
     {
-        QContextMenuEvent event(QContextMenuEvent::Mouse, position, widget.mapToGlobal(position));
+        QContextMenuEvent event(reason, position, widget.mapToGlobal(position));
         QApplication::sendEvent(&widget, &event);
         auto* menu = qobject_cast<QMenu*>(QApplication::activePopupWidget());
         QStringList names;
@@ -133,6 +134,10 @@ private Q_SLOTS:
         QCOMPARE(screen.menu(screen.surface(), link, u"Copy Link"_s),
                  (QStringList{u"Copy Link"_s, u"Select All"_s, u"Copy Entry"_s}));
         QCOMPARE(QApplication::clipboard()->text(), u"https://a.b/"_s);
+        screen.key(Qt::Key_Tab); // to the link
+        QCOMPARE(
+            screen.menu(*QApplication::focusWidget(), beginning, {}, QContextMenuEvent::Keyboard),
+            (QStringList{u"Copy"_s, u"Copy Link"_s, u"Select All"_s, u"Search for “there”"_s}));
         QTest::mouseDClick(&screen.surface(), Qt::LeftButton, {}, beginning);
         const QStringList ofSelection = {u"Copy"_s, u"Select All"_s, u"Search for “First”"_s};
         QCOMPARE(screen.menu(screen.surface(), beginning, u"Copy"_s), ofSelection);
