@@ -49,7 +49,7 @@ void VerticalScrollArea::showPart(const QWidget& owner, const QRect& part)
 /// Without what the toolkit does here: it would show the place of the cursor in a text.
 bool VerticalScrollArea::focusNextPrevChild(bool next)
 {
-    return QAbstractScrollArea::focusNextPrevChild(next);
+    return QAbstractScrollArea::focusNextPrevChild(next); // NOLINT(bugprone-parent-virtual-call)
 }
 
 void VerticalScrollArea::keyPressEvent(QKeyEvent* event)

@@ -16,9 +16,9 @@ public:
     /// Shows `content`, and owns it unless it is a member of another object.
     void setContent(QWidget& content);
 
-    /// Scrolls, if it has to, until a part of a widget in it is in view; of one that is higher than
-    /// the area, any part will do.
-    void showPart(const QWidget& widget, const QRect& part);
+    /// Scrolls, if it has to, until a part of `owner`, which is in it, is in view; of one that is
+    /// higher than the area, any part will do.
+    void showPart(const QWidget& owner, const QRect& part);
 
 protected:
     bool focusNextPrevChild(bool next) override;
