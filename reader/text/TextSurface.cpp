@@ -3,6 +3,7 @@
 #include "kit/LineRange.h"
 #include "kit/Theme.h"
 #include "reader/text/Highlights.h"
+#include "reader/text/PageAccessible.h"
 #include "reader/text/RowPainter.h"
 #include "reader/text/SelectedHtml.h"
 #include "reader/text/SelectedText.h"
@@ -50,6 +51,7 @@ TextSurface::TextSurface(QWidget* parent)
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setOpenLinks(false);
     setAccessibleName(u"Entry"_s);
+    installPageAccessible(*this);
     viewport()->setAutoFillBackground(false);
     viewport()->setCursor(Qt::IBeamCursor);
     connect(this, &QTextBrowser::highlighted, this, [this](const QUrl& link) {
