@@ -1,6 +1,7 @@
 #include "app/VarnoPanel.h"
 
 #include "app/ResizeGrip.h"
+#include "kit/Accessibility.h"
 #include "kit/Layout.h"
 #include "kit/Theme.h"
 #include "platform/WindowPlacement.h"
@@ -32,6 +33,7 @@ VarnoPanel::VarnoPanel(AppViewModel& viewModel, KeychainTasks& keys, const Panel
     , m_content(viewModel, keys, shortcut)
 {
     setWindowTitle(u"Varno"_s);
+    setAccessibleRole(*this, QAccessible::Window);
     setMinimumSize(leastSize);
     resize(firstSize);
     setTheme(*this, viewModel.theme());

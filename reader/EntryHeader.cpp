@@ -1,5 +1,6 @@
 #include "reader/EntryHeader.h"
 
+#include "kit/Accessibility.h"
 #include "kit/Layout.h"
 #include "kit/TextCuts.h"
 
@@ -11,6 +12,7 @@ EntryHeader::EntryHeader(QWidget* parent)
               Overflow::wrap)
 {
     setLayout(column({.spacing = 4}, {m_title, m_rule}));
+    setAccessibleRole(m_title, QAccessible::Heading, 1);
 }
 
 void EntryHeader::setTitle(const QString& title)

@@ -1,5 +1,6 @@
 #include "reader/FindBar.h"
 
+#include "kit/Accessibility.h"
 #include "kit/InputLimit.h"
 #include "kit/Layout.h"
 
@@ -8,6 +9,9 @@ namespace varno {
 using namespace Qt::StringLiterals;
 
 namespace {
+
+/// A counter that changes again within that is not told yet.
+constexpr std::chrono::milliseconds rest(300);
 
 const TextStyle counterStyle{.size = 11, .equalDigits = true, .opacity = 0.45};
 const TextStyle noResultsStyle{.size = 11, .role = StandardColor::red, .opacity = 0.7};
@@ -54,8 +58,15 @@ FindBar::FindBar(QWidget* parent)
     m_previous.setToolTip(tr("Previous match (⇧↩)"));
     m_next.setToolTip(tr("Next match (↩)"));
     m_close.setAccessibleName(tr("Close"));
+    setAccessibleRole(m_counter, QAccessible::Notification);
+    m_announcement.setSingleShot(true);
+    m_announcement.setInterval(rest);
     showCounter();
 
+    connect(&m_announcement, &QTimer::timeout, this, [this] {
+        if (m_counter.isVisible())
+            announce(m_counter);
+    });
     connect(&m_field, &QLineEdit::textChanged, this, [this](const QString& text) {
         showCounter();
         Q_EMIT findTextChanged(text);
@@ -96,9 +107,12 @@ void FindBar::showCounter()
 {
     m_counter.setVisible(!m_field.text().isEmpty());
     m_counter.setTextStyle(m_totalMatchCount > 0 ? counterStyle : noResultsStyle);
+    const QString before = m_counter.text();
     m_counter.setText(m_totalMatchCount > 0
                           ? tr("%1 of %2").arg(m_currentMatchIndex + 1).arg(m_totalMatchCount)
                           : tr("No results"));
+    if (QAccessible::isActive() && m_counter.text() != before)
+        m_announcement.start();
 }
 
 } // namespace varno

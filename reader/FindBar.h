@@ -6,6 +6,8 @@
 #include "kit/ThemedText.h"
 #include "reader/Surface.h"
 
+#include <QTimer>
+
 namespace varno {
 
 /// The bar with the find text, the counter of matches, and buttons that step through them.
@@ -36,6 +38,7 @@ private:
     SymbolView m_symbol;
     TextField m_field;
     ThemedText m_counter;
+    QTimer m_announcement; ///< of the counter, once it rests
     PlainButton m_previous;
     PlainButton m_next;
     PlainButton m_close;

@@ -1,6 +1,8 @@
 #include "reader/ReadingColumn.h"
 
+#include "kit/Accessibility.h"
 #include "kit/Layout.h"
+#include "kit/TextCuts.h"
 #include "kit/TextField.h"
 #include "reader/PageMenu.h"
 
@@ -24,6 +26,11 @@ constexpr int aboveRelatedTopics = 32;
 constexpr int lineStep = 24;
 constexpr std::chrono::milliseconds scrollDuration(250);
 
+QString writing()
+{
+    return ReadingColumn::tr("Writing");
+}
+
 /// Space and all goes where the place is hidden.
 void fill(QWidget& place, int above, const LayoutItem& item)
 {
@@ -34,6 +41,7 @@ void fill(QWidget& place, int above, const LayoutItem& item)
 
 ReadingColumn::ReadingColumn(QWidget* parent)
     : VerticalScrollArea(parent)
+    , m_state(&m_page)
     , m_status(tr("Getting the most accurate information…"))
     , m_scroll(*this, [this](double y) { verticalScrollBar()->setValue(qRound(y)); })
     , m_selection(m_header, m_text)
@@ -46,6 +54,10 @@ ReadingColumn::ReadingColumn(QWidget* parent)
     m_page.setLayout(column({.horizontal = 36, .vertical = 28},
                             {m_header, gap(belowHeader), m_errorPlace, m_text, m_streamingRow,
                              m_fullEntryPlace, m_relatedTopicsPlace, stretch()}));
+
+    setAccessibleRole(m_page, QAccessible::Document);
+    setAccessibleRole(m_state, QAccessible::Notification);
+    m_state.setFixedSize(0, 0);
 
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn); // its coming would break the lines anew
     verticalScrollBar()->setSingleStep(lineStep);
@@ -65,9 +77,17 @@ ReadingColumn::ReadingColumn(QWidget* parent)
     connect(&m_relatedTopics, &RelatedTopics::topicPressed, this, &ReadingColumn::searchRequested);
 }
 
+void ReadingColumn::setTitle(const QString& title)
+{
+    m_header.setTitle(title);
+    m_page.setAccessibleName(shortened(title, toolTipLimit));
+}
+
 void ReadingColumn::openPage(QStringView text, const Place& place)
 {
     m_scroll.stop();
+    if (m_state.accessibleName() != writing())
+        m_state.setAccessibleName({}); // of the page before
     m_text.setText(text);
     showStatus();
     restore(place);
@@ -107,8 +127,24 @@ void ReadingColumn::setPageState(const PageState& state)
     m_streamingRow.setVisible(isWhole && state.isStreaming);
     m_fullEntryPlace.setVisible(isWhole && state.offersFullEntry);
     m_relatedTopicsPlace.setVisible(isWhole && !state.relatedTopics.isEmpty());
+    tellState(state);
     if (hasFocus)
         setFocus();
+}
+
+/// Only what changes: a page that was written before has no state.
+void ReadingColumn::tellState(const PageState& state)
+{
+    const bool wasWriting = m_state.accessibleName() == writing();
+    if (state.isStreaming == wasWriting && !state.errorMessage)
+        return;
+    const QString told = state.errorMessage  ? shortened(*state.errorMessage, toolTipLimit)
+                         : state.isStreaming ? writing()
+                                             : tr("Done");
+    if (told == m_state.accessibleName())
+        return;
+    m_state.setAccessibleName(told);
+    announce(m_state);
 }
 
 void ReadingColumn::showStatus()

@@ -25,7 +25,7 @@ class ReadingColumn final : public VerticalScrollArea {
 public:
     explicit ReadingColumn(QWidget* parent = nullptr);
 
-    void setTitle(const QString& title) { m_header.setTitle(title); }
+    void setTitle(const QString& title);
     /// A place in a page, wherever its lines break.
     struct Place {
         int block = -1;    ///< of the text; -1 is the top of the page
@@ -91,8 +91,10 @@ private:
 
     void showStatus();
     [[nodiscard]] bool isBesidePage(const QMouseEvent& event) const;
+    void tellState(const PageState& state);
 
     QWidget m_page;
+    QWidget m_state; ///< of the writing, for assistive technology alone
     EntryHeader m_header;
     QWidget m_errorPlace;
     ErrorPanel m_error;

@@ -1,5 +1,6 @@
 #include "reader/RelatedTopics.h"
 
+#include "kit/Accessibility.h"
 #include "kit/Layout.h"
 #include "kit/PlainButton.h"
 #include "kit/TextCuts.h"
@@ -31,6 +32,10 @@ RelatedTopics::RelatedTopics(QWidget* parent)
 {
     setLayout(column({.spacing = 12}, {m_heading, m_links, m_rest}));
     setAccessibleName(tr("See also"));
+    m_heading.setAccessibleName(accessibleName());
+    setAccessibleRole(m_heading, QAccessible::Heading, 2);
+    m_links.setAccessibleName(accessibleName());
+    setAccessibleRole(m_links, QAccessible::List);
 }
 
 void RelatedTopics::setTopics(const QStringList& topics)
@@ -44,6 +49,7 @@ void RelatedTopics::setTopics(const QStringList& topics)
 QWidget* RelatedTopics::makeLink(const QString& topic)
 {
     auto* link = new PlainButton(topic, linkStyle);
+    setAccessibleRole(*link, QAccessible::Link);
     link->setFixedHeight(WrappingLengths().rowHeight);
     connect(link, &PlainButton::clicked, this, [this, topic] { Q_EMIT topicPressed(topic); });
     return link;

@@ -1,5 +1,6 @@
 #include "reader/TOCEntry.h"
 
+#include "kit/Accessibility.h"
 #include "kit/Layout.h"
 #include "kit/RoundedShape.h"
 #include "kit/TextCuts.h"
@@ -36,6 +37,8 @@ TOCEntry::TOCEntry(int number, const QString& section, QWidget* parent)
     setFocusPolicy(Qt::TabFocus);
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Preferred);
     setAccessibleName(shortened(section, toolTipLimit));
+    setAccessibleRole(*this, QAccessible::ListItem);
+    setAccessiblyCurrent(*this, false);
 }
 
 void TOCEntry::setActive(bool active)
@@ -45,6 +48,7 @@ void TOCEntry::setActive(bool active)
     m_active = active;
     m_name.setTextStyle(active ? activeNameStyle : nameStyle);
     setAccessibleDescription(active ? tr("On show") : QString());
+    setAccessiblyCurrent(*this, active);
     update();
 }
 

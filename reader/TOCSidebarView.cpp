@@ -1,5 +1,6 @@
 #include "reader/TOCSidebarView.h"
 
+#include "kit/Accessibility.h"
 #include "kit/Layout.h"
 #include "kit/TextCuts.h"
 #include "reader/TOCEntry.h"
@@ -32,6 +33,10 @@ TOCSidebarView::TOCSidebarView(QWidget* parent)
     m_scroll.setAccessibleName(tr("Contents"));
     m_scroll.installEventFilter(this);
     setAccessibleName(tr("Contents"));
+    m_heading.setAccessibleName(accessibleName());
+    setAccessibleRole(m_heading, QAccessible::Heading, 2);
+    m_list.setAccessibleName(accessibleName());
+    setAccessibleRole(m_list, QAccessible::List);
     setLoading(false);
 }
 
