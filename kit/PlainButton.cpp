@@ -214,14 +214,22 @@ void PlainButton::paintContent(QPainter& painter) const
         left += spare / 2;
     if (m_symbol) {
         const double side = m_style.symbol.size;
-        const QRectF box(left, inner.center().y() - side / 2, side, side);
+        const QRectF box = mirrored({left, inner.center().y() - side / 2, side, side});
         drawSymbol(painter, *m_symbol, box,
                    inkFor({.role = m_style.symbol.role, .opacity = m_style.symbol.opacity}),
                    m_style.symbol.weight);
     }
-    text.draw(painter, QRectF(left + leading, inner.top(), text.size().width(), inner.height()),
-              Qt::AlignLeft | Qt::AlignVCenter,
+    const QRectF place(left + leading, inner.top(), text.size().width(), inner.height());
+    text.draw(painter, mirrored(place), Qt::AlignLeft | Qt::AlignVCenter,
               inkFor({.role = m_style.text.role, .opacity = m_style.text.opacity}));
+}
+
+/// Where a place is that was reckoned from the leading edge.
+QRectF PlainButton::mirrored(QRectF place) const
+{
+    if (isRightToLeft())
+        place.moveLeft(width() - place.right());
+    return place;
 }
 
 bool PlainButton::hasRoom() const

@@ -67,6 +67,7 @@ private:
     [[nodiscard]] QColor inkFor(Ink ink) const;
     void paintBackground(QPainter& painter) const;
     void paintContent(QPainter& painter) const;
+    [[nodiscard]] QRectF mirrored(QRectF place) const;
 
     ButtonStyle m_style;
     mutable LaidOutText m_laidOut;

@@ -5,6 +5,7 @@
 #include <QCursor>
 #include <QEvent>
 #include <QPainter>
+#include <QStyle>
 #include <QToolTip>
 
 #include <algorithm>
@@ -96,7 +97,8 @@ void ThemedText::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     const Ink ink = {.role = m_style.role, .opacity = m_style.opacity};
-    block().draw(painter, rect(), alignment(), inkColor(palette(), ink));
+    block().draw(painter, rect(), QStyle::visualAlignment(layoutDirection(), alignment()),
+                 inkColor(palette(), ink));
 }
 
 LaidOutText& ThemedText::laidOut() const

@@ -8,8 +8,8 @@ namespace varno {
 
 /// A plain text of the interface in the colours of the inherited palette. An elided text is told by
 /// its tool tip; of a longer text only as much is kept as a tool tip shows. The size is that of the
-/// text, without margins. `QLabel::setAlignment` aligns it; by default it is aligned left and
-/// centred vertically.
+/// text, without margins. `QLabel::setAlignment` aligns it; by default it is aligned to the leading
+/// edge and centred vertically.
 class ThemedText : public QLabel {
     Q_OBJECT
 

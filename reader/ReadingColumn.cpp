@@ -2,6 +2,7 @@
 
 #include "kit/Accessibility.h"
 #include "kit/Layout.h"
+#include "kit/ScriptDirection.h"
 #include "kit/TextCuts.h"
 #include "kit/TextField.h"
 #include "reader/PageMenu.h"
@@ -80,7 +81,9 @@ ReadingColumn::ReadingColumn(QWidget* parent)
 void ReadingColumn::setTitle(const QString& title)
 {
     m_header.setTitle(title);
-    m_page.setAccessibleName(shortened(title, toolTipLimit));
+    m_titleShown = shortened(title, toolTipLimit);
+    m_page.setAccessibleName(m_titleShown);
+    turn();
 }
 
 void ReadingColumn::openPage(QStringView text, const Place& place)
@@ -88,6 +91,7 @@ void ReadingColumn::openPage(QStringView text, const Place& place)
     m_scroll.stop();
     if (m_state.accessibleName() != writing())
         m_state.setAccessibleName({}); // of the page before
+    turnFor(text);
     m_text.setText(text);
     showStatus();
     restore(place);
@@ -95,14 +99,34 @@ void ReadingColumn::openPage(QStringView text, const Place& place)
 
 void ReadingColumn::reviseText(QStringView text)
 {
-    keepPlace([&] { m_text.reviseText(text); });
+    keepPlace([&] {
+        turnFor(text);
+        m_text.reviseText(text);
+    });
     showStatus();
 }
 
 void ReadingColumn::appendText(QStringView piece)
 {
+    if (m_textStart.size() < directedStart) {
+        m_textStart += piece.first(std::min(piece.size(), directedStart - m_textStart.size()));
+        turn();
+    }
     m_text.appendText(piece);
     showStatus();
+}
+
+void ReadingColumn::turnFor(QStringView text)
+{
+    m_textStart = text.first(std::min(text.size(), directedStart)).toString();
+    turn();
+}
+
+/// The page begins on the side where most of what is written begins.
+void ReadingColumn::turn()
+{
+    const Qt::LayoutDirection direction = scriptDirection(m_titleShown + u' ' + m_textStart);
+    m_page.setLayoutDirection(direction == Qt::RightToLeft ? direction : Qt::LeftToRight);
 }
 
 void ReadingColumn::setFontSize(int points)

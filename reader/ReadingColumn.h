@@ -92,9 +92,13 @@ private:
     void showStatus();
     [[nodiscard]] bool isBesidePage(const QMouseEvent& event) const;
     void tellState(const PageState& state);
+    void turnFor(QStringView text);
+    void turn();
 
     QWidget m_page;
-    QWidget m_state; ///< of the writing, for assistive technology alone
+    QString m_titleShown;
+    QString m_textStart; ///< which decides the direction, with the title
+    QWidget m_state;     ///< of the writing, for assistive technology alone
     EntryHeader m_header;
     QWidget m_errorPlace;
     ErrorPanel m_error;

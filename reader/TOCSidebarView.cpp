@@ -2,6 +2,7 @@
 
 #include "kit/Accessibility.h"
 #include "kit/Layout.h"
+#include "kit/ScriptDirection.h"
 #include "kit/TextCuts.h"
 #include "reader/TOCEntry.h"
 #include "reader/TabOrder.h"
@@ -13,6 +14,14 @@
 #include <utility>
 
 namespace varno {
+namespace {
+
+bool isWrittenRightToLeft(const QStringList& sections)
+{
+    return scriptDirection(sections.join(u' ')) == Qt::RightToLeft;
+}
+
+} // namespace
 
 TOCSidebarView::TOCSidebarView(QWidget* parent)
     : Surface(BottomEdge::plain, parent)
@@ -51,6 +60,7 @@ void TOCSidebarView::setSections(const QStringList& sections)
         old->deleteLater(); // it may be calling us
     }
     m_entries.clear();
+    setLayoutDirection(isWrittenRightToLeft(m_sections) ? Qt::RightToLeft : Qt::LeftToRight);
     for (const QString& section : std::as_const(m_sections))
         m_entries.append(addEntry(int(m_entries.size()) + 1, section));
     setTabOrderAfter(m_list, {m_entries.begin(), m_entries.end()});

@@ -1,0 +1,14 @@
+#pragma once
+
+#include <QStringView>
+
+namespace varno {
+
+/// The direction of most letters at the start of a text; automatic where there are none. Costs the
+/// same however long the text is.
+[[nodiscard]] Qt::LayoutDirection scriptDirection(QStringView text);
+
+/// How much of a text decides its direction, in UTF-16 units.
+inline constexpr qsizetype directedStart = 500;
+
+} // namespace varno
