@@ -46,12 +46,13 @@ void Switch::paintEvent(QPaintEvent*)
     QPainter painter(this);
     const QRectF place(QPointF(room.width(), room.height()), QSizeF(pill));
     const double round = place.height() / 2;
-    fillRounded(painter, place, round, themeColor(palette(), ColorRole::text, 0.2 * (1 - m_knob)));
+    fillRounded(painter, place, round, themeColor(palette(), ColorRole::text, 0.55 * (1 - m_knob)));
     fillRounded(painter, place, round, themeColor(palette(), ColorRole::accent, m_knob));
 
     const double side = place.height() - 2 * margin;
     const double left = place.left() + margin + m_knob * (place.width() - 2 * margin - side);
-    fillRounded(painter, QRectF(left, place.top() + margin, side, side), side / 2, Qt::white);
+    fillRounded(painter, QRectF(left, place.top() + margin, side, side), side / 2,
+                themeColor(palette(), ColorRole::background));
 
     const QRectF ring = QRect(QPoint(), sizeHint());
     if (hasFocus())

@@ -36,10 +36,14 @@ QPalette::ColorRole paletteRole(ColorRole role)
     return roles[static_cast<std::size_t>(role)];
 }
 
-bool isDark(const QPalette& palette)
+/// The theme that a palette was made for.
+std::size_t themeOf(const QPalette& palette)
 {
-    return qGray(themeColor(palette, ColorRole::background).rgb()) <
-           qGray(themeColor(palette, ColorRole::text).rgb());
+    const QColor background = themeColor(palette, ColorRole::background);
+    for (const AppTheme theme : {AppTheme::amber, AppTheme::dark})
+        if (background == opaque(ColorRole::background, theme))
+            return static_cast<std::size_t>(theme);
+    return static_cast<std::size_t>(AppTheme::cream);
 }
 
 void setColors(QPalette& palette, std::initializer_list<QPalette::ColorRole> roles,
@@ -70,7 +74,7 @@ QPalette themePalette(AppTheme theme)
         text);
     setColors(palette, {P::Link, P::LinkVisited}, accent);
     palette.setColor(P::Highlight, withOpacity(accent, 0.3)); // what is behind it can be seen
-    palette.setColor(P::PlaceholderText, withOpacity(text, 0.4));
+    palette.setColor(P::PlaceholderText, withOpacity(text, 0.7));
     for (const P::ColorRole role : {P::Text, P::ButtonText})
         palette.setColor(P::Disabled, role, blended(background, text, 0.4));
     return palette;
@@ -83,16 +87,16 @@ QColor themeColor(const QPalette& palette, ColorRole role, double opacity)
 
 QColor standardColor(const QPalette& palette, StandardColor color, double opacity)
 {
-    constexpr std::array<std::array<QRgb, 2>, 5> colors = {{
-        // light    dark
-        {0xFFCC00, 0xFFD60A}, // yellow
-        {0xFF3B30, 0xFF453A}, // red
-        {0xFF9500, 0xFF9F0A}, // orange
-        {0x34C759, 0x30D158}, // green
-        {0x000000, 0xFFFFFF}, // primary
+    // Texts in them have a contrast of 4.5 to 1 and more, at the opacities that they are used with.
+    constexpr std::array<std::array<QRgb, 3>, 5> colors = {{
+        // cream    amber     dark
+        {0xFFCC00, 0xFFCC00, 0xFFD60A}, // yellow
+        {0x8A0000, 0x5C0000, 0xFF9085}, // red
+        {0xB04600, 0x9C3A00, 0xFF9F0A}, // orange
+        {0x0F5524, 0x0B4A1E, 0x30D158}, // green
+        {0x000000, 0x000000, 0xFFFFFF}, // primary
     }};
-    return withOpacity(QColor(colors[static_cast<std::size_t>(color)][isDark(palette) ? 1 : 0]),
-                       opacity);
+    return withOpacity(QColor(colors[static_cast<std::size_t>(color)][themeOf(palette)]), opacity);
 }
 
 QColor inkColor(const QPalette& palette, const Ink& ink)

@@ -18,7 +18,8 @@ namespace varno {
 /// A theme's colour out of a palette made by `themePalette`.
 [[nodiscard]] QColor themeColor(const QPalette& palette, ColorRole role, double opacity = 1);
 
-/// The platform's standard colours, whose meaning is the same in every theme.
+/// The standard colours, whose meaning is the same in every theme. Each theme has its own shade, so
+/// that texts in them can be read on its grounds; the yellow is the same on both light ones.
 enum class StandardColor {
     yellow,
     red,

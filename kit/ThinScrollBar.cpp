@@ -92,7 +92,7 @@ void ThinScrollBar::paintEvent(QPaintEvent* /*event*/)
     const bool strong = isSliderDown() || underMouse();
     QPainter painter(this);
     fillRounded(painter, thumb, thumb.width() / 2,
-                themeColor(palette(), ColorRole::text, strong ? 0.4 : 0.2));
+                themeColor(palette(), ColorRole::text, strong ? 0.75 : 0.55));
 }
 
 } // namespace varno

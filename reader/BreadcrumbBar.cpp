@@ -6,8 +6,8 @@ namespace varno {
 namespace {
 
 const ButtonStyle searchStyle{
-    .text = {.size = 12, .opacity = 0.6},
-    .symbol = {.size = 12, .opacity = 0.6},
+    .text = {.size = 12, .opacity = 0.7},
+    .symbol = {.size = 12, .opacity = 0.7},
     .spacing = 5,
     .horizontal = 6,
     .vertical = 3,

@@ -15,10 +15,10 @@ namespace {
 constexpr int trailHeight = 22;
 constexpr int spacing = 6;
 
-const SymbolStyle chevronStyle{.size = 9, .weight = QFont::DemiBold, .opacity = 0.35};
+const SymbolStyle chevronStyle{.size = 9, .weight = QFont::DemiBold, .opacity = 0.55};
 const TextStyle currentStyle{.size = 12, .weight = QFont::Medium, .limit = lineLimit};
 const ButtonStyle crumbStyle{
-    .text = {.size = 12, .opacity = 0.6, .limit = lineLimit},
+    .text = {.size = 12, .opacity = 0.7, .limit = lineLimit},
     .overflow = Overflow::elide,
 };
 

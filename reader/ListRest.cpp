@@ -3,7 +3,7 @@
 namespace varno {
 
 ListRest::ListRest(QWidget* parent)
-    : ThemedText({}, {.size = 11, .opacity = 0.45}, Overflow::elide, parent)
+    : ThemedText({}, {.size = 11, .opacity = 0.7}, Overflow::elide, parent)
 {
     hide();
 }

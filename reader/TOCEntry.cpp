@@ -15,7 +15,7 @@ constexpr double markInset = 8; ///< of the mark from both edges of the sidebar
 constexpr double markRadius = 5;
 constexpr double focusRingWidth = 1.5;
 
-const TextStyle numberStyle{.size = 11, .equalDigits = true, .opacity = 0.45};
+const TextStyle numberStyle{.size = 11, .equalDigits = true, .opacity = 0.75};
 const TextStyle nameStyle{.size = 13, .opacity = 0.8, .limit = contentsEntryLimit};
 const TextStyle activeNameStyle{
     .size = 13, .weight = QFont::Medium, .role = ColorRole::accent, .limit = contentsEntryLimit};

@@ -35,7 +35,7 @@ RecorderCocoa::RecorderCocoa(KeyboardShortcuts::Name name, Change onChange,
     , m_onChange(std::move(onChange))
     , m_shortcuts(shortcuts)
     , m_clear(Symbol::xmarkCircleFill,
-              {.symbol = {.size = 12, .opacity = 0.4}, .frame = {clearWidth, fieldSize.height()}})
+              {.symbol = {.size = 12, .opacity = 0.6}, .frame = {clearWidth, fieldSize.height()}})
 {
     setSizePolicy(QSizePolicy::Fixed, QSizePolicy::Fixed);
     setFocusPolicy(Qt::StrongFocus);
@@ -266,7 +266,7 @@ void RecorderCocoa::paintEvent(QPaintEvent*)
     const TextBlock block(isEmpty ? placeholder() : text(), textStyle, font(), Overflow::elide,
                           place.width());
     block.draw(painter, place, Qt::AlignCenter,
-               themeColor(palette(), ColorRole::text, isEmpty ? 0.4 : 1));
+               themeColor(palette(), ColorRole::text, isEmpty ? 0.7 : 1));
 }
 
 } // namespace varno

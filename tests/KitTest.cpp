@@ -111,8 +111,7 @@ private Q_SLOTS:
             QVERIFY(shows(symbol, of(ColorRole::text)) > 100);
             QVERIFY(shows(button, of(ColorRole::text)) > 100);
             QCOMPARE(shows(rule, of(ColorRole::border)), rule.width());
-            QVERIFY(shows(warning, theme == AppTheme::dark ? QColor(255, 69, 58)
-                                                           : QColor(255, 59, 48)) > 100);
+            QVERIFY(shows(warning, standardColor(window.palette(), StandardColor::red)) > 100);
         }
     }
 
