@@ -7,6 +7,11 @@
 
 namespace varno {
 
+double wholePixels(double thickness, double devicePixelRatio)
+{
+    return std::max(1.0, std::round(thickness * devicePixelRatio)) / devicePixelRatio;
+}
+
 Rule::Rule(Qt::Orientation orientation, double thickness, const Ink& ink, QWidget* parent)
     : QWidget(parent)
     , m_orientation(orientation)
@@ -28,7 +33,7 @@ QSize Rule::sizeHint() const
 void Rule::paintEvent(QPaintEvent*)
 {
     const double devicePixels = m_thickness * devicePixelRatioF();
-    const double drawn = std::max(1.0, std::round(devicePixels)) / devicePixelRatioF();
+    const double drawn = wholePixels(m_thickness, devicePixelRatioF());
     QColor color = inkColor(palette(), m_ink);
     color.setAlphaF(color.alphaF() * static_cast<float>(std::min(1.0, devicePixels)));
     const QSizeF size =

@@ -6,6 +6,9 @@
 
 namespace varno {
 
+/// The thickness to draw a line with, in points: whole device pixels, one at least.
+[[nodiscard]] double wholePixels(double thickness, double devicePixelRatio);
+
 /// A hairline along its place, by default in the border colour.
 class Rule : public QWidget {
     Q_OBJECT

@@ -1,6 +1,6 @@
 #include "reader/ResizeDivider.h"
 
-#include "kit/Theme.h"
+#include "kit/Rule.h"
 
 #include <QMouseEvent>
 #include <QPainter>
@@ -22,7 +22,9 @@ ResizeDivider::ResizeDivider(QWidget* parent)
 
 void ResizeDivider::paintEvent(QPaintEvent* /*event*/)
 {
-    QPainter(this).fillRect(0, 0, lineWidth, height(), themeColor(palette(), ColorRole::border));
+    const double thickness = wholePixels(lineWidth, devicePixelRatioF());
+    QPainter(this).fillRect(QRectF(0, 0, thickness, height()),
+                            themeColor(palette(), ColorRole::border));
 }
 
 void ResizeDivider::mousePressEvent(QMouseEvent* event)

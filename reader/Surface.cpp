@@ -1,6 +1,6 @@
 #include "reader/Surface.h"
 
-#include "kit/Theme.h"
+#include "kit/Rule.h"
 
 #include <QPainter>
 
@@ -16,9 +16,11 @@ Surface::Surface(BottomEdge bottomEdge, QWidget* parent)
 void Surface::paintEvent(QPaintEvent* /*event*/)
 {
     QPainter painter(this);
+    const double thickness = wholePixels(1, devicePixelRatioF());
     painter.fillRect(rect(), themeColor(palette(), ColorRole::surface));
     if (m_bottomEdge == BottomEdge::ruled)
-        painter.fillRect(0, height() - 1, width(), 1, themeColor(palette(), ColorRole::border));
+        painter.fillRect(QRectF(0, height() - thickness, width(), thickness),
+                         themeColor(palette(), ColorRole::border));
 }
 
 } // namespace varno

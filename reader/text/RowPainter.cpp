@@ -1,7 +1,7 @@
 #include "reader/text/RowPainter.h"
 
 #include "kit/RoundedShape.h"
-#include "kit/Theme.h"
+#include "kit/Rule.h"
 
 #include <QPainter>
 #include <QTextLayout>
@@ -155,7 +155,7 @@ void RowPainter::fillLine(double x, double y, double length) const
 {
     const QTransform toDevice = m_painter.deviceTransform();
     const double ratio = toDevice.m22();
-    const double thickness = std::max(1.0, std::round(ratio)) / ratio;
+    const double thickness = wholePixels(1, ratio);
     const double top = (std::round(y * ratio + toDevice.dy()) - toDevice.dy()) / ratio;
     m_painter.fillRect(QRectF(x, top, length, thickness), themeColor(m_palette, ColorRole::border));
 }
