@@ -41,7 +41,7 @@ void SelectableText::select(qsizetype anchor, qsizetype position)
 
 qsizetype SelectableText::positionAt(const QMouseEvent& event) const
 {
-    return block().positionAt(event.position(), rect(), alignment());
+    return block().positionAt(event.position(), rect(), visualAlignment());
 }
 
 void SelectableText::mousePressEvent(QMouseEvent* event)
@@ -88,7 +88,7 @@ void SelectableText::paintEvent(QPaintEvent* event)
 {
     if (hasSelection()) {
         QPainter painter(this);
-        block().fillRange(painter, rect(), alignment(), selection(),
+        block().fillRange(painter, rect(), visualAlignment(), selection(),
                           palette().color(QPalette::Highlight));
     }
     ThemedText::paintEvent(event);

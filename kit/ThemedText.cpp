@@ -97,8 +97,12 @@ void ThemedText::paintEvent(QPaintEvent*)
 {
     QPainter painter(this);
     const Ink ink = {.role = m_style.role, .opacity = m_style.opacity};
-    block().draw(painter, rect(), QStyle::visualAlignment(layoutDirection(), alignment()),
-                 inkColor(palette(), ink));
+    block().draw(painter, rect(), visualAlignment(), inkColor(palette(), ink));
+}
+
+Qt::Alignment ThemedText::visualAlignment() const
+{
+    return QStyle::visualAlignment(layoutDirection(), alignment());
 }
 
 LaidOutText& ThemedText::laidOut() const

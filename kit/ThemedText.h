@@ -38,6 +38,8 @@ protected:
 
     /// The text as it is drawn, valid until the next layout.
     [[nodiscard]] const TextBlock& block() const { return laidOut().block(width()); }
+    /// The alignment, mirrored where the widget is.
+    [[nodiscard]] Qt::Alignment visualAlignment() const;
 
 private:
     [[nodiscard]] LaidOutText& laidOut() const;
