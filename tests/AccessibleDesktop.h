@@ -68,6 +68,7 @@ public:
             child.path = path.path();
             children.append(child);
         }
+        list.endArray();
         return children;
     }
 
@@ -116,6 +117,7 @@ private:
             call(object, u"org.a11y.atspi.Accessible"_s, u"GetState"_s).value<QDBusArgument>();
         list.beginArray();
         list >> states;
+        list.endArray();
         return (states >> state & 1U) != 0;
     }
 

@@ -26,7 +26,7 @@ QColor over(const QColor& ink, const QColor& ground)
 
 double contrast(const QColor& ink, const QColor& ground)
 {
-    const auto [dark, light] = std::minmax(luminance(over(ink, ground)), luminance(ground));
+    const auto [dark, light] = std::minmax({luminance(over(ink, ground)), luminance(ground)});
     return (light + 0.05) / (dark + 0.05);
 }
 
