@@ -50,6 +50,8 @@ private Q_SLOTS:
         const AccessibleDesktop desktop;
         QDir().mkpath(QFileInfo(m_program->historyPath()).path());
         QVERIFY(writeFileAtomically(m_program->historyPath(), encodeSessions({opal()})));
+        // As if a screen reader listened: how that is said differs from one launcher to the next.
+        m_program->set("QT_LINUX_ACCESSIBILITY_ALWAYS_ON", u"1"_s);
         QVERIFY(m_program->start());
         showPanel();
         search(*m_desktop, "opal");

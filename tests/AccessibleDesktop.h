@@ -33,7 +33,7 @@ public:
 
     AccessibleDesktop()
     {
-        m_launcher.start(launcher(), {u"--launch-immediately"_s, u"--screen-reader=1"_s});
+        m_launcher.start(launcher(), {u"--launch-immediately"_s});
         const QDBusConnection session = QDBusConnection::sessionBus();
         QTRY_VERIFY(session.interface()->isServiceRegistered(u"org.a11y.Bus"_s));
         const QDBusMessage reply = session.call(QDBusMessage::createMethodCall(
