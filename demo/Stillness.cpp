@@ -1,5 +1,7 @@
 #include "demo/Stillness.h"
 
+#include "app/ScreenTransition.h"
+
 #include <QApplication>
 #include <QEvent>
 #include <QWidget>
@@ -39,7 +41,8 @@ Stillness::Stillness(const QWidget& window)
 
 bool Stillness::isStill() const
 {
-    return m_sinceLastMove.hasExpired(longEnough);
+    const auto* change = m_window.findChild<ScreenTransition*>();
+    return !(change && change->isVisible()) && m_sinceLastMove.hasExpired(longEnough);
 }
 
 bool Stillness::eventFilter(QObject* receiver, QEvent* event)

@@ -7,8 +7,9 @@ class QWidget;
 
 namespace varno {
 
-/// Tells when a window has come to rest: when nothing in it has been moved, laid out or coloured
-/// anew for a while. What is painted again in its place, as a cursor that blinks, is no unrest.
+/// Tells when a window has come to rest: when no screen gives way to another, and nothing in it has
+/// been moved, laid out or coloured anew for a while. What is painted again in its place, as a
+/// cursor that blinks, is no unrest.
 class Stillness final : public QObject {
     Q_OBJECT
 
