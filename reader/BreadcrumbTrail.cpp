@@ -1,5 +1,6 @@
 #include "reader/BreadcrumbTrail.h"
 
+#include "kit/FairShare.h"
 #include "kit/PlainButton.h"
 #include "kit/SymbolView.h"
 #include "kit/ThemedText.h"
@@ -26,20 +27,9 @@ const ButtonStyle crumbStyle{
 
 QList<int> sharedWidths(QList<int> widths, int available)
 {
-    QList<int> ascending = widths;
-    std::ranges::sort(ascending);
-    int left = std::max(available, 0);
-    qsizetype sharers = ascending.size();
-    for (const int width : std::as_const(ascending)) {
-        const int share = left / int(sharers);
-        if (width > share) {
-            for (int& shared : widths)
-                shared = std::min(shared, share);
-            break;
-        }
-        left -= width;
-        --sharers;
-    }
+    const double share = fairShare(QList<double>(widths.begin(), widths.end()), available);
+    for (int& width : widths)
+        width = static_cast<int>(std::min<double>(width, share));
     return widths;
 }
 

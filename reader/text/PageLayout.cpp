@@ -1,5 +1,6 @@
 #include "reader/text/PageLayout.h"
 
+#include "kit/FairShare.h"
 #include "reader/text/RowFormat.h"
 
 #include <QGuiApplication>
@@ -25,19 +26,6 @@ constexpr double widestWord = 140;
 /// Between rows of several forms in one block, in sizes of the text.
 constexpr double formGap = 1;
 constexpr int tabLetters = 4;
-
-/// What each gets at most of a room that all shall share, so that it is used up.
-double fairShare(QList<double> wanted, double available)
-{
-    std::ranges::sort(wanted);
-    for (qsizetype index = 0; index < wanted.size(); ++index) {
-        const double share = available / static_cast<double>(wanted.size() - index);
-        if (wanted[index] > share)
-            return share;
-        available -= wanted[index];
-    }
-    return std::numeric_limits<double>::max();
-}
 
 /// Each as wide as it wants, or as wide as the others that do not get what they want; but at least
 /// as wide as it must be.
