@@ -7,14 +7,6 @@
 namespace varno {
 namespace {
 
-/// The number of times that the first character is repeated at the start.
-qsizetype repetitions(QStringView line)
-{
-    const auto* other = std::find_if(line.begin(), line.end(),
-                                     [&](QChar character) { return character != line.front(); });
-    return other - line.begin();
-}
-
 bool endsOrBlankAt(QStringView line, qsizetype position)
 {
     return position == line.size() || isBlank(line[position]);
@@ -49,7 +41,8 @@ BlockMark blockMark(QStringView line)
     };
     switch (line.front().unicode()) {
     case u'#':
-        return otherWhen(repetitions(line) <= 6 && endsOrBlankAt(line, repetitions(line)));
+        return otherWhen(repetitions(line, u'#') <= 6 &&
+                         endsOrBlankAt(line, repetitions(line, u'#')));
     case u'>':
         return BlockMark::other;
     case u'=':
@@ -63,7 +56,7 @@ BlockMark blockMark(QStringView line)
         return otherWhen(isAllOf(line, u'_'));
     case u'`':
     case u'~':
-        return otherWhen(repetitions(line) >= 3);
+        return otherWhen(repetitions(line, line.front()) >= 3);
     case u'[':
         return BlockMark::reference;
     default:

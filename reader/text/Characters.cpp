@@ -12,6 +12,13 @@ QStringView withoutLeadingBlanks(QStringView line)
     return line.sliced(first - line.begin());
 }
 
+qsizetype repetitions(QStringView line, QChar mark)
+{
+    const auto* end =
+        std::find_if(line.begin(), line.end(), [mark](QChar other) { return other != mark; });
+    return end - line.begin();
+}
+
 bool beginsWithNumeral(QStringView text)
 {
     if (text.isEmpty())

@@ -12,6 +12,9 @@ namespace varno {
 
 [[nodiscard]] QStringView withoutLeadingBlanks(QStringView line);
 
+/// How often a line begins with that mark.
+[[nodiscard]] qsizetype repetitions(QStringView line, QChar mark);
+
 /// Whether the first character has a numeric value in any script ("3", "٣", "三", "Ⅷ", "½").
 [[nodiscard]] bool beginsWithNumeral(QStringView text);
 

@@ -22,13 +22,6 @@ QStringView withoutOuterBlanks(QStringView line)
     return withoutTrailingBlanks(withoutLeadingBlanks(line));
 }
 
-qsizetype repetitions(QStringView line, QChar mark)
-{
-    const auto* end =
-        std::find_if(line.begin(), line.end(), [mark](QChar other) { return other != mark; });
-    return end - line.begin();
-}
-
 /// Where the next pipe is that no backslash stands before; the line's length if there is none.
 qsizetype nextPipe(QStringView line)
 {

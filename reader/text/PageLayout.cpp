@@ -3,7 +3,6 @@
 #include "kit/FairShare.h"
 #include "reader/text/RowFormat.h"
 
-#include <QGuiApplication>
 #include <QPainter>
 #include <QStyle>
 #include <QTextDocument>

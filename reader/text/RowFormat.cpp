@@ -31,8 +31,6 @@ constexpr double numberOpacity = 0.55;
 
 // Of what a paragraph may be set as; lengths in sizes of the text.
 constexpr int codeInset = 12; // in points
-constexpr int quoteIndent = 16;
-constexpr int deepestIndent = 8;
 constexpr double cellPadding = 0.3;
 constexpr KindStyle codeStyle{.sizeOffset = -2, .lineSpacing = 0.2};
 constexpr KindStyle cellStyle{.sizeOffset = -1, .lineSpacing = 0.1};
@@ -183,7 +181,7 @@ void RowFormat::placeForm(QTextBlockFormat& format, const Row& row, bool rightTo
         format.setRightMargin(codeInset);
         format.setLayoutDirection(Qt::LeftToRight);
     } else if (start.form == RowForm::quote) {
-        const double indent = quoteIndent * std::min(start.number, deepestIndent);
+        const double indent = quoteIndent * std::min(start.number, deepestQuote);
         if (rightToLeft)
             format.setRightMargin(indent);
         else
@@ -225,7 +223,7 @@ const QTextCharFormat& RowFormat::styled(const RowLook& look, InlineStyles style
     else if (styles.testFlag(InlineStyle::superscript))
         format.setVerticalAlignment(QTextCharFormat::AlignSuperScript);
     if (styles.testFlag(InlineStyle::code) || look.form == RowForm::code)
-        format.setFontFamilies({fixedWidthFamily()});
+        format.setFontFamilies({QFontDatabase::systemFont(QFontDatabase::FixedFont).family()});
     return *m_formats.insert(key, format);
 }
 
@@ -258,11 +256,6 @@ RowEnd endOf(const QTextBlockFormat& format)
 RowLook lookOf(const RowStart& row)
 {
     return {.kind = row.kind, .form = row.form, .isHeader = row.isHeader};
-}
-
-QString fixedWidthFamily()
-{
-    return QFontDatabase::systemFont(QFontDatabase::FixedFont).family();
 }
 
 bool mayBeOpened(const QString& address)

@@ -22,6 +22,10 @@ enum RowProperty {
     rowKind,        ///< the `BlockKind` of the row's block
 };
 
+/// How far each level of a quote is set in, in points, and how many levels are.
+inline constexpr int quoteIndent = 16;
+inline constexpr int deepestQuote = 8;
+
 /// The form of the row that a text block shows, and what comes after it.
 [[nodiscard]] RowForm formOf(const QTextBlockFormat& format);
 [[nodiscard]] RowEnd endOf(const QTextBlockFormat& format);
@@ -67,9 +71,6 @@ private:
     QFont m_font;
     QHash<uint, QTextCharFormat> m_formats;
 };
-
-/// The family of code.
-[[nodiscard]] QString fixedWidthFamily();
 
 /// Whether a link to that address is opened when it is pressed: of http, https and mailto alone.
 [[nodiscard]] bool mayBeOpened(const QString& address);

@@ -15,8 +15,6 @@ namespace {
 constexpr double groundPadding = 8;
 constexpr double groundRadius = 6;
 constexpr double barWidth = 2;
-constexpr double barIndent = 16; // of each level of a quote
-constexpr int mostBars = 8;
 constexpr double thumbHeight = 3;
 constexpr double faintLine = 0.5;
 
@@ -117,10 +115,10 @@ void RowPainter::paintBars(const QTextBlock& row) const
     if (goesOn)
         rect.setBottom(m_layout.blockBoundingRect(row.next()).top());
     const QColor color = themeColor(m_palette, ColorRole::border);
-    const int depth = std::min(row.blockFormat().intProperty(rowNumber), mostBars);
+    const int depth = std::min(row.blockFormat().intProperty(rowNumber), deepestQuote);
     for (int level = 0; level < depth; ++level) {
         const bool isRightToLeft = row.blockFormat().rightMargin() > 0;
-        const double x = level * barIndent;
+        const double x = level * quoteIndent;
         m_painter.fillRect(QRectF(isRightToLeft ? rect.right() - x - barWidth : x, rect.top(),
                                   barWidth, rect.height()),
                            color);
