@@ -3,7 +3,18 @@
 #include <QList>
 #include <QString>
 
+#include <algorithm>
+
 namespace varno {
+namespace {
+
+bool isRightToLeft(uint character)
+{
+    const QChar::Direction direction = QChar::direction(character);
+    return direction == QChar::DirR || direction == QChar::DirAL;
+}
+
+} // namespace
 
 Qt::LayoutDirection scriptDirection(QStringView text)
 {
@@ -11,21 +22,20 @@ Qt::LayoutDirection scriptDirection(QStringView text)
     int rightToLeft = 0;
     const QList<uint> start = text.first(std::min(text.size(), directedStart)).toUcs4();
     for (const uint character : start) {
-        switch (QChar::direction(character)) {
-        case QChar::DirL:
+        if (QChar::direction(character) == QChar::DirL)
             ++leftToRight;
-            break;
-        case QChar::DirR:
-        case QChar::DirAL:
+        else if (isRightToLeft(character))
             ++rightToLeft;
-            break;
-        default:
-            break;
-        }
     }
     if (leftToRight == 0 && rightToLeft == 0)
         return Qt::LayoutDirectionAuto;
     return rightToLeft > leftToRight ? Qt::RightToLeft : Qt::LeftToRight;
+}
+
+bool hasRightToLeftLetters(QStringView text)
+{
+    const QList<uint> characters = text.toUcs4();
+    return std::any_of(characters.begin(), characters.end(), isRightToLeft);
 }
 
 } // namespace varno

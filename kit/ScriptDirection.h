@@ -8,6 +8,9 @@ namespace varno {
 /// same however long the text is.
 [[nodiscard]] Qt::LayoutDirection scriptDirection(QStringView text);
 
+/// Whether a text has a letter of a script that runs from right to left.
+[[nodiscard]] bool hasRightToLeftLetters(QStringView text);
+
 /// How much of a text decides its direction, in UTF-16 units.
 inline constexpr qsizetype directedStart = 500;
 

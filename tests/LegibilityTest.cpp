@@ -87,6 +87,24 @@ private Q_SLOTS:
         column.openPage(u"A tower"_s, {});
         QVERIFY(!isMirrored());
     }
+
+    /// What has a side has the one of its page, also where its own letters run the other way.
+    void marksOnTheSideOfThePage()
+    {
+        MarkdownContentView view;
+        view.setText(u"- Tides\n\n- גאות\n\n> Tides\n\nTides גאות"_s);
+        const auto isOnTheRight = [&view] {
+            QList<bool> sides;
+            for (QTextBlock row = view.document().begin(); row.isValid(); row = row.next())
+                sides.append(row.blockFormat().rightMargin() > 0);
+            return sides;
+        };
+        QCOMPARE(isOnTheRight(), QList({false, true, false, false}));
+        view.setLayoutDirection(Qt::RightToLeft);
+        QCOMPARE(isOnTheRight(), QList({true, true, true, false}));
+        QCOMPARE(view.document().lastBlock().textDirection(), Qt::RightToLeft);
+        QCOMPARE(view.blockAt(0), 0);
+    }
 };
 
 VARNO_TEST(QApplication, LegibilityTest)

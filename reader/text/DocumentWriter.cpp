@@ -96,7 +96,7 @@ void DocumentWriter::setFormat(const RowFormat& format)
 
 void DocumentWriter::setTextColor(const QColor& color)
 {
-    m_format = RowFormat(m_format.fontSize(), color);
+    m_format = RowFormat(m_format.fontSize(), color, m_format.direction());
 }
 
 void DocumentWriter::takeNote(qsizetype unchanged)
@@ -201,8 +201,8 @@ void DocumentWriter::writeRow(qsizetype index, const Row& row)
         shown.runs = m_last->runs;
     else
         shown.runs = runsOf(row);
-    const bool hasSides = isList(row.start.kind) || row.start.form == RowForm::quote;
-    shown.format = m_format.block(row, hasSides && plainText(shown.runs).isRightToLeft());
+    shown.format =
+        m_format.block(row, m_format.dependsOnText(row.start) ? plainText(shown.runs) : QString());
 
     const bool goesOn = index < m_rows.size() && m_last && m_last->look == shown.look;
     if (!goesOn || m_last->format != shown.format)

@@ -77,10 +77,21 @@ void MarkdownContentView::setFontSize(int points)
         return;
     const int lastOnScreen = m_surface.rowAt(visibleRegion().boundingRect().bottom()).blockNumber();
     const Selection selection = this->selection();
-    m_writer.setFormat(RowFormat(points, m_writer.format().textColor()));
+    const RowFormat& format = m_writer.format();
+    m_writer.setFormat(RowFormat(points, format.textColor(), format.direction()));
     m_surface.setFormat(m_writer.format());
     write(lastOnScreen + 1);
     select(selection);
+}
+
+void MarkdownContentView::changeEvent(QEvent* event)
+{
+    QWidget::changeEvent(event);
+    const RowFormat& format = m_writer.format();
+    if (event->type() != QEvent::LayoutDirectionChange || layoutDirection() == format.direction())
+        return;
+    m_writer.setFormat(RowFormat(format.fontSize(), format.textColor(), layoutDirection()));
+    write();
 }
 
 void MarkdownContentView::setTextColor(const QColor& color)

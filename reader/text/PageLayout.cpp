@@ -243,7 +243,9 @@ bool PageLayout::updateColumns(int table)
     const double gaps = columnGap * static_cast<double>(wanted.size() - 1);
     Columns columns;
     columns.widths = sharedWidths(wanted, width() - gaps);
-    columns.isMirrored = document()->findBlockByNumber(table).text().isRightToLeft();
+    const QTextBlock header = document()->findBlockByNumber(table);
+    columns.isMirrored =
+        header.blockFormat().boolProperty(rowIsMirrored) || header.text().isRightToLeft();
     for (const double each : std::as_const(columns.widths)) {
         columns.lefts.append(columns.width);
         columns.width += each + columnGap;

@@ -1,5 +1,6 @@
 #include "reader/text/RowFormat.h"
 
+#include "kit/ScriptDirection.h"
 #include "kit/TextStyle.h"
 
 #include <QFontDatabase>
@@ -98,9 +99,10 @@ double paddingAbove(BlockKind kind)
 
 } // namespace
 
-RowFormat::RowFormat(int fontSize, const QColor& textColor)
+RowFormat::RowFormat(int fontSize, const QColor& textColor, Qt::LayoutDirection direction)
     : m_fontSize(fontSize)
     , m_textColor(textColor)
+    , m_direction(direction)
     , m_font(varno::font({.size = static_cast<double>(fontSize), .design = FontDesign::serif}))
 {
 }
@@ -143,10 +145,21 @@ QFont RowFormat::markFont(const QString& mark) const
     return font;
 }
 
-QTextBlockFormat RowFormat::block(const Row& row, bool rightToLeft) const
+bool RowFormat::dependsOnText(const RowStart& row) const
+{
+    return isList(row.kind) || row.form == RowForm::quote || m_direction == Qt::RightToLeft;
+}
+
+QTextBlockFormat RowFormat::block(const Row& row, const QString& text) const
 {
     QTextBlockFormat format;
     const BlockKind kind = row.start.kind;
+    const bool isMirroredPage = m_direction == Qt::RightToLeft;
+    const bool rightToLeft = isMirroredPage || text.isRightToLeft();
+    if (isMirroredPage && hasRightToLeftLetters(text))
+        format.setLayoutDirection(Qt::RightToLeft);
+    if (rightToLeft && (isList(kind) || row.start.form == RowForm::quote))
+        format.setAlignment(alignmentOf(CellAlignment::right));
     format.setProperty(rowBlock, row.start.block);
     format.setProperty(rowEnd, static_cast<int>(row.end));
     format.setProperty(rowKind, static_cast<int>(kind));
@@ -187,7 +200,10 @@ void RowFormat::placeForm(QTextBlockFormat& format, const Row& row, bool rightTo
         else
             format.setLeftMargin(indent);
     } else if (start.form == RowForm::cell) {
-        format.setAlignment(alignmentOf(row.alignment));
+        const bool isNatural = row.alignment == CellAlignment::natural;
+        format.setAlignment(
+            alignmentOf(rightToLeft && isNatural ? CellAlignment::right : row.alignment));
+        format.setProperty(rowIsMirrored, rightToLeft);
         format.setProperty(rowIsHeader, start.isHeader);
         if (start.within != RowStart::Within::line)
             format.setTopMargin(cellPadding * m_fontSize);

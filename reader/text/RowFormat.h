@@ -19,6 +19,7 @@ enum RowProperty {
     rowForm,        ///< a `RowForm`
     rowNumber,      ///< of a cell: its column; of a quote: its depth
     rowIsHeader,    ///< of a cell: whether it is of the table's header
+    rowIsMirrored,  ///< of a cell: whether its table begins on the right
     rowKind,        ///< the `BlockKind` of the row's block
 };
 
@@ -44,10 +45,14 @@ struct RowLook {
 /// device-independent pixel.
 class RowFormat {
 public:
-    RowFormat(int fontSize, const QColor& textColor);
+    RowFormat(int fontSize, const QColor& textColor,
+              Qt::LayoutDirection direction = Qt::LeftToRight);
 
     [[nodiscard]] int fontSize() const { return m_fontSize; }
     [[nodiscard]] const QColor& textColor() const { return m_textColor; }
+    /// Of the page. Where it is right-to-left all begins on the right, but text without any letter
+    /// of such a script.
+    [[nodiscard]] Qt::LayoutDirection direction() const { return m_direction; }
     /// The font of paragraphs, which is the document's default font.
     [[nodiscard]] const QFont& font() const { return m_font; }
     /// The colour of a list's numbers.
@@ -55,7 +60,9 @@ public:
     /// The font of a list's mark: a number too wide for its place is smaller.
     [[nodiscard]] QFont markFont(const QString& mark) const;
 
-    [[nodiscard]] QTextBlockFormat block(const Row& row, bool rightToLeft) const;
+    /// `text` is the one that the row shows, needed where `dependsOnText` tells so.
+    [[nodiscard]] QTextBlockFormat block(const Row& row, const QString& text) const;
+    [[nodiscard]] bool dependsOnText(const RowStart& row) const;
 
     /// The format of a row's text block, which decides the height of an empty row.
     [[nodiscard]] const QTextCharFormat& plain(const RowLook& look);
@@ -68,6 +75,7 @@ private:
 
     int m_fontSize;
     QColor m_textColor;
+    Qt::LayoutDirection m_direction;
     QFont m_font;
     QHash<uint, QTextCharFormat> m_formats;
 };
