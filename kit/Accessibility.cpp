@@ -27,6 +27,8 @@ public:
         const QVariant current = widget()->property(currentProperty);
         state.selectable = current.isValid();
         state.selected = state.active = current.toBool();
+        if (widget()->isWindow())
+            state.active = widget()->isActiveWindow();
         return state;
     }
 

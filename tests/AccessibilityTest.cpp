@@ -27,6 +27,13 @@ Session opal()
     session.id = QUuid::createUuid();
     session.rootQuery = root.title;
     session.push(root);
+    Page section;
+    section.id = QUuid::createUuid();
+    section.title = u"Oil"_s;
+    section.content = u"It burns."_s;
+    section.parentPageId = root.id;
+    section.parentSectionName = section.title;
+    session.pages.insert(section.id, section);
     session.createdAt = static_cast<double>(QDateTime::currentSecsSinceEpoch() - referenceEpoch);
     return session;
 }
@@ -89,6 +96,15 @@ private Q_SLOTS:
             QVERIFY2(at++ >= 0, qPrintable(QString::fromUtf8(line) +
                                            u" is not in its place in\n"_s + lines.join(u'\n')));
         }
+
+        const AccessibleDesktop::Object program = desktop.programs().constFirst();
+        QVERIFY(desktop.press(u"list item: Oil"_s, program));
+        QTRY_VERIFY(desktop.lines(program).contains(u"paragraph: It burns."_s));
+        QVERIFY(desktop.lines(program).contains(u"list item: Oil [On show] (selected)"_s));
+        m_desktop->typeWith(pcKey::control, pcKey::f);
+        QVERIFY(m_program->settles());
+        m_desktop->type("burn");
+        QTRY_VERIFY(desktop.lines(program).contains(u"notification: 1 of 1"_s));
     }
 };
 

@@ -105,6 +105,20 @@ public:
         return all;
     }
 
+    /// Presses what such a line tells of; whether it is on show.
+    [[nodiscard]] bool press(const QString& itsLine, const Object& in) const
+    {
+        for (const Object& child : children(in)) {
+            if (!hasState(child, showing))
+                continue;
+            if (press(itsLine, child))
+                return true;
+            if (line(child) == itsLine)
+                return call(child, u"org.a11y.atspi.Action"_s, u"DoAction"_s, {0}).toBool();
+        }
+        return false;
+    }
+
 private:
     static constexpr auto busName = "accessibility"_L1;
     static constexpr int selected = 23; // by AT-SPI
