@@ -9,7 +9,8 @@ namespace varno {
 
 double wholePixels(double thickness, double devicePixelRatio)
 {
-    return std::max(1.0, std::round(thickness * devicePixelRatio)) / devicePixelRatio;
+    constexpr double slack = 0.01;
+    return std::max(1.0, std::floor(thickness * devicePixelRatio + slack)) / devicePixelRatio;
 }
 
 Rule::Rule(Qt::Orientation orientation, double thickness, const Ink& ink, QWidget* parent)

@@ -6,7 +6,8 @@
 
 namespace varno {
 
-/// The thickness to draw a line with, in points: whole device pixels, one at least.
+/// The thickness to draw a line with, in points: whole device pixels, one at least, and no more
+/// than it asks for, since what does not fit in its place is cut off in some places only.
 [[nodiscard]] double wholePixels(double thickness, double devicePixelRatio);
 
 /// A hairline along its place, by default in the border colour.

@@ -1,9 +1,13 @@
+#include "kit/Rule.h"
 #include "kit/ScriptDirection.h"
 #include "kit/Theme.h"
 #include "reader/ReadingColumn.h"
 #include "tests/Test.h"
 
+#include <QVBoxLayout>
+
 #include <cmath>
+#include <list>
 
 namespace {
 
@@ -61,6 +65,30 @@ private Q_SLOTS:
                          qPrintable(QString::number(contrast(ink, ground))));
             }
         }
+    }
+
+    /// On a screen of 175 percent, wherever they are.
+    void linesAreEqual()
+    {
+        QWidget window;
+        const QColor ground = Qt::white;
+        window.setPalette(QPalette(ground));
+        std::list<Rule> rules(8);
+        auto* lines = new QVBoxLayout(&window);
+        lines->setSpacing(2);
+        for (Rule& rule : rules)
+            lines->addWidget(&rule);
+        const QImage image = window.grab().toImage();
+        QCOMPARE(image.devicePixelRatio(), 1.75);
+        QList<int> thicknesses = {0};
+        for (int y = 0; y < image.height(); ++y) {
+            const bool isLine = image.pixelColor(image.width() / 2, y) != ground;
+            if (isLine)
+                ++thicknesses.last();
+            else if (thicknesses.last() > 0)
+                thicknesses.append(0);
+        }
+        QCOMPARE(thicknesses, QList<int>(8, 1) << 0);
     }
 
     void directionOfText()
