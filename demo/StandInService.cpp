@@ -95,7 +95,7 @@ public:
     }
 
 private:
-    bool makeServer(bool tls);
+    bool makeServer(const Settings& settings);
     void configureServer();
     int bind(const std::string& host, int port);
     void answer(const httplib::Request& request, httplib::Response& response);
@@ -119,14 +119,18 @@ private:
     std::jthread m_thread;
 };
 
-bool StandInService::Implementation::makeServer(bool tls)
+bool StandInService::Implementation::makeServer(const Settings& settings)
 {
-    if (!tls) {
+    if (!settings.tls) {
         m_server = std::make_unique<httplib::Server>();
         return true;
     }
     const TestCertificate certificate;
-    m_server = std::make_unique<httplib::SSLServer>(certificate.certificate(), certificate.key());
+    auto server =
+        std::make_unique<httplib::SSLServer>(certificate.certificate(), certificate.key());
+    if (settings.isOldTls && server->is_valid())
+        SSL_CTX_set_max_proto_version(server->ssl_context(), TLS1_2_VERSION);
+    m_server = std::move(server);
     m_folder.emplace();
     QFile file(certificateFile());
     const QByteArray pem = certificate.pem();
@@ -164,7 +168,7 @@ QString StandInService::Implementation::listen(const Settings& settings)
     if (!isLoopback(address))
         return u"The stand-in service listens on loopback addresses only, and %1 is none."_s.arg(
             settings.address);
-    if (!makeServer(settings.tls))
+    if (!makeServer(settings))
         return u"The certificate for TLS could not be made."_s;
     configureServer();
     const int port = bind(address.toStdString(), settings.port);

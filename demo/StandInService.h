@@ -63,6 +63,7 @@ public:
         QString address = u"127.0.0.1"_s;
         int port = 0; ///< 0 lets the system choose
         bool tls = false;
+        bool isOldTls = false; ///< no newer than TLS 1.2, which takes a round trip more
     };
 
     /// Fails when `settings.address` is not a loopback address, or cannot be listened on.
