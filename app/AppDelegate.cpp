@@ -5,6 +5,7 @@
 #include "kit/Symbol.h"
 #include "kit/Theme.h"
 #include "platform/Platform.h"
+#include "platform/WindowPlacement.h"
 
 #include <QGuiApplication>
 #include <QIcon>
@@ -83,33 +84,36 @@ void AppDelegate::prepareToQuit()
 void AppDelegate::setupStatusItem()
 {
     m_statusItem = makeSystemStatusItem(statusImage(), u"Varno"_s);
-    connect(m_statusItem.get(), &StatusItem::activated, this, [this] { toggleWindow(); });
+    connect(m_statusItem.get(), &StatusItem::activated, this, &AppDelegate::toggleWindow);
 }
 
 /// Toggles the panel when the combination is released, later: not from within the event of the key.
 void AppDelegate::setupHotkey()
 {
     KeyboardShortcuts::shared().onKeyUp(openVarno(), [weak = QPointer(this)] {
-        const quint32 time = KeyboardShortcuts::shared().lastEventTime();
+        const UserAction action{.time = KeyboardShortcuts::shared().lastEventTime()};
         QMetaObject::invokeMethod(
-            qApp, [weak, time] { weak ? weak->toggleWindow(time) : void(); }, Qt::QueuedConnection);
+            qApp, [weak, action] { weak ? weak->toggleWindow(action) : void(); },
+            Qt::QueuedConnection);
     });
 }
 
-void AppDelegate::showWindow(quint32 time)
+void AppDelegate::showWindow(const UserAction& action)
 {
     if (!m_panel)
         m_panel = std::make_unique<VarnoPanel>(m_viewModel, m_keys, panelShortcut());
-    m_panel->present(time);
+    m_panel->present(action);
     m_viewModel.refreshHistory();
 }
 
-void AppDelegate::toggleWindow(quint32 time)
+void AppDelegate::toggleWindow(const UserAction& action)
 {
-    if (m_panel && m_panel->isVisible())
+    if (m_panel && m_panel->isVisible()) {
         m_panel->hide();
-    else
-        showWindow(time);
+        acknowledge(action);
+    } else {
+        showWindow(action);
+    }
 }
 
 } // namespace varno

@@ -25,9 +25,8 @@ public:
     void prepareToQuit();
 
 public Q_SLOTS:
-    // `time` is the window system's time of what the user did, 0 if that is not known.
-    void showWindow(quint32 time = 0);
-    void toggleWindow(quint32 time = 0);
+    void showWindow(const varno::UserAction& action = {});
+    void toggleWindow(const varno::UserAction& action = {});
 
 private:
     void setupStatusItem();

@@ -71,7 +71,7 @@ void VarnoPanel::takeNote(AppViewModel::Changes what)
         setTheme(*this, m_viewModel.theme());
 }
 
-void VarnoPanel::present(quint32 time)
+void VarnoPanel::present(const UserAction& action)
 {
     if (isVisible()) {
         raise();
@@ -82,7 +82,7 @@ void VarnoPanel::present(quint32 time)
         prepareFloatingPanel(*windowHandle());
         show();
     }
-    activateForUser(*windowHandle(), time);
+    activateForUser(*windowHandle(), action);
     if (!windowHandle()->isExposed())
         repaint(); // while the window manager makes room for it
 }

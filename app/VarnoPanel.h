@@ -2,6 +2,7 @@
 
 #include "app/ContentView.h"
 #include "app/HeldKeys.h"
+#include "platform/UserAction.h"
 
 #include <optional>
 
@@ -17,8 +18,8 @@ public:
     /// and keeps the position and the size that the user gives it.
     VarnoPanel(AppViewModel& viewModel, KeychainTasks& keys, const PanelShortcut& shortcut);
 
-    /// Shows it above all others and gives it the keyboard. `time`: see `activateForUser`.
-    void present(quint32 time);
+    /// Shows it above all others and gives it the keyboard, since the user did something.
+    void present(const UserAction& action);
 
 protected:
     void mouseMoveEvent(QMouseEvent* event) override;

@@ -33,7 +33,7 @@ int run()
     AppViewModel model(setting->dependencies());
     KeychainTasks keys(KeychainService::shared());
     VarnoPanel panel(model, keys, panelShortcut());
-    panel.present(0);
+    panel.present({});
     Camera camera(panel, folder);
     const auto terminationSignals = TerminationSignals::install();
     QObject::connect(terminationSignals.get(), &TerminationSignals::received, &panel,

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "platform/UserAction.h"
+
 #include <QObject>
 
 class QIcon;
@@ -12,7 +14,7 @@ class StatusItem : public QObject {
     Q_OBJECT
 
 Q_SIGNALS:
-    void activated(); ///< once for each click
+    void activated(const varno::UserAction& action); ///< once for each click
 };
 
 } // namespace varno

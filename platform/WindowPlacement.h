@@ -1,10 +1,10 @@
 #pragma once
 
-#include <QtGlobal>
-
 class QWindow;
 
 namespace varno {
+
+struct UserAction;
 
 /// Chooses where windows will be opened: where the program may place them, if there is such a
 /// place, which in a Wayland session is the X server beside it. What the user's environment says of
@@ -16,9 +16,12 @@ namespace varno {
 /// showing, since the desktop forgets it when the window is hidden. The window has been created.
 void prepareFloatingPanel(QWindow& window);
 
-/// Gives a window the keyboard on the user's behalf. `time` is the window system's time of what the
-/// user did, 0 if that is not known.
-void activateForUser(QWindow& window, quint32 time);
+/// Gives a window the keyboard on the user's behalf, and acknowledges the action.
+void activateForUser(QWindow& window, const UserAction& action);
+
+/// Tells the desktop that what the user did is answered, where it has no window to see by it: some
+/// show a busy pointer until then. Once for each action.
+void acknowledge(const UserAction& action);
 
 /// Whether the left button of the pointer is down at this moment, which an event that comes late
 /// does not tell: a window would stick to the pointer that starts to move it when it is up again.

@@ -13,7 +13,7 @@ namespace {
 struct PanelFixture : ControllerFixture {
     PanelFixture()
     {
-        panel.present(0);
+        panel.present({});
         if (!QTest::qWaitForWindowActive(&panel))
             qFatal("the panel does not become active");
     }
@@ -129,7 +129,7 @@ private Q_SLOTS:
         PanelFixture f;
         f.panel.close();
         f.panel.move(9000, -5000);
-        f.panel.present(0);
+        f.panel.present({});
         QVERIFY(f.panel.screen()->availableGeometry().intersects(f.panel.geometry()));
         QVERIFY(f.panel.y() >= 0);
     }

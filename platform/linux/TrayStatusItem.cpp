@@ -70,7 +70,7 @@ void TrayStatusItem::create()
     connect(m_icon.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
                 if (reason == QSystemTrayIcon::Trigger && !isSecondClick())
-                    Q_EMIT activated();
+                    Q_EMIT activated({});
             });
     m_icon->show();
 }

@@ -1,3 +1,4 @@
+#include "platform/UserAction.h"
 #include "platform/WindowPlacement.h"
 #include "platform/linux/WaylandSocket.h"
 #include "platform/linux/XConnection.h"
@@ -5,7 +6,10 @@
 
 #include <QWindow>
 
+#include <algorithm>
 #include <array>
+#include <cstring>
+#include <initializer_list>
 
 namespace varno {
 namespace {
@@ -31,6 +35,32 @@ void setProperty(const QWindow& window, const char* name, xcb_atom_t type, const
 xcb_window_t root()
 {
     return xcb_setup_roots_iterator(xcb_get_setup(xConnection())).data->root;
+}
+
+void sendToRoot(const xcb_client_message_event_t& event, quint32 listeners)
+{
+    xcb_send_event(xConnection(), 0, root(), listeners, reinterpret_cast<const char*>(&event));
+}
+
+void askWindowManager(const QWindow& window, const char* what, std::initializer_list<quint32> data)
+{
+    xcb_client_message_event_t request = {};
+    request.response_type = XCB_CLIENT_MESSAGE;
+    request.format = 32;
+    request.window = quint32(window.winId());
+    request.type = xAtom(what);
+    std::memcpy(&request.data, data.begin(), data.size() * sizeof(quint32));
+    sendToRoot(request, XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY);
+    xcb_flush(xConnection());
+}
+
+/// Tokens of desktops on an X server end with it.
+quint32 timeOf(const UserAction& action)
+{
+    constexpr QByteArrayView mark = "_TIME";
+    const qsizetype place = action.token.lastIndexOf(mark);
+    return action.time != 0 || place < 0 ? action.time
+                                         : action.token.mid(place + mark.size()).toUInt();
 }
 
 } // namespace
@@ -59,23 +89,41 @@ void prepareFloatingPanel(QWindow& window)
     setProperty(window, "_NET_WM_DESKTOP", XCB_ATOM_CARDINAL, &everyDesktop, 1);
 }
 
-void activateForUser(QWindow& window, quint32 time)
+void activateForUser(QWindow& window, const UserAction& action)
 {
+    if (!xConnection() && !action.token.isEmpty())
+        qputenv("XDG_ACTIVATION_TOKEN", action.token); // the toolkit takes it out again
     window.requestActivate();
     if (!xConnection())
         return;
+    const quint32 time = timeOf(action);
     if (time != 0)
         setProperty(window, "_NET_WM_USER_TIME", XCB_ATOM_CARDINAL, &time, 1);
-    xcb_client_message_event_t request = {};
-    request.response_type = XCB_CLIENT_MESSAGE;
-    request.format = 32;
-    request.window = quint32(window.winId());
-    request.type = xAtom("_NET_ACTIVE_WINDOW");
-    request.data.data32[0] = fromUser; // NOLINT(cppcoreguidelines-pro-type-union-access)
-    request.data.data32[1] = time;     // NOLINT(cppcoreguidelines-pro-type-union-access)
-    xcb_send_event(xConnection(), 0, root(),
-                   XCB_EVENT_MASK_SUBSTRUCTURE_REDIRECT | XCB_EVENT_MASK_SUBSTRUCTURE_NOTIFY,
-                   reinterpret_cast<const char*>(&request));
+    askWindowManager(window, "_NET_ACTIVE_WINDOW", {fromUser, time});
+    acknowledge(action);
+}
+
+/// By a message that is longer than an event, and so comes in pieces.
+void acknowledge(const UserAction& action)
+{
+    if (!xConnection() || action.token.isEmpty())
+        return;
+    QByteArray message =
+        "remove: ID=\"" + QByteArray(action.token).replace('\\', "\\\\").replace('"', "\\\"") + '"';
+    message.append('\0');
+    xcb_client_message_event_t event = {};
+    event.response_type = XCB_CLIENT_MESSAGE;
+    event.format = 8;
+    event.window = xcb_generate_id(xConnection()); // what the pieces have in common
+    event.type = xAtom("_NET_STARTUP_INFO_BEGIN");
+    constexpr qsizetype room = sizeof event.data;
+    for (qsizetype start = 0; start < message.size(); start += room) {
+        event.data = {};
+        std::memcpy(&event.data, message.constData() + start,
+                    std::size_t(std::min(room, message.size() - start)));
+        sendToRoot(event, XCB_EVENT_MASK_PROPERTY_CHANGE);
+        event.type = xAtom("_NET_STARTUP_INFO");
+    }
     xcb_flush(xConnection());
 }
 
