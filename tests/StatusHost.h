@@ -22,8 +22,12 @@ using namespace Qt::StringLiterals;
 /// items of programs announce themselves to, and that tells them of clicks. It shows none.
 class StatusHost final : public QDBusVirtualObject {
 public:
-    StatusHost()
-        : m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, m_connection))
+    /// What the watcher says when it is asked whether there is a host to show its items.
+    enum class Answer { yes, no, failure, none };
+
+    explicit StatusHost(Answer answer = Answer::yes)
+        : m_answer(answer)
+        , m_bus(QDBusConnection::connectToBus(QDBusConnection::SessionBus, m_connection))
         , m_isRegistered(m_bus.registerVirtualObject(u"/StatusNotifierWatcher"_s, this) &&
                          m_bus.registerService(u"org.kde.StatusNotifierWatcher"_s))
     {
@@ -44,12 +48,24 @@ public:
     {
         return qdbus_cast<QVariantMap>(finished(ask(name)).arguments().value(0));
     }
-    /// As a click does; whether the item has taken it.
-    [[nodiscard]] bool activate(const QString& name) const
+    /// As a click does, with a token of the desktop; whether the item has taken it.
+    [[nodiscard]] bool activate(const QString& name, const QString& method = u"Activate"_s) const
     {
-        return finished(call(name, item, u"Activate"_s, {1590, 10})).type() ==
-               QDBusMessage::ReplyMessage;
+        static_cast<void>(call(name, item, u"ProvideXdgActivationToken"_s, {u"a \"b\"_TIME7"_s}));
+        return finished(call(name, item, method, {1590, 10})).type() == QDBusMessage::ReplyMessage;
     }
+
+    /// The host behind the watcher comes or goes.
+    void setAnswer(Answer answer)
+    {
+        m_answer = answer;
+        m_bus.send(QDBusMessage::createSignal(
+            u"/StatusNotifierWatcher"_s, u"org.kde.StatusNotifierWatcher"_s,
+            answer == Answer::yes ? u"StatusNotifierHostRegistered"_s
+                                  : u"StatusNotifierHostUnregistered"_s));
+    }
+    /// Is the shell of GNOME as well.
+    void becomeGnomeShell() { m_bus.registerService(u"org.gnome.Shell"_s); }
 
     [[nodiscard]] QString introspect(const QString& /*path*/) const override
     {
@@ -68,8 +84,9 @@ public:
             onItem();
             return connection.send(message.createReply());
         }
-        return message.member() == u"Get"_s && // whether it is registered
-               connection.send(message.createReply(QVariant::fromValue(QDBusVariant(true))));
+        const QVariant answer = QVariant::fromValue(QDBusVariant(m_answer == Answer::yes));
+        return message.member() == u"Get"_s && m_answer != Answer::failure &&
+               (m_answer == Answer::none || connection.send(message.createReply(answer)));
     }
 
 private:
@@ -93,6 +110,7 @@ private:
         return pending.reply();
     }
 
+    Answer m_answer;
     QString m_connection = QUuid::createUuid().toString();
     QDBusConnection m_bus;
     bool m_isRegistered;

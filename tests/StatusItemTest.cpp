@@ -44,7 +44,7 @@ public:
                        XCB_EVENT_MASK_STRUCTURE_NOTIFY);
     }
 
-    /// Takes in the windows that have asked for it since; how many there are.
+    /// Takes in the windows that have asked for it since; how many there are in it.
     int icons()
     {
         while (const XcbReply<xcb_generic_event_t> event{xcb_poll_for_event(m_connection)}) {
@@ -55,17 +55,16 @@ public:
             const xcb_window_t icon = message->data.data32[2];
             xcb_reparent_window(m_connection, icon, m_window, 0, 0);
             xcb_map_window(m_connection, icon);
-            xcb_flush(m_connection);
-            ++m_icons;
         }
-        return m_icons;
+        const XcbReply<xcb_query_tree_reply_t> inside(
+            xcb_query_tree_reply(m_connection, xcb_query_tree(m_connection, m_window), nullptr));
+        return inside ? inside->children_len : 0;
     }
 
 private:
     XDesktop& m_desktop;
     xcb_connection_t* m_connection;
     xcb_window_t m_window;
-    int m_icons = 0;
 };
 
 } // namespace
@@ -110,6 +109,48 @@ private Q_SLOTS:
         for (int time = 0; time < 3; ++time) {
             const StatusHost host;
             verifyItem(host);
+        }
+    }
+
+    void watcherMayLieOrComeBeforeItsHost()
+    {
+        using Answer = StatusHost::Answer;
+        OlderStatusArea area(*m_desktop);
+        for (const auto& [first, icons] : {std::pair{Answer::no, 1}, std::pair{Answer::failure, 1},
+                                           std::pair{Answer::none, 0}}) {
+            const InRow row(static_cast<int>(first));
+            replaceProgram(*m_desktop);
+            StatusHost host(first);
+            QVERIFY(m_program->start());
+            QTRY_COMPARE(area.icons(), icons);
+            for (int time = 0; time < 2; ++time) {
+                host.setAnswer(Answer::yes);
+                QTRY_COMPARE(area.icons(), 0);
+                verifyItem(host);
+                host.setAnswer(Answer::no);
+                QTRY_COMPARE(area.icons(), 1);
+            }
+        }
+    }
+
+    void everyClickIsTheSame()
+    {
+        for (const bool isGnome : {false, true}) {
+            replaceProgram(*m_desktop);
+            StatusHost host;
+            if (isGnome)
+                host.becomeGnomeShell();
+            QVERIFY(m_program->start());
+            QTRY_COMPARE(host.items().size(), 1);
+            const QString item = host.items().constFirst();
+            bool isShown = false;
+            for (const QString& click :
+                 {u"Activate"_s, u"SecondaryActivate"_s, u"ContextMenu"_s, u"Activate"_s}) {
+                QCOMPARE(host.activate(item, click), !isGnome); // which wants an error
+                isShown = !isShown;
+                QTRY_COMPARE(m_program->isShown(), isShown);
+            }
+            QCOMPARE(host.properties(item).contains(u"Menu"_s), isGnome); // which wants one
         }
     }
 

@@ -5,9 +5,6 @@
 #include "platform/linux/XcbReply.h"
 
 #include <QCoreApplication>
-#include <QDBusConnection>
-#include <QDBusConnectionInterface>
-#include <QDBusReply>
 #include <QGuiApplication>
 #include <QStyleHints>
 #include <QTimer>
@@ -19,8 +16,6 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-const QString hostService = u"org.kde.StatusNotifierWatcher"_s;
-
 bool hasTrayOnX11()
 {
     xcb_connection_t* connection = xConnection();
@@ -31,28 +26,19 @@ bool hasTrayOnX11()
     return reply && reply->owner != XCB_NONE;
 }
 
-/// The bus itself answers this, at once.
-bool hasHostOnBus()
-{
-    const QDBusConnectionInterface* bus = QDBusConnection::sessionBus().interface();
-    return bus && bus->isServiceRegistered(hostService);
-}
-
 } // namespace
 
 TrayStatusItem::TrayStatusItem(QIcon icon, QString name)
     : m_image(std::move(icon))
     , m_name(std::move(name))
-    , m_watcher(hostService, QDBusConnection::sessionBus(),
-                QDBusServiceWatcher::WatchForRegistration)
+    , m_notifier(m_image, m_name)
 {
-    connect(&m_watcher, &QDBusServiceWatcher::serviceRegistered, this, &TrayStatusItem::create);
+    connect(&m_notifier, &StatusNotifier::activated, this, &StatusItem::activated);
+    connect(&m_notifier, &StatusNotifier::hostFound, this, &TrayStatusItem::setHost);
     if (xConnection()) {
         m_manager = xAtom("MANAGER");
         QCoreApplication::instance()->installNativeEventFilter(this);
     }
-    if (hasTrayOnX11() || hasHostOnBus())
-        create();
 }
 
 TrayStatusItem::~TrayStatusItem()
@@ -61,15 +47,30 @@ TrayStatusItem::~TrayStatusItem()
         QCoreApplication::instance()->removeNativeEventFilter(this);
 }
 
+void TrayStatusItem::setHost(bool isFound)
+{
+    m_wantsOlderArea = !isFound;
+    if (m_icon)
+        m_icon->setVisible(m_wantsOlderArea);
+    else
+        showInOlderArea();
+}
+
+void TrayStatusItem::showInOlderArea()
+{
+    if (!m_icon && m_wantsOlderArea && hasTrayOnX11())
+        create();
+}
+
 void TrayStatusItem::create()
 {
-    if (m_icon)
-        return;
     m_icon = std::make_unique<QSystemTrayIcon>(m_image);
     m_icon->setToolTip(m_name);
     connect(m_icon.get(), &QSystemTrayIcon::activated, this,
             [this](QSystemTrayIcon::ActivationReason reason) {
-                if (reason == QSystemTrayIcon::Trigger && !isSecondClick())
+                const bool isSecondary =
+                    reason == QSystemTrayIcon::Context || reason == QSystemTrayIcon::MiddleClick;
+                if (isSecondary || (reason == QSystemTrayIcon::Trigger && !isSecondClick()))
                     Q_EMIT activated({});
             });
     m_icon->show();
@@ -98,10 +99,7 @@ bool TrayStatusItem::nativeEventFilter(const QByteArray& type, void* message, qi
         return false;
     const auto* announcement = reinterpret_cast<const xcb_client_message_event_t*>(event);
     if (announcement->type == m_manager)
-        QTimer::singleShot(0, this, [this] {
-            if (hasTrayOnX11())
-                create();
-        });
+        QTimer::singleShot(0, this, &TrayStatusItem::showInOlderArea);
     return false;
 }
 

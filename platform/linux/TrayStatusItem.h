@@ -1,9 +1,8 @@
 #pragma once
 
-#include "platform/StatusItem.h"
+#include "platform/linux/StatusNotifier.h"
 
 #include <QAbstractNativeEventFilter>
-#include <QDBusServiceWatcher>
 #include <QElapsedTimer>
 #include <QIcon>
 #include <QSystemTrayIcon>
@@ -12,8 +11,9 @@
 
 namespace varno {
 
-/// Through the toolkit's tray icon, which decides for good at its first use whether there is a host
-/// on the bus: so it is not used before there is a host, there or on the X server.
+/// An icon on the session bus for as long as that has a host, and otherwise, when that is known, in
+/// the older status area of the X server: by the toolkit, which would ask for a host itself and
+/// wait for the answer.
 class TrayStatusItem final : public StatusItem, public QAbstractNativeEventFilter {
     Q_OBJECT
 
@@ -25,12 +25,15 @@ public:
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 
 private:
+    void setHost(bool isFound);
+    void showInOlderArea();
     void create();
     [[nodiscard]] bool isSecondClick();
 
     QIcon m_image;
     QString m_name;
-    QDBusServiceWatcher m_watcher;
+    StatusNotifier m_notifier;
+    bool m_wantsOlderArea = false;
     quint32 m_manager = 0;   ///< the atom of a host's announcement on the X server
     QElapsedTimer m_clicked; ///< since the first click
     std::unique_ptr<QSystemTrayIcon> m_icon;
