@@ -16,7 +16,8 @@ struct UserAction;
 /// showing, since the desktop forgets it when the window is hidden. The window has been created.
 void prepareFloatingPanel(QWindow& window);
 
-/// Gives a window the keyboard on the user's behalf, and acknowledges the action.
+/// Gives a panel the keyboard on the user's behalf, and acknowledges the action. After every
+/// showing as well as when it is shown already: the desktop is asked for what it grants only then.
 void activateForUser(QWindow& window, const UserAction& action);
 
 /// Tells the desktop that what the user did is answered, where it has no window to see by it: some

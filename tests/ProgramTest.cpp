@@ -164,6 +164,11 @@ private Q_SLOTS:
         showPanel();
         QCOMPARE(m_desktop->place(m_program->panel()), place);
         QCOMPARE(m_desktop->property(m_desktop->root(), "_NET_CURRENT_DESKTOP"), QList<quint32>{3});
+        m_desktop->tell(m_program->panel(), "_NET_WM_DESKTOP", {1}); // as some managers do
+        QTRY_VERIFY(!m_program->isShown());
+        QVERIFY(m_program->activate());
+        QTRY_VERIFY(m_program->hasKeyboard());
+        verifyFloats();
         selectDesktop(0);
     }
 };

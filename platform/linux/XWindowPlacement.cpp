@@ -54,6 +54,14 @@ void askWindowManager(const QWindow& window, const char* what, std::initializer_
     xcb_flush(xConnection());
 }
 
+/// Some window managers put a window where the user is whatever it said before it was there.
+void askForEveryDesktop(const QWindow& window)
+{
+    constexpr quint32 add = 1;
+    askWindowManager(window, "_NET_WM_DESKTOP", {everyDesktop, fromUser});
+    askWindowManager(window, "_NET_WM_STATE", {add, xAtom("_NET_WM_STATE_STICKY"), 0, fromUser});
+}
+
 /// Tokens of desktops on an X server end with it.
 quint32 timeOf(const UserAction& action)
 {
@@ -80,7 +88,8 @@ void prepareFloatingPanel(QWindow& window)
     if (!xConnection())
         return;
     fetchXAtoms({"_NET_WM_STATE", "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_SKIP_TASKBAR",
-                 "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_DESKTOP", "_NET_WM_USER_TIME",
+                 "_NET_WM_STATE_SKIP_PAGER", "_NET_WM_STATE_STICKY", "_NET_WM_DESKTOP",
+                 "_NET_WM_USER_TIME",
                  "_NET_ACTIVE_WINDOW"}); // now, since the window manager is busy afterwards
     const std::array<quint32, 3> states = {xAtom("_NET_WM_STATE_ABOVE"),
                                            xAtom("_NET_WM_STATE_SKIP_TASKBAR"),
@@ -93,6 +102,8 @@ void activateForUser(QWindow& window, const UserAction& action)
 {
     if (!xConnection() && !action.token.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", action.token); // the toolkit takes it out again
+    if (xConnection())
+        askForEveryDesktop(window);
     window.requestActivate();
     if (!xConnection())
         return;
