@@ -40,10 +40,8 @@ VarnoPanel::VarnoPanel(AppViewModel& viewModel, KeychainTasks& keys, const Panel
     setLayout(column({.horizontal = border, .vertical = border}, {grow(m_content)}));
     setFocusProxy(&m_content);
     addResizeGrips();
-    if (const QScreen* screen = QGuiApplication::primaryScreen()) {
-        const QPoint middle = screen->availableGeometry().center();
-        move(middle.x() + 1 - firstSize.width() / 2, middle.y() + 1 - firstSize.height() / 2);
-    }
+    if (const QRect room = roomBeforeUser(); !room.isEmpty())
+        move(room.center() + QPoint(1, 1) - QPoint(firstSize.width(), firstSize.height()) / 2);
     connect(&viewModel, &AppViewModel::changed, this, &VarnoPanel::takeNote);
     connect(&m_content, &ContentView::hideRequested, this, &QWidget::hide);
 }
@@ -87,7 +85,7 @@ void VarnoPanel::present(const UserAction& action)
         repaint(); // while the window manager makes room for it
 }
 
-/// Where not all of it is on screens any more: onto the one where its middle is, or else the first.
+/// Where not all of it is on screens any more: onto the one where its middle is, or else the user.
 void VarnoPanel::keepOnScreen()
 {
     QRegion rooms;
@@ -96,11 +94,9 @@ void VarnoPanel::keepOnScreen()
     if (QRegion(geometry()).subtracted(rooms).isEmpty())
         return;
     const QScreen* screen = QGuiApplication::screenAt(geometry().center());
-    if (!screen)
-        screen = QGuiApplication::primaryScreen();
-    if (!screen)
+    const QRect room = screen ? screen->availableGeometry() : roomBeforeUser();
+    if (room.isEmpty())
         return;
-    const QRect room = screen->availableGeometry();
     QRect place = geometry();
     place.setSize(place.size().boundedTo(room.size()).expandedTo(minimumSize()));
     place.moveLeft(std::max(room.left(), std::min(place.left(), room.right() + 1 - place.width())));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include <QRect>
+
 class QWindow;
 
 namespace varno {
@@ -11,6 +13,10 @@ struct UserAction;
 /// it stands. To be called before there is an application object, which would end the process if
 /// there is no display; then this returns false.
 [[nodiscard]] bool chooseDisplay();
+
+/// The work area of the screen that the user looks at: where the window with the keyboard is, or
+/// else the pointer. Empty where there is no screen.
+[[nodiscard]] QRect roomBeforeUser();
 
 /// Makes it a panel: above other windows, on every desktop, in no list of windows. Before every
 /// showing, since the desktop forgets it when the window is hidden. The window has been created.
