@@ -4,6 +4,8 @@
 
 #include <QObject>
 
+#include <functional>
+
 class QIcon;
 
 namespace varno {
@@ -16,5 +18,9 @@ class StatusItem : public QObject {
 Q_SIGNALS:
     void activated(const varno::UserAction& action); ///< once for each click
 };
+
+/// Asks the desktop whether it has a status area that shows icons now. The answer comes from the
+/// event loop, once, unless the context is gone by then. A bus that is not there is no area.
+void askForStatusArea(QObject& context, std::function<void(bool)> answer);
 
 } // namespace varno

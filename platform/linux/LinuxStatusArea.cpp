@@ -1,0 +1,49 @@
+#include "platform/StatusItem.h"
+#include "platform/linux/XConnection.h"
+#include "platform/linux/XcbReply.h"
+
+#include <QDBusConnection>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusVariant>
+
+#include <utility>
+
+namespace varno {
+namespace {
+
+using namespace Qt::StringLiterals;
+
+constexpr int patience = 2000; // milliseconds, which no area that works takes
+
+bool isOnXServer()
+{
+    xcb_connection_t* connection = xConnection();
+    if (!connection)
+        return false;
+    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
+        connection, xcb_get_selection_owner(connection, xAtom("_NET_SYSTEM_TRAY_S0")), nullptr));
+    return reply && reply->owner != XCB_NONE;
+}
+
+} // namespace
+
+void askForStatusArea(QObject& context, std::function<void(bool)> answer)
+{
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        u"org.kde.StatusNotifierWatcher"_s, u"/StatusNotifierWatcher"_s,
+        u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
+    call << u"org.kde.StatusNotifierWatcher"_s << u"IsStatusNotifierHostRegistered"_s;
+    call.setAutoStartService(false);
+    auto* reply = new QDBusPendingCallWatcher(
+        QDBusConnection::sessionBus().asyncCall(call, patience), &context);
+    QObject::connect(
+        reply, &QDBusPendingCallWatcher::finished, &context, [reply, answer = std::move(answer)] {
+            reply->deleteLater();
+            const QDBusPendingReply<QDBusVariant> host = *reply;
+            answer((host.isValid() && host.value().variant().toBool()) || isOnXServer());
+        });
+}
+
+} // namespace varno
