@@ -2,8 +2,10 @@
 
 #include "app/ApplicationService.h"
 #include "app/AtExit.h"
+#include "kit/TextCuts.h"
 #include "platform/Platform.h"
 #include "platform/ProcessSecrets.h"
+#include "platform/StatusItem.h"
 #include "platform/TerminationSignals.h"
 #include "platform/WindowPlacement.h"
 #include "providers/ClaudeService.h"
@@ -47,18 +49,62 @@ private:
     HistoryStore m_history;
 };
 
-int live(QApplication& application, ApplicationService& service, Owners& owners)
+/// First what is shown, then the panel that shows it.
+void perform(const ApplicationService::Request& request, AppDelegate& delegate)
+{
+    using Action = ApplicationService::Action;
+    AppViewModel& model = delegate.viewModel();
+    switch (request.action) {
+    case Action::quit:
+        QCoreApplication::quit();
+        return;
+    case Action::toggle:
+        delegate.toggleWindow(request.user);
+        return;
+    case Action::show:
+        break;
+    case Action::settings:
+        model.setShowingSettings(true);
+        break;
+    case Action::newSearch:
+        model.setShowingSettings(false);
+        model.newSearch();
+        break;
+    case Action::search: // of a text that may come from a page, with its lines
+        model.setShowingSettings(false);
+        model.search(request.text.first(lengthWithin(request.text, longestSearch)).simplified());
+        break;
+    }
+    delegate.showWindow(request.user);
+}
+
+/// What a first start does of itself.
+void showIfDue(const LaunchContext& context, AppDelegate& delegate)
+{
+    using Panel = LaunchContext::Panel;
+    const UserAction action = context.marks.action();
+    if (context.panel == Panel::shown)
+        delegate.showWindow(action);
+    else if (context.panel == Panel::hidden)
+        acknowledge(action);
+    else
+        askForStatusArea(delegate, [&delegate, action](bool isThere) {
+            isThere ? acknowledge(action) : delegate.showWindow(action);
+        });
+}
+
+int live(QApplication& application, ApplicationService& service, Owners& owners,
+         const LaunchContext& context)
 {
     AppDelegate delegate(owners.dependencies(), KeychainService::shared());
-    QObject::connect(&service, &ApplicationService::showRequested, &delegate,
-                     [&delegate] { delegate.showWindow(); });
-    QObject::connect(&service, &ApplicationService::toggleRequested, &delegate,
-                     [&delegate] { delegate.toggleWindow(); });
+    QObject::connect(&service, &ApplicationService::requested, &delegate,
+                     [&delegate](const auto& request) { perform(request, delegate); });
     const auto terminationSignals = TerminationSignals::install();
     QObject::connect(terminationSignals.get(), &TerminationSignals::received, &application,
                      &QCoreApplication::quit);
     delegate.applicationDidFinishLaunching();
     owners.started(delegate);
+    showIfDue(context, delegate);
     // Libraries take themselves down when the process exits: nothing may run with them by then.
     const auto end = [&delegate, &owners] {
         delegate.prepareToQuit();
@@ -83,6 +129,7 @@ void VarnoApp::prepare()
 
 int VarnoApp::run(int argc, char** argv)
 {
+        return *status;
     return run(argc, argv, {.busName = u"com.kelbrin.varno"_s, .owners = [] {
                                 return std::make_unique<UsersOwn>();
                             }});
@@ -91,14 +138,17 @@ int VarnoApp::run(int argc, char** argv)
 int VarnoApp::run(int argc, char** argv, const Launch& launch)
 {
     keepSecrets();
+    LaunchContext context = takeLaunchContext();
     if (!chooseDisplay())
         return fail(u"Varno needs a display, and there is none that it can reach."_s);
     QApplication application(argc, argv);
     prepare();
+    if (application.isSessionRestored())
+        context.panel = LaunchContext::Panel::hidden;
 
     ApplicationService service(launch.busName);
-    switch (service.claim()) {
-    case ApplicationService::Claim::toggled:
+    switch (service.claim(context)) {
+    case ApplicationService::Claim::handedOver:
         return 0;
     case ApplicationService::Claim::silent:
         return fail(u"Varno is running already, but does not answer."_s);
@@ -108,7 +158,7 @@ int VarnoApp::run(int argc, char** argv, const Launch& launch)
     const auto owners = launch.owners();
     if (const auto* failure = std::get_if<Failure>(&owners))
         return fail(failure->description);
-    return live(application, service, *std::get<std::unique_ptr<Owners>>(owners));
+    return live(application, service, *std::get<std::unique_ptr<Owners>>(owners), context);
 }
 
 } // namespace varno

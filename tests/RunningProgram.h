@@ -37,6 +37,7 @@ public:
             m_environment.remove(QLatin1StringView(name));
         set("https_proxy", u"http://127.0.0.1:9"_s);
         set("DBUS_SESSION_BUS_ADDRESS", busAddress);
+        set("VARNO_PANEL", u"hidden"_s); // until a test asks for it
     }
     ~RunningProgram()
     {
@@ -105,9 +106,9 @@ public:
 
     // Of org.freedesktop.Application; whether it has replied.
     bool activate() { return call("Activate", {QVariantMap()}); }
-    bool activateAction(const QString& name)
+    bool activateAction(const QString& name, const QVariantList& parameter = {})
     {
-        return call("ActivateAction", {name, QVariantList(), QVariantMap()});
+        return call("ActivateAction", {name, parameter, QVariantMap()});
     }
 
     /// Whether it has dealt with everything that was sent to it before this. What is sent later is
