@@ -2,6 +2,7 @@
 
 #include "app/ApplicationService.h"
 #include "app/AtExit.h"
+#include "app/CommandLine.h"
 #include "kit/TextCuts.h"
 #include "platform/Platform.h"
 #include "platform/ProcessSecrets.h"
@@ -129,6 +130,7 @@ void VarnoApp::prepare()
 
 int VarnoApp::run(int argc, char** argv)
 {
+    if (const auto status = answerCommandLine(argc, argv))
         return *status;
     return run(argc, argv, {.busName = u"com.kelbrin.varno"_s, .owners = [] {
                                 return std::make_unique<UsersOwn>();
