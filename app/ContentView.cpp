@@ -36,6 +36,7 @@ void ContentView::bindKeys()
     bind({u"Ctrl+Left"_s, u"Meta+Left"_s, u"Alt+Left"_s}, &ContentView::goBack);
     bind({u"Ctrl+K"_s, u"Meta+K"_s}, &ContentView::newSearch);
     bind({u"Ctrl+,"_s, u"Meta+,"_s}, &ContentView::toggleSettings);
+    bind({u"Ctrl+Q"_s, u"Meta+Q"_s}, &ContentView::quit);
 }
 
 void ContentView::bind(const QList<QKeySequence>& keys, void (ContentView::*action)())

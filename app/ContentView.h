@@ -3,6 +3,7 @@
 #include "app/PanelShortcut.h"
 #include "core/AppViewModel.h"
 
+#include <QCoreApplication>
 #include <QWidget>
 
 class QKeySequence;
@@ -39,6 +40,7 @@ private:
     void escape();
     void goBack() { m_viewModel.goBack(); }
     void newSearch() { m_viewModel.newSearch(); }
+    void quit() { QCoreApplication::quit(); }
     void toggleSettings() { m_viewModel.setShowingSettings(!m_viewModel.isShowingSettings()); }
 
     void takeNote(varno::AppViewModel::Changes what);
