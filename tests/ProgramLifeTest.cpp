@@ -3,6 +3,7 @@
 #include "tests/PortalRecorder.h"
 #include "tests/PrivateBus.h"
 #include "tests/ProgramFixture.h"
+#include "tests/StatusHost.h"
 #include "tests/Test.h"
 
 #include <QDateTime>
@@ -54,17 +55,45 @@ private:
     }
 
 private Q_SLOTS:
-    void secondStartToggles()
+    void firstStartShowsSomething()
+    {
+        for (const auto& [wanted, hasArea, shown] : Rows<QString, bool, bool>{
+                 {u""_s, false, true},
+                 {u""_s, true, false},
+                 {u"shown"_s, true, true},
+                 {u"hidden"_s, false, false},
+             }) {
+            const InRow row(wanted, hasArea);
+            const auto area = hasArea ? std::make_unique<StatusHost>() : nullptr;
+            replaceProgram(*m_desktop);
+            m_program->set("VARNO_PANEL", wanted);
+            QVERIFY(m_program->start());
+            QVERIFY(m_program->settles());
+            QTRY_COMPARE(m_program->isShown(), shown);
+            QCOMPARE(m_program->end(), 0);
+        }
+    }
+
+    void secondStartTogglesOrShows()
     {
         QVERIFY(m_program->start());
-        for (const bool shown : {true, false, true}) {
+        for (const auto& [wanted, shown] : Rows<QString, bool>{{u""_s, true},
+                                                               {u""_s, false},
+                                                               {u"hidden"_s, false},
+                                                               {u"shown"_s, true},
+                                                               {u"shown"_s, true},
+                                                               {u"hidden"_s, true}}) {
+            const InRow row(wanted);
             RunningProgram second(*m_desktop);
+            second.set("VARNO_PANEL", wanted);
+            second.set("DESKTOP_STARTUP_ID", u"test_TIME1"_s);
             second.launchBeside(*m_program);
             QCOMPARE(second.waitForEnd(), 0);
             QCOMPARE(second.console(), QByteArray());
             QTRY_COMPARE(m_program->isShown(), shown);
         }
         QTRY_VERIFY(m_program->hasKeyboard());
+        QCOMPARE(m_desktop->property(m_program->panel(), "_NET_WM_USER_TIME"), QList<quint32>{1});
     }
 
     void secondStartGivesUp()
@@ -72,6 +101,7 @@ private Q_SLOTS:
         QVERIFY(m_program->start());
         ::kill(static_cast<pid_t>(m_program->id()), SIGSTOP);
         RunningProgram second(*m_desktop);
+        second.unset("VARNO_PANEL");
         second.launchBeside(*m_program);
         QCOMPARE(second.waitForEnd(), 1);
         QVERIFY2(second.console().contains("does not answer"), second.console());
@@ -83,16 +113,45 @@ private Q_SLOTS:
     {
         QVERIFY(m_program->start());
         // The empty action is the activation of the whole.
-        for (const auto& [action, shown] : Rows<QString, bool>{{u""_s, true},
-                                                               {u"toggle"_s, false},
-                                                               {u"toggle"_s, true},
-                                                               {u"Toggle"_s, true},
-                                                               {u"quit"_s, true}}) {
+        for (const auto& [action, parameter, shown] : Rows<QString, QVariantList, bool>{
+                 {u""_s, {}, true},
+                 {u"toggle"_s, {}, false},
+                 {u"new-search"_s, {}, true},
+                 {u"toggle"_s, {}, false},
+                 {u"settings"_s, {}, true},
+                 {u"Toggle"_s, {}, true},
+                 {u"toggle"_s, {}, false},
+                 {u"search"_s, {u" opal\nand onyx"_s}, true},
+             }) {
             const InRow row(action);
-            QVERIFY(action.isEmpty() ? m_program->activate() : m_program->activateAction(action));
+            QVERIFY(action.isEmpty() ? m_program->activate()
+                                     : m_program->activateAction(action, parameter));
             QVERIFY(m_program->settles());
             QTRY_COMPARE(m_program->isShown(), shown);
         }
+        QTRY_VERIFY(m_program->hasSearched("opal and onyx"));
+    }
+
+    void answersItsCommandLine()
+    {
+        for (const auto& [arguments, status, answer] : Rows<QStringList, int, QByteArray>{
+                 {{u"--version"_s}, 0, "varno "},
+                 {{u"--help"_s}, 0, "Usage: varno "},
+                 {{u"--platform"_s, u"offscreen"_s}, 2, "\"--platform\" is unknown"},
+                 {{u"--help"_s, u"-x"_s}, 2, "\"-x\" is unknown"},
+                 {{u""_s}, 2, "\"\" is unknown"},
+                 {{u"-session"_s, u"1_2"_s}, 1, "display"},
+             }) {
+            const InRow row(arguments);
+            RunningProgram asked(*m_desktop);
+            asked.unset("DISPLAY");
+            asked.arguments = arguments;
+            asked.launch();
+            QCOMPARE(asked.waitForEnd(), status);
+            QVERIFY(asked.console().contains(answer));
+            QVERIFY(status == 0 || asked.console().count('\n') == 1);
+        }
+        m_program.reset();
     }
 
     void waylandSessionsAskThePortal()
@@ -125,13 +184,25 @@ private Q_SLOTS:
         m_program.reset();
     }
 
-    void signalsEndIt()
+    void endsInOrder()
     {
-        for (const int number : {SIGTERM, SIGINT, SIGHUP}) {
-            const InRow row(number);
+        const auto typed = [this](quint8 modifier) {
+            m_desktop->typeWith(modifier, pcKey::q);
+            return m_program->waitForEnd();
+        };
+        for (const auto& [way, end] : Rows<QString, std::function<int()>>{
+                 {u"SIGTERM"_s, [&] { return m_program->end(SIGTERM); }},
+                 {u"SIGINT"_s, [&] { return m_program->end(SIGINT); }},
+                 {u"SIGHUP"_s, [&] { return m_program->end(SIGHUP); }},
+                 {u"Ctrl+Q"_s, [&] { return typed(pcKey::control); }},
+                 {u"Super+Q"_s, [&] { return typed(pcKey::super); }},
+                 {u"the bus"_s, [&] {
+                      return m_program->activateAction(u"quit"_s) ? m_program->waitForEnd() : -1;
+                  }}}) {
+            const InRow row(way);
             replaceProgram(*m_desktop);
             showOlderSearch(*m_desktop);
-            QCOMPARE(m_program->end(number), 0);
+            QCOMPARE(end(), 0);
             QCOMPARE(m_program->console(), QByteArray());
             verifySaved();
         }

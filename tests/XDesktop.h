@@ -17,6 +17,7 @@ namespace varno {
 /// X key codes of a PC's keyboard.
 namespace pcKey {
 inline constexpr quint8 escape = 9;
+inline constexpr quint8 q = 24;
 inline constexpr quint8 y = 29;
 inline constexpr quint8 enter = 36;
 inline constexpr quint8 control = 37;
