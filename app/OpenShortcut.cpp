@@ -1,5 +1,6 @@
 #include "app/OpenShortcut.h"
 
+#include "app/PanelKeys.h"
 #include "recorder/RecorderCocoa.h"
 
 namespace varno {
@@ -22,7 +23,13 @@ PanelShortcut panelShortcut()
                 const auto shortcut = shortcuts.getShortcut(openVarno());
                 return shortcut ? shortcuts.description(*shortcut) : QString();
             },
-        .makeRecorder = [] { return new RecorderCocoa(openVarno()); },
+        .makeRecorder =
+            [] {
+                auto* recorder = new RecorderCocoa(openVarno());
+                recorder->setMenuItems(
+                    [] { return panelKeys(KeyboardShortcuts::shared().keyboard()); });
+                return recorder;
+            },
     };
 }
 

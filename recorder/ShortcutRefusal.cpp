@@ -1,5 +1,7 @@
 #include "recorder/ShortcutRefusal.h"
 
+#include "shortcuts/KeyLabel.h"
+
 #include <algorithm>
 
 namespace varno {
@@ -19,6 +21,13 @@ bool disallowsOptionAlone(const QOperatingSystemVersion& system)
            (system.minorVersion() == 0 || system.minorVersion() == 1);
 }
 
+/// Whether a combination would stop every program from being written in.
+bool isWrittenWith(const Shortcut& shortcut)
+{
+    return !(shortcut.modifiers() & ~Modifiers(Modifier::shift)) &&
+           keyLabel(shortcut.carbonKeyCode()).kind != KeyLabel::Kind::function;
+}
+
 } // namespace
 
 std::optional<ShortcutRefusal> refusalOf(const Shortcut& shortcut, const ShortcutRules& rules)
@@ -32,7 +41,7 @@ std::optional<ShortcutRefusal> refusalOf(const Shortcut& shortcut, const Shortcu
         return ShortcutRefusal{.reason = Reason::usedByMenuItem, .menuItem = item->title};
     if (disallowsOptionAlone(rules.system) && isOptionAlone(shortcut.modifiers()))
         return ShortcutRefusal{.reason = Reason::disallowed};
-    if (rules.isReserved && rules.isReserved(shortcut))
+    if (isWrittenWith(shortcut) || (rules.isReserved && rules.isReserved(shortcut)))
         return ShortcutRefusal{.reason = Reason::usedBySystem};
     return std::nullopt;
 }

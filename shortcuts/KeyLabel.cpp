@@ -1,6 +1,7 @@
 #include "shortcuts/KeyLabel.h"
 
 #include "platform/Key.h"
+#include "platform/Keyboard.h"
 
 #include <algorithm>
 #include <array>
@@ -41,14 +42,13 @@ constexpr std::array characterKeys = {
     LabelledKey{Key::yen, u"¥"},         LabelledKey{Key::underscore, u"_"},
 };
 
-constexpr std::array specialKeys = {
+constexpr std::array writingKeys = {
     LabelledKey{Key::returnKey, u"↩"},
     LabelledKey{Key::tab, u"⇥"},
     LabelledKey{Key::space, u"Space"},
     LabelledKey{Key::deleteKey, u"⌫"},
     LabelledKey{Key::forwardDelete, u"⌦"},
     LabelledKey{Key::escape, u"⎋"},
-    LabelledKey{Key::help, u"Help"},
     LabelledKey{Key::home, u"↖"},
     LabelledKey{Key::end, u"↘"},
     LabelledKey{Key::pageUp, u"⇞"},
@@ -57,11 +57,6 @@ constexpr std::array specialKeys = {
     LabelledKey{Key::rightArrow, u"→"},
     LabelledKey{Key::upArrow, u"↑"},
     LabelledKey{Key::downArrow, u"↓"},
-    LabelledKey{Key::volumeUp, u"Volume Up"},
-    LabelledKey{Key::volumeDown, u"Volume Down"},
-    LabelledKey{Key::mute, u"Mute"},
-    LabelledKey{Key::eisu, u"英数"},
-    LabelledKey{Key::kana, u"かな"},
     LabelledKey{Key::keypad0, u"Keypad 0"},
     LabelledKey{Key::keypad1, u"Keypad 1"},
     LabelledKey{Key::keypad2, u"Keypad 2"},
@@ -81,6 +76,15 @@ constexpr std::array specialKeys = {
     LabelledKey{Key::keypadEquals, u"Keypad ="},
     LabelledKey{Key::keypadClear, u"⌧"},
     LabelledKey{Key::keypadEnter, u"⌤"},
+};
+
+constexpr std::array functionKeys = {
+    LabelledKey{Key::help, u"Help"},
+    LabelledKey{Key::volumeUp, u"Volume Up"},
+    LabelledKey{Key::volumeDown, u"Volume Down"},
+    LabelledKey{Key::mute, u"Mute"},
+    LabelledKey{Key::eisu, u"英数"},
+    LabelledKey{Key::kana, u"かな"},
     LabelledKey{Key::f1, u"F1"},
     LabelledKey{Key::f2, u"F2"},
     LabelledKey{Key::f3, u"F3"},
@@ -116,9 +120,25 @@ QStringView textIn(const Keys& keys, int carbonKeyCode)
 
 KeyLabel keyLabel(int carbonKeyCode)
 {
-    if (const QStringView character = textIn(characterKeys, carbonKeyCode); !character.isEmpty())
-        return {.text = character, .isCharacter = true};
-    return {.text = textIn(specialKeys, carbonKeyCode)};
+    using Kind = KeyLabel::Kind;
+    if (const QStringView text = textIn(characterKeys, carbonKeyCode); !text.isEmpty())
+        return {.text = text, .kind = Kind::character};
+    if (const QStringView text = textIn(writingKeys, carbonKeyCode); !text.isEmpty())
+        return {.text = text, .kind = Kind::writing};
+    return {.text = textIn(functionKeys, carbonKeyCode)};
+}
+
+int carbonKeyCodeTyping(QChar character, const Keyboard& keyboard)
+{
+    int ansi = -1;
+    for (const LabelledKey& candidate : characterKeys) {
+        const int carbonKeyCode = static_cast<int>(candidate.key);
+        if (keyboard.character(carbonKeyCode) == character)
+            return carbonKeyCode;
+        if (candidate.text == character.toUpper())
+            ansi = carbonKeyCode;
+    }
+    return ansi;
 }
 
 } // namespace varno

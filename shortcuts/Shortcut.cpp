@@ -26,7 +26,7 @@ constexpr std::array modifierForms = {
 QString keyText(int carbonKeyCode, const Keyboard& keyboard)
 {
     const KeyLabel label = keyLabel(carbonKeyCode);
-    if (!label.isCharacter)
+    if (label.kind != KeyLabel::Kind::character)
         return label.text.toString();
     const QString typed = keyboard.character(carbonKeyCode);
     if (typed.isEmpty())

@@ -1,3 +1,4 @@
+#include "app/PanelKeys.h"
 #include "platform/fake/FakeHotKeyEvents.h"
 #include "platform/fake/FakeKeyboard.h"
 #include "platform/fake/FakePreferencesStore.h"
@@ -209,6 +210,36 @@ private Q_SLOTS:
         QVERIFY(recorder().isRecording()); // it goes on
         pressOptionCommand(Key::f);
         QCOMPARE(m_changes.size(), 1);
+    }
+
+    void panelsOwnKeys()
+    {
+        m_keyboard.setCharacters({{static_cast<int>(Key::a), u"q"_s}}); // French
+        for (const auto& [shortcut, title] :
+             Rows<Shortcut, QString>{{Shortcut(Key::k, Modifier::command), u"New search"_s},
+                                     {Shortcut(Key::a, Modifier::control), u"Quit"_s},
+                                     {Shortcut(Key::leftArrow, Modifier::control), u"Back"_s},
+                                     {Shortcut(Key::q, Modifier::control), QString()}})
+            QCOMPARE(refusalOf(shortcut, {.menuItems = panelKeys(m_keyboard)})
+                         .value_or(ShortcutRefusal{})
+                         .menuItem,
+                     title);
+        m_keyboard.setCharacters({});
+    }
+
+    void whatProgramsAreWrittenWith()
+    {
+        using Reason = ShortcutRefusal::Reason;
+        for (const auto& [key, modifiers, isTaken] :
+             Rows<Key, Modifiers, bool>{{Key::a, {}, true},
+                                        {Key::a, Modifier::shift, true},
+                                        {Key::returnKey, {}, true},
+                                        {Key::keypad0, {}, true},
+                                        {Key::f5, {}, false},
+                                        {Key::a, Modifier::option, false}}) {
+            const auto refusal = refusalOf(Shortcut(key, modifiers), {});
+            QCOMPARE(refusal && refusal->reason == Reason::usedBySystem, isTaken);
+        }
     }
 
     void optionAlone()
