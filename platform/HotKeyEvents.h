@@ -1,7 +1,7 @@
 #pragma once
 
 #include <QFlags>
-#include <QtGlobal>
+#include <QString>
 
 #include <functional>
 #include <optional>
@@ -41,6 +41,14 @@ struct HotKeyEvent {
     quint32 time = 0; ///< the window system's, which it wants to see when a window is activated
 };
 
+/// What the system has made of a registered hot key.
+struct HotKeyBinding {
+    bool isBound = true;
+    QString trigger{}; ///< the combination, as the system names it; empty: as registered
+
+    friend bool operator==(const HotKeyBinding&, const HotKeyBinding&) = default;
+};
+
 /// The keys that the system reports to this program whichever program has the focus. Keys are
 /// positions on the keyboard, told by their Carbon virtual key codes, and modifiers a Carbon mask.
 /// Main thread only.
@@ -48,7 +56,7 @@ class HotKeyEvents {
 public:
     using Reference = quint32;
     using Handler = std::function<int(const HotKeyEvent&)>;
-    using RefusalHandler = std::function<void(Reference)>;
+    using BindingHandler = std::function<void(Reference, const HotKeyBinding&)>;
 
     enum EventType : quint8 { hotKeyEvents = 1, keyboardEvents = 2 };
     Q_DECLARE_FLAGS(EventTypes, EventType)
@@ -56,15 +64,16 @@ public:
     virtual ~HotKeyEvents() = default;
 
     /// Nothing if the system refuses: the combination is somebody else's, or there is no such key.
-    /// One that asks its user refuses later: see `setRefusalHandler`.
+    /// One that asks its user refuses later: see `setBindingHandler`.
     [[nodiscard]] virtual std::optional<Reference>
     registerHotKey(int carbonKeyCode, int carbonModifiers, HotKeyIdentity identity) = 0;
     virtual void unregisterHotKey(Reference reference) = 0;
 
-    /// Told, from the event loop, of a hot key that the system has refused after all; it is not
-    /// registered any more. An empty one takes it off. It may destroy this object. Systems that
-    /// refuse at once never call it.
-    virtual void setRefusalHandler(const RefusalHandler& /*handler*/) {}
+    /// Told, from the event loop, what the system has made of a hot key after all: what its user
+    /// has decided, now or later. One that is not bound stays registered and may be bound later. An
+    /// empty handler takes it off. It may destroy this object. Systems that bind at once, and
+    /// nothing else, never call it.
+    virtual void setBindingHandler(const BindingHandler& /*handler*/) {}
 
     /// The one handler of events, called from the event loop; an empty one takes it off. It may
     /// destroy this object.

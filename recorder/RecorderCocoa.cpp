@@ -49,7 +49,8 @@ RecorderCocoa::RecorderCocoa(KeyboardShortcuts::Name name, Change onChange,
                 if (changed == m_shortcutName)
                     showValue();
             });
-    connect(&shortcuts, &KeyboardShortcuts::descriptionsDidChange, this, &RecorderCocoa::showValue);
+    connect(&shortcuts, &KeyboardShortcuts::shownShortcutsDidChange, this,
+            &RecorderCocoa::showValue);
     showValue();
 }
 
@@ -205,9 +206,8 @@ void RecorderCocoa::accept(const std::optional<Shortcut>& shortcut)
 
 void RecorderCocoa::showValue()
 {
-    const std::optional<Shortcut> shortcut = m_shortcuts.getShortcut(m_shortcutName);
-    m_description = shortcut ? m_shortcuts.description(*shortcut) : QString();
-    m_clear.setVisible(shortcut && !m_recording);
+    m_description = m_shortcuts.shownShortcut(m_shortcutName);
+    m_clear.setVisible(!m_description.isEmpty() && !m_recording);
     setAccessibleDescription(text().isEmpty() ? placeholder() : text());
     update();
 }

@@ -36,7 +36,7 @@ HotKeyCenter::~HotKeyCenter()
     if (m_installed) {
         m_events.removeEventTypes(m_types);
         m_events.installHandler({});
-        m_events.setRefusalHandler({});
+        m_events.setBindingHandler({});
     }
     for (const auto& [id, hotKey] : m_hotKeys)
         m_events.unregisterHotKey(hotKey.reference);
@@ -49,7 +49,7 @@ bool HotKeyCenter::add(const Shortcut& shortcut, Callbacks callbacks)
         shortcut.carbonKeyCode(), shortcut.carbonModifiers(), {.signature = signature, .id = id});
     if (!reference)
         return false;
-    m_hotKeys.emplace(id, HotKey{shortcut, *reference, std::move(callbacks)});
+    m_hotKeys.emplace(id, HotKey{shortcut, *reference, std::move(callbacks), {}});
     installHandler();
     return true;
 }
@@ -59,23 +59,22 @@ void HotKeyCenter::installHandler()
     if (std::exchange(m_installed, true))
         return;
     m_events.installHandler([this](const HotKeyEvent& event) { return handle(event); });
-    m_events.setRefusalHandler([this](HotKeyEvents::Reference reference) { forget(reference); });
+    m_events.setBindingHandler(std::bind_front(&HotKeyCenter::take, this));
     if (!m_paused)
         m_events.addEventTypes(m_types);
 }
 
-void HotKeyCenter::forget(HotKeyEvents::Reference reference)
+void HotKeyCenter::take(HotKeyEvents::Reference reference, const HotKeyBinding& binding)
 {
     const auto found =
         std::find_if(m_hotKeys.begin(), m_hotKeys.end(), [reference](const auto& entry) {
             return entry.second.reference == reference;
         });
-    if (found == m_hotKeys.end())
+    if (found == m_hotKeys.end() || found->second.binding == binding)
         return;
-    const Shortcut shortcut = found->second.shortcut;
-    m_hotKeys.erase(found);
-    if (m_refusalHandler)
-        m_refusalHandler(shortcut);
+    found->second.binding = binding;
+    if (m_bindingHandler)
+        m_bindingHandler(Shortcut(found->second.shortcut)); // a copy: it may unregister it
 }
 
 void HotKeyCenter::remove(const Shortcut& shortcut)
@@ -87,9 +86,10 @@ void HotKeyCenter::remove(const Shortcut& shortcut)
     m_hotKeys.erase(found);
 }
 
-bool HotKeyCenter::isRegistered(const Shortcut& shortcut) const
+HotKeyBinding HotKeyCenter::binding(const Shortcut& shortcut) const
 {
-    return find(shortcut) != m_hotKeys.end();
+    const auto found = find(shortcut);
+    return found == m_hotKeys.end() ? HotKeyBinding{.isBound = false} : found->second.binding;
 }
 
 void HotKeyCenter::setPaused(bool paused)

@@ -22,7 +22,7 @@ public:
         std::function<void()> keyUp{};
     };
 
-    using RefusalHandler = std::function<void(const Shortcut&)>;
+    using BindingHandler = std::function<void(const Shortcut&)>;
 
     /// `events` outlives it. `system` decides which types of events are handled.
     explicit HotKeyCenter(HotKeyEvents& events, const QOperatingSystemVersion& system =
@@ -30,15 +30,15 @@ public:
     ~HotKeyCenter();
     Q_DISABLE_COPY_MOVE(HotKeyCenter)
 
-    /// Registers a shortcut that is not registered yet; false if the system refuses.
+    /// Registers a shortcut that is not there yet; false if the system refuses.
     [[nodiscard]] bool add(const Shortcut& shortcut, Callbacks callbacks);
-    /// Unregisters a shortcut; without effect if it is not registered.
+    /// Unregisters a shortcut; without effect if it is not there.
     void remove(const Shortcut& shortcut);
-    [[nodiscard]] bool isRegistered(const Shortcut& shortcut) const;
+    /// What the system has made of a shortcut; not bound if it is not there.
+    [[nodiscard]] HotKeyBinding binding(const Shortcut& shortcut) const;
 
-    /// `handler` is called with a shortcut that the system refuses after it was added; it is no
-    /// longer registered then.
-    void setRefusalHandler(RefusalHandler handler) { m_refusalHandler = std::move(handler); }
+    /// `handler` is called with a shortcut of which the system has made something else.
+    void setBindingHandler(BindingHandler handler) { m_bindingHandler = std::move(handler); }
 
     /// Pausing keeps the shortcuts registered, but calls nothing.
     void setPaused(bool paused);
@@ -56,17 +56,18 @@ private:
         Shortcut shortcut{0, 0};
         HotKeyEvents::Reference reference = 0;
         Callbacks callbacks{};
+        HotKeyBinding binding{};
     };
     using HotKeys = std::map<quint32, HotKey>;
 
     [[nodiscard]] HotKeys::const_iterator find(const Shortcut& shortcut) const;
     [[nodiscard]] HotKeys::const_iterator target(const HotKeyEvent& event) const;
     void installHandler();
-    void forget(HotKeyEvents::Reference reference);
+    void take(HotKeyEvents::Reference reference, const HotKeyBinding& binding);
 
     HotKeyEvents& m_events;
     HotKeyEvents::EventTypes m_types = HotKeyEvents::hotKeyEvents;
-    RefusalHandler m_refusalHandler;
+    BindingHandler m_bindingHandler;
     HotKeys m_hotKeys; ///< by the ids that the system has
     quint32 m_lastId = 0;
     quint32 m_lastEventTime = 0;

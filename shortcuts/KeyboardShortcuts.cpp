@@ -6,6 +6,7 @@
 #include <QPointer>
 
 #include <algorithm>
+#include <functional>
 #include <iostream>
 #include <utility>
 
@@ -30,8 +31,8 @@ KeyboardShortcuts::KeyboardShortcuts(PreferencesStore& preferences, HotKeyEvents
         m_activeRecorders += active ? 1 : -1;
         updatePaused();
     });
-    m_center.setRefusalHandler([this](const Shortcut& shortcut) { reportRefusal(shortcut); });
-    connect(&keyboard, &Keyboard::layoutChanged, this, &KeyboardShortcuts::descriptionsDidChange);
+    m_center.setBindingHandler(std::bind_front(&KeyboardShortcuts::takeBinding, this));
+    connect(&keyboard, &Keyboard::layoutChanged, this, &KeyboardShortcuts::shownShortcutsDidChange);
 }
 
 KeyboardShortcuts::~KeyboardShortcuts() = default;
@@ -85,6 +86,9 @@ void KeyboardShortcuts::store(const std::optional<Shortcut>& shortcut, const Nam
         m_store.remove(name.rawValue());
     if (hasHandler(name.rawValue()))
         m_live.insert(name.rawValue());
+    for (const auto& changed : {old, shortcut})
+        if (changed)
+            m_center.remove(*changed); // whatever the system has made of it
     update(old);
     update(shortcut);
     Q_EMIT shortcutByNameDidChange(name);
@@ -136,13 +140,27 @@ void KeyboardShortcuts::disable(const QList<Name>& names)
 bool KeyboardShortcuts::isEnabled(const Name& name) const
 {
     const std::optional<Shortcut> shortcut = getShortcut(name);
-    return shortcut && m_live.contains(name.rawValue()) && m_center.isRegistered(*shortcut);
+    return shortcut && m_live.contains(name.rawValue()) && m_center.binding(*shortcut).isBound;
 }
 
 void KeyboardShortcuts::setEnabled(bool enabled)
 {
     m_isEnabled = enabled;
     updatePaused();
+}
+
+QString KeyboardShortcuts::shownShortcut(const Name& name) const
+{
+    const std::optional<Shortcut> shortcut = getShortcut(name);
+    if (!shortcut)
+        return {};
+    const QString trigger = m_center.binding(*shortcut).trigger;
+    return trigger.isEmpty() ? description(*shortcut) : trigger;
+}
+
+bool KeyboardShortcuts::isRefused(const Name& name) const
+{
+    return getShortcut(name) && m_live.contains(name.rawValue()) && !isEnabled(name);
 }
 
 bool KeyboardShortcuts::isReserved(const Shortcut& shortcut) const
@@ -181,9 +199,11 @@ void KeyboardShortcuts::update(const std::optional<Shortcut>& shortcut)
 {
     if (!shortcut)
         return;
-    if (!isWanted(*shortcut))
-        m_center.remove(*shortcut);
-    else if (!m_center.isRegistered(*shortcut))
+    const bool isBound = m_center.binding(*shortcut).isBound;
+    if (isWanted(*shortcut) && isBound)
+        return;
+    m_center.remove(*shortcut);
+    if (isWanted(*shortcut))
         registerWithSystem(*shortcut);
 }
 
@@ -196,6 +216,13 @@ void KeyboardShortcuts::registerWithSystem(const Shortcut& shortcut)
     };
     if (!m_center.add(shortcut, callbacks))
         reportRefusal(shortcut);
+}
+
+void KeyboardShortcuts::takeBinding(const Shortcut& shortcut)
+{
+    if (!m_center.binding(shortcut).isBound)
+        reportRefusal(shortcut);
+    Q_EMIT shownShortcutsDidChange();
 }
 
 void KeyboardShortcuts::reportRefusal(const Shortcut& shortcut) const

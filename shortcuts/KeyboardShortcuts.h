@@ -17,7 +17,7 @@ class ShortcutEvents;
 ///
 /// A name is live from its first handler, or from `enable`, until its last handler goes, or
 /// `disable`. The shortcut of a live name is registered with the system; when the system refuses,
-/// that is said on the console and nowhere else.
+/// that is said on the console.
 class KeyboardShortcuts : public QObject {
     Q_OBJECT
 
@@ -83,6 +83,11 @@ public:
     {
         return shortcut.description(m_keyboard);
     }
+    /// The combination that works for a name, as the system names it or else as `description` does;
+    /// empty if there is none.
+    [[nodiscard]] QString shownShortcut(const Name& name) const;
+    /// Whether a name has a shortcut that the system has refused.
+    [[nodiscard]] bool isRefused(const Name& name) const;
     /// Whether the system or another program has reserved the combination.
     [[nodiscard]] bool isReserved(const Shortcut& shortcut) const;
     /// See `HotKeyCenter::lastEventTime`.
@@ -92,8 +97,9 @@ Q_SIGNALS:
     void shortcutByNameDidChange(const varno::KeyboardShortcuts::Name& name);
     /// Emitted by the recorder: while it is active no handler is called.
     void recorderActiveStatusDidChange(bool active);
-    /// Shortcuts may be shown by other characters now: the keyboard has another layout.
-    void descriptionsDidChange();
+    /// Shortcuts may be shown otherwise now: the keyboard has another layout, or the system has
+    /// made something else of them.
+    void shownShortcutsDidChange();
 
 private:
     friend class ShortcutEvents;
@@ -106,6 +112,7 @@ private:
     /// Registers or unregisters the shortcut, as the live names require.
     void update(const std::optional<Shortcut>& shortcut);
     void registerWithSystem(const Shortcut& shortcut);
+    void takeBinding(const Shortcut& shortcut);
     void reportRefusal(const Shortcut& shortcut) const;
     void store(const std::optional<Shortcut>& shortcut, const Name& name, bool cleared);
     void run(const Shortcut& shortcut, HandlerTable& legacy, HandlerTable& stream);

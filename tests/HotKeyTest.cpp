@@ -73,7 +73,7 @@ private Q_SLOTS:
         m_shortcuts.reset();
         QVERIFY(m_events.registered.empty());
         QVERIFY(!m_events.handler);
-        QVERIFY(!m_events.refusalHandler);
+        QVERIFY(!m_events.bindingHandler);
         QVERIFY(!m_events.types);
         m_events.installations = 0;
     }
@@ -183,17 +183,30 @@ private Q_SLOTS:
         const auto verifyRefused = [&](const QString& console) {
             QCOMPARE(console, u"Error registering hotkey ⌥⌘F\n"_s);
             QVERIFY(!m_shortcuts->isEnabled(name));
+            QVERIFY(m_shortcuts->isRefused(name));
             m_events.reserved.clear();
             m_shortcuts->enable({name});
             QVERIFY(send(optionCommandF));
+            QVERIFY(!m_shortcuts->isRefused(name));
             QCOMPARE(takeCalls(), QStringList{u"up"_s});
         };
         m_events.reserved.insert({3, 2304});
         verifyRefused(written([&] { m_shortcuts->onKeyUp(name, calls(u"up"_s)); }));
         m_shortcuts->onKeyUp(other(), calls(u"other"_s));
-        verifyRefused(written([&] { m_events.refuse(m_events.registered.begin()->first); }));
-        m_events.refuse(4711); // nobody's
+        verifyRefused(written(
+            [&] { m_events.bind(m_events.registered.begin()->first, {.isBound = false}); }));
+        m_events.bind(4711, {.isBound = false}); // nobody's
         QVERIFY(send(controlJ));
+    }
+
+    void showsWhatTheSystemHasBound()
+    {
+        const Name name = open();
+        m_shortcuts->onKeyUp(name, {});
+        m_events.bind(m_events.registered.begin()->first, {.trigger = u"F12"_s});
+        QCOMPARE(m_shortcuts->shownShortcut(name), u"F12"_s);
+        m_shortcuts->setShortcut(optionCommandF, name); // the user's new wish
+        QCOMPARE(m_shortcuts->shownShortcut(name), u"⌥⌘F"_s);
     }
 
     void eventsEndWithTheirHandle()

@@ -73,7 +73,6 @@ class BackendSession : public QObject {
 public:
     QStringList shortcuts;
     bool isOpen = true;
-    bool isListed = false;
 
 public Q_SLOTS:
     void Close() { isOpen = false; }
@@ -91,12 +90,12 @@ class Backend : public QObject, protected QDBusContext {
 public:
     static constexpr quint32 timeOfRelease = 4712;
 
-    uint version = 1;
+    const uint version = 1;
     uint creation = 0; ///< the answers
     uint binding = 0;
     bool asksForEver = false;
-    QStringList listed;
     std::optional<QStringList> granted; ///< or whatever is asked for
+    QString trigger;                    ///< what it says that each is bound to
     QList<PortalShortcut> bound;
     int bindings = 0;
     std::map<QString, std::unique_ptr<BackendSession>> sessions; ///< by path, in their order
@@ -115,14 +114,13 @@ public:
         return open;
     }
 
-    /// Whether there is one session, and it has been told of the shortcut or knows it from before.
+    /// Whether a session holds the shortcut.
     [[nodiscard]] bool serves(const QString& id) const
     {
-        const QStringList open = openSessions();
-        if (open.size() != 1)
-            return false;
-        const BackendSession& session = *sessions.at(open.constFirst());
-        return session.isListed && (listed + session.shortcuts).contains(id);
+        for (const QString& path : openSessions())
+            if (sessions.at(path)->shortcuts.contains(id))
+                return true;
+        return false;
     }
 
     void activate(const QString& id)
@@ -149,17 +147,6 @@ public Q_SLOTS:
         return creation;
     }
 
-    uint ListShortcuts(const QDBusObjectPath& /*handle*/, const QDBusObjectPath& session,
-                       QVariantMap& results)
-    {
-        sessions[session.path()]->isListed = true;
-        QList<PortalShortcut> shortcuts;
-        for (const QString& id : listed)
-            shortcuts << PortalShortcut{id};
-        results.insert(u"shortcuts"_s, QVariant::fromValue(shortcuts));
-        return 0;
-    }
-
     uint BindShortcuts(const QDBusObjectPath& /*handle*/, const QDBusObjectPath& session,
                        const QList<varno::PortalShortcut>& shortcuts, const QString& /*window*/,
                        const QVariantMap& /*options*/, QVariantMap& results)
@@ -173,12 +160,22 @@ public Q_SLOTS:
                 continue;
             sessions[session.path()]->shortcuts << shortcut.id;
             answer << shortcut;
+            answer.last().properties.insert(u"trigger_description"_s, trigger);
         }
         results.insert(u"shortcuts"_s, QVariant::fromValue(answer));
         return binding;
     }
 
+    /// As if the user had chosen another one in the desktop's settings.
+    void change(const QString& id, const QString& newTrigger)
+    {
+        for (const QString& session : openSessions())
+            Q_EMIT ShortcutsChanged(QDBusObjectPath(session),
+                                    {{id, {{u"trigger_description"_s, newTrigger}}}});
+    }
+
 Q_SIGNALS:
+    void ShortcutsChanged(const QDBusObjectPath&, const QList<varno::PortalShortcut>&);
     void Activated(const QDBusObjectPath&, const QString&, qulonglong, const QVariantMap&);
     void Deactivated(const QDBusObjectPath&, const QString&, qulonglong, const QVariantMap&);
 

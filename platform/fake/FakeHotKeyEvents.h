@@ -21,7 +21,7 @@ public:
     std::map<Reference, Registration> registered;
     std::set<Combination> reserved; ///< registering these fails
     Handler handler;
-    RefusalHandler refusalHandler;
+    BindingHandler bindingHandler;
     EventTypes types;
     int installations = 0;
 
@@ -36,11 +36,10 @@ public:
     }
 
     /// As a system does that has asked its user.
-    void refuse(Reference reference)
+    void bind(Reference reference, const HotKeyBinding& binding) const
     {
-        registered.erase(reference);
-        if (const RefusalHandler told = refusalHandler)
-            told(reference);
+        if (const BindingHandler told = bindingHandler)
+            told(reference, binding);
     }
 
     [[nodiscard]] std::optional<Reference> registerHotKey(int carbonKeyCode, int carbonModifiers,
@@ -55,9 +54,9 @@ public:
 
     void unregisterHotKey(Reference reference) override { registered.erase(reference); }
 
-    void setRefusalHandler(const RefusalHandler& newHandler) override
+    void setBindingHandler(const BindingHandler& newHandler) override
     {
-        refusalHandler = newHandler;
+        bindingHandler = newHandler;
     }
 
     void installHandler(Handler newHandler) override

@@ -2,7 +2,7 @@
 #include "platform/linux/IniPreferencesStore.h"
 #include "platform/linux/LoadedBackends.h"
 #include "platform/linux/PortalAnimationSetting.h"
-#include "platform/linux/PortalHotKeyEvents.h"
+#include "platform/linux/PortalShortcutSession.h"
 #include "platform/linux/WaylandSocket.h"
 #include "platform/linux/XcbConnection.h"
 #include "platform/linux/XcbHotKeyEvents.h"
@@ -28,7 +28,9 @@ bool isWaylandSession()
 std::unique_ptr<HotKeyEvents> makeHotKeyEvents()
 {
     if (isWaylandSession())
-        return std::make_unique<PortalHotKeyEvents>(PortalConnection::shared(), systemKeyboard());
+        return std::make_unique<DesktopHotKeyEvents>(
+            PortalConnection::shared(),
+            portalShortcuts(PortalConnection::shared(), systemKeyboard()));
     return std::make_unique<XcbHotKeyEvents>(keyboardConnection());
 }
 

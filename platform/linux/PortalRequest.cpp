@@ -4,7 +4,6 @@
 #include "platform/linux/ProcessVisibility.h"
 
 #include <QDBusMessage>
-#include <QDBusObjectPath>
 #include <QDBusPendingCallWatcher>
 
 #include <memory>
@@ -51,7 +50,9 @@ void PortalRequest::send(const QString& interface, const QString& method,
 {
     const QString token = newToken();
     options.insert(u"handle_token"_s, token);
-    listenTo(requestPath(m_bus, token));
+    m_objectPath = requestPath(m_bus, token);
+    m_bus.connect(QString(), m_objectPath, requestInterface, u"Response"_s, this,
+                  SLOT(takeResponse(uint, QVariantMap)));
     QDBusMessage call =
         QDBusMessage::createMethodCall(m_owner, PortalConnection::path, interface, method);
     call.setArguments(QVariantList(arguments) << options);
@@ -59,28 +60,9 @@ void PortalRequest::send(const QString& interface, const QString& method,
     const auto seen = std::make_shared<ProcessVisibility>();
     connect(reply, &QDBusPendingCallWatcher::finished, this, [this, reply, seen] {
         reply->deleteLater();
-        takeReply(reply->reply());
+        if (reply->isError() && !m_objectPath.isEmpty()) // else it is answered already
+            answer(false, {});
     });
-}
-
-void PortalRequest::listenTo(const QString& objectPath)
-{
-    m_objectPath = objectPath;
-    m_bus.connect(QString(), objectPath, requestInterface, u"Response"_s, this,
-                  SLOT(takeResponse(uint, QVariantMap)));
-}
-
-void PortalRequest::takeReply(const QDBusMessage& reply)
-{
-    if (m_objectPath.isEmpty())
-        return; // answered already
-    if (reply.type() != QDBusMessage::ReplyMessage) {
-        answer(false, {});
-        return;
-    }
-    const auto made = reply.arguments().value(0).value<QDBusObjectPath>().path();
-    if (!made.isEmpty() && made != m_objectPath) // as very old portals do
-        listenTo(made);
 }
 
 void PortalRequest::takeResponse(uint response, const QVariantMap& results)

@@ -6,8 +6,6 @@
 #include <QString>
 #include <QVariant>
 
-class QDBusMessage;
-
 namespace varno {
 
 class PortalConnection;
@@ -37,8 +35,6 @@ private Q_SLOTS:
     void takeResponse(uint response, const QVariantMap& results);
 
 private:
-    void listenTo(const QString& objectPath);
-    void takeReply(const QDBusMessage& reply);
     void answer(bool granted, const QVariantMap& results);
 
     QDBusConnection m_bus;

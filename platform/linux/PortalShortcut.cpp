@@ -2,7 +2,6 @@
 
 #include "platform/CarbonModifiers.h"
 #include "platform/linux/PortalKeyNames.h"
-#include "platform/linux/XcbKeyCodes.h"
 
 #include <QCoreApplication>
 #include <QStringList>
@@ -45,19 +44,16 @@ const QDBusArgument& operator>>(const QDBusArgument& argument, PortalShortcut& s
     return argument;
 }
 
-std::optional<QList<PortalShortcut>> shortcutsIn(const QVariantMap& results)
+std::optional<QList<PortalShortcut>> shortcutsIn(const QVariant& argument)
 {
-    const auto list = results.value(u"shortcuts"_s).value<QDBusArgument>();
+    const auto list = argument.value<QDBusArgument>();
     if (list.currentSignature() != "a(sa{sv})"_L1)
         return std::nullopt;
     return qdbus_cast<QList<PortalShortcut>>(list);
 }
 
-std::optional<PortalShortcut> portalShortcut(int carbonKeyCode, int carbonModifiers,
-                                             const Keyboard& keyboard)
+PortalShortcut portalShortcut(int carbonKeyCode, int carbonModifiers, const Keyboard& keyboard)
 {
-    if (!xKeyCode(carbonKeyCode) || (carbonModifiers & carbonModifier::function) != 0)
-        return std::nullopt;
     QStringList trigger;
     QStringList shown;
     for (const ModifierNames& names : modifierNames) {

@@ -21,14 +21,14 @@ struct PortalShortcut {
 QDBusArgument& operator<<(QDBusArgument& argument, const PortalShortcut& shortcut);
 const QDBusArgument& operator>>(const QDBusArgument& argument, PortalShortcut& shortcut);
 
-/// The shortcuts in the results of a request; nothing if they do not speak of any.
-[[nodiscard]] std::optional<QList<PortalShortcut>> shortcutsIn(const QVariantMap& results);
+/// The shortcuts in an argument; nothing if it is no list of them.
+[[nodiscard]] std::optional<QList<PortalShortcut>> shortcutsIn(const QVariant& argument);
 
 /// What we ask for. Its id follows from the combination, so it is the same at every start, and a
-/// desktop that was told of another combination sees another shortcut. Nothing if there is no such
-/// key or modifier.
-[[nodiscard]] std::optional<PortalShortcut> portalShortcut(int carbonKeyCode, int carbonModifiers,
-                                                           const Keyboard& keyboard);
+/// desktop that was told of another combination sees another shortcut. The key is one that
+/// `xKeyCode` knows.
+[[nodiscard]] PortalShortcut portalShortcut(int carbonKeyCode, int carbonModifiers,
+                                            const Keyboard& keyboard);
 
 } // namespace varno
 

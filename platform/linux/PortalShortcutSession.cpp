@@ -6,8 +6,6 @@
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusObjectPath>
-#include <QDBusPendingCallWatcher>
-#include <QDBusVariant>
 #include <QPointer>
 
 #include <utility>
@@ -20,56 +18,32 @@ using namespace Qt::StringLiterals;
 const QString shortcutsInterface = u"org.freedesktop.portal.GlobalShortcuts"_s;
 const QString sessionInterface = u"org.freedesktop.portal.Session"_s;
 
-void registerTypes()
-{
-    // A slot with a type that is not registered is not connected.
-    qRegisterMetaType<QDBusObjectPath>();
-    qDBusRegisterMetaType<PortalShortcut>();
-    qDBusRegisterMetaType<QList<PortalShortcut>>();
-}
-
-/// The version of the shortcuts of Plasma's own part of the portal.
-QDBusMessage plasmaVersionCall()
-{
-    QDBusMessage call = QDBusMessage::createMethodCall(
-        u"org.freedesktop.impl.portal.desktop.kde"_s, PortalConnection::path,
-        u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
-    call << u"org.freedesktop.impl.portal.GlobalShortcuts"_s << u"version"_s;
-    call.setAutoStartService(false); // what another desktop has installed beside its own
-    return call;
-}
-
-bool isFirstVersion(const QDBusMessage& reply)
-{
-    return reply.type() == QDBusMessage::ReplyMessage &&
-           reply.arguments().value(0).value<QDBusVariant>().variant() == 1U;
-}
-
 void close(const QDBusConnection& bus, const QString& owner, const QString& handle)
 {
     bus.send(QDBusMessage::createMethodCall(owner, handle, sessionInterface, u"Close"_s));
 }
 
-QSet<QString> idsOf(const QList<PortalShortcut>& shortcuts)
+/// Of a press or a release: which shortcut, and when.
+QString idIn(const QDBusMessage& signal)
 {
-    QSet<QString> ids;
-    for (const PortalShortcut& shortcut : shortcuts)
-        ids.insert(shortcut.id);
-    return ids;
+    return signal.arguments().value(1).toString();
+}
+quint64 timeIn(const QDBusMessage& signal)
+{
+    return signal.arguments().value(2).toULongLong();
 }
 
 } // namespace
 
-PortalShortcutSession::PortalShortcutSession(PortalConnection& portal,
-                                             QList<PortalShortcut> shortcuts)
+PortalShortcutSession::PortalShortcutSession(PortalConnection& portal, PortalShortcut shortcut)
     : m_portal(portal)
     , m_bus(portal.bus())
     , m_owner(portal.owner())
-    , m_shortcuts(std::move(shortcuts))
+    , m_shortcut(std::move(shortcut))
 {
-    registerTypes();
-    listen(u"Activated"_s, SLOT(takeActivated(QDBusObjectPath, QString, qulonglong)));
-    listen(u"Deactivated"_s, SLOT(takeDeactivated(QDBusObjectPath, QString, qulonglong)));
+    listen(u"Activated"_s, SLOT(takeActivated(QDBusMessage)));
+    listen(u"Deactivated"_s, SLOT(takeDeactivated(QDBusMessage)));
+    listen(u"ShortcutsChanged"_s, SLOT(takeChange(QDBusMessage)));
     create(portal);
 }
 
@@ -77,11 +51,6 @@ PortalShortcutSession::~PortalShortcutSession()
 {
     if (!m_handle.isEmpty())
         close(m_bus, m_owner, m_handle);
-}
-
-QSet<QString> PortalShortcutSession::ids() const
-{
-    return idsOf(m_shortcuts);
 }
 
 void PortalShortcutSession::create(PortalConnection& portal)
@@ -102,101 +71,101 @@ void PortalShortcutSession::create(PortalConnection& portal)
                   {{u"session_handle_token"_s, PortalRequest::newToken()}});
 }
 
-void PortalShortcutSession::request(const QString& method, const QVariantList& arguments, Step next)
-{
-    auto* request = new PortalRequest(m_portal, this);
-    connect(request, &PortalRequest::answered, this, next);
-    request->send(shortcutsInterface, method, arguments);
-}
-
 void PortalShortcutSession::listen(const QString& signal, const char* slot)
 {
     m_bus.connect(QString(), PortalConnection::path, shortcutsInterface, signal, this, slot);
 }
 
-bool PortalShortcutSession::isOurs(const QDBusObjectPath& session) const
+bool PortalShortcutSession::isOurs(const QDBusMessage& signal) const
 {
-    return message().service() == m_owner && session.path() == m_handle;
+    return signal.service() == m_owner &&
+           signal.arguments().value(0).value<QDBusObjectPath>().path() == m_handle;
 }
 
 void PortalShortcutSession::takeSession(const QString& handle)
 {
     if (handle.isEmpty()) {
-        refuseAllBut({});
+        end();
         return;
     }
     m_handle = handle;
-    m_bus.connect(QString(), m_handle, sessionInterface, u"Closed"_s, this, SLOT(takeClosed()));
-    request(u"ListShortcuts"_s, {QVariant::fromValue(QDBusObjectPath(m_handle))},
-            &PortalShortcutSession::takeListed);
-}
-
-void PortalShortcutSession::takeListed(bool granted, const QVariantMap& results)
-{
-    const auto listed = shortcutsIn(results);
-    if (granted && listed && idsOf(*listed).contains(ids()))
-        bindUnlessBound();
-    else
-        bind();
-}
-
-void PortalShortcutSession::bindUnlessBound()
-{
-    // Plasma 6.1 to 6.4 binds by itself what it has known from before, and many of these versions
-    // open the system settings whenever they are asked to bind. Later ones, and all other desktops,
-    // want to be asked in every session, and ask the user about new ones only.
-    auto* answer = new QDBusPendingCallWatcher(m_bus.asyncCall(plasmaVersionCall()), this);
-    connect(answer, &QDBusPendingCallWatcher::finished, this, [this, answer] {
-        answer->deleteLater();
-        if (!isFirstVersion(answer->reply()))
-            bind();
-    });
+    m_bus.connect(QString(), m_handle, sessionInterface, u"Closed"_s, this,
+                  SLOT(takeClosed(QDBusMessage)));
+    bind();
 }
 
 void PortalShortcutSession::bind()
 {
+    qDBusRegisterMetaType<PortalShortcut>();
+    qDBusRegisterMetaType<QList<PortalShortcut>>();
     const QString noWindow;
-    request(u"BindShortcuts"_s,
-            {QVariant::fromValue(QDBusObjectPath(m_handle)), QVariant::fromValue(m_shortcuts),
-             noWindow},
-            &PortalShortcutSession::takeBound);
+    auto* request = new PortalRequest(m_portal, this);
+    connect(request, &PortalRequest::answered, this, &PortalShortcutSession::takeBound);
+    request->send(shortcutsInterface, u"BindShortcuts"_s,
+                  {QVariant::fromValue(QDBusObjectPath(m_handle)),
+                   QVariant::fromValue(QList<PortalShortcut>{m_shortcut}), noWindow});
 }
 
 void PortalShortcutSession::takeBound(bool granted, const QVariantMap& results)
 {
-    refuseAllBut(granted ? idsOf(shortcutsIn(results).value_or(m_shortcuts)) : QSet<QString>());
+    const auto bound = shortcutsIn(results.value(u"shortcuts"_s));
+    if (!granted || (bound && !take(*bound)))
+        end();
+    else if (!bound)
+        Q_EMIT answered({});
 }
 
-void PortalShortcutSession::refuseAllBut(const QSet<QString>& bound)
+bool PortalShortcutSession::take(const QList<PortalShortcut>& shortcuts)
 {
-    const QSet<QString> others = ids() - bound;
-    if (others.isEmpty())
-        return;
-    m_shortcuts.removeIf(
-        [&](const PortalShortcut& shortcut) { return others.contains(shortcut.id); });
-    Q_EMIT refused(others);
+    for (const PortalShortcut& shortcut : shortcuts) {
+        if (shortcut.id != m_shortcut.id)
+            continue;
+        const QVariant trigger = shortcut.properties.value(u"trigger_description"_s);
+        Q_EMIT answered({.trigger = trigger.toString().trimmed()});
+        return true;
+    }
+    return false;
 }
 
-void PortalShortcutSession::takeClosed()
+void PortalShortcutSession::end()
 {
-    if (message().service() != m_owner)
+    if (const QString handle = std::exchange(m_handle, {}); !handle.isEmpty())
+        close(m_bus, m_owner, handle);
+    Q_EMIT answered({.isBound = false});
+}
+
+void PortalShortcutSession::takeClosed(const QDBusMessage& signal)
+{
+    if (signal.service() != m_owner)
         return;
     m_handle.clear();
-    refuseAllBut({});
+    end();
 }
 
-void PortalShortcutSession::takeActivated(const QDBusObjectPath& session, const QString& id,
-                                          qulonglong time)
+void PortalShortcutSession::takeChange(const QDBusMessage& signal)
 {
-    if (isOurs(session))
-        Q_EMIT activated(id, time);
+    if (isOurs(signal))
+        take(shortcutsIn(signal.arguments().value(1)).value_or(QList<PortalShortcut>()));
 }
 
-void PortalShortcutSession::takeDeactivated(const QDBusObjectPath& session, const QString& id,
-                                            qulonglong time)
+void PortalShortcutSession::takeActivated(const QDBusMessage& signal)
 {
-    if (isOurs(session))
-        Q_EMIT deactivated(id, time);
+    if (isOurs(signal) && idIn(signal) == m_shortcut.id)
+        Q_EMIT pressed(timeIn(signal));
+}
+
+void PortalShortcutSession::takeDeactivated(const QDBusMessage& signal)
+{
+    if (isOurs(signal) && idIn(signal) == m_shortcut.id)
+        Q_EMIT released(timeIn(signal));
+}
+
+DesktopHotKeyEvents::Ask portalShortcuts(PortalConnection& portal, const Keyboard& keyboard)
+{
+    return [&portal, &keyboard](const DesktopHotKeyEvents::Wish& wish) {
+        return std::make_unique<PortalShortcutSession>(
+            portal, portalShortcut(wish.carbonKeyCode, wish.carbonModifiers, keyboard));
+    };
 }
 
 } // namespace varno
