@@ -1,6 +1,6 @@
 #include "app/PanelKeys.h"
 
-#include "shortcuts/KeyLabel.h"
+#include "platform/KeyLabel.h"
 
 #include <QCoreApplication>
 

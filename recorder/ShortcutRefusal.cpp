@@ -1,6 +1,6 @@
 #include "recorder/ShortcutRefusal.h"
 
-#include "shortcuts/KeyLabel.h"
+#include "platform/KeyLabel.h"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 #include "shortcuts/Shortcut.h"
 
 #include "platform/CarbonModifiers.h"
-#include "shortcuts/KeyLabel.h"
+#include "platform/KeyLabel.h"
 
 #include <array>
 
@@ -22,18 +22,6 @@ constexpr std::array modifierForms = {
     ModifierForms{Modifier::command, carbonModifier::command, u"⌘"},
     ModifierForms{Modifier::function, carbonModifier::function, u"\U0001F310\uFE0E"},
 };
-
-QString keyText(int carbonKeyCode, const Keyboard& keyboard)
-{
-    const KeyLabel label = keyLabel(carbonKeyCode);
-    if (label.kind != KeyLabel::Kind::character)
-        return label.text.toString();
-    const QString typed = keyboard.character(carbonKeyCode);
-    if (typed.isEmpty())
-        return label.text.toString();
-    const QString upper = typed.toUpper();
-    return upper.size() == typed.size() ? upper : typed; // "ß" is one key, "SS" looks like two
-}
 
 } // namespace
 
@@ -64,7 +52,10 @@ QString Shortcut::description(const Keyboard& keyboard) const
     for (const ModifierForms& forms : modifierForms)
         if (modifiers().testFlag(forms.flag))
             text += forms.symbol;
-    return text + keyText(m_carbonKeyCode, keyboard);
+    const KeyLabel label = keyLabel(m_carbonKeyCode);
+    return text + (label.kind == KeyLabel::Kind::character
+                       ? characterLabel(m_carbonKeyCode, keyboard)
+                       : label.text.toString());
 }
 
 } // namespace varno

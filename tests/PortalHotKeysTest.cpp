@@ -314,10 +314,10 @@ private Q_SLOTS:
              Rows<int, QString, int, QString, QString>{
                  {keyJ, u"j"_s, all, u"CTRL+ALT+SHIFT+LOGO+j"_s, u"Ctrl+Alt+Shift+Super+J"_s},
                  {0x06, u"y"_s, optionCommand, u"ALT+LOGO+y"_s, u"Alt+Super+Y"_s}, // German
-                 {0x12, u"&"_s, optionCommand, u"ALT+LOGO+ampersand"_s, u"Alt+Super+ampersand"_s},
+                 {0x12, u"&"_s, optionCommand, u"ALT+LOGO+ampersand"_s, u"Alt+Super+&"_s},
                  {keyF, u"а"_s, optionCommand, u"ALT+LOGO+f"_s, u"Alt+Super+F"_s}, // Russian
                  {0x7B, u""_s, control, u"CTRL+Left"_s, u"Ctrl+Left"_s},
-                 {0x57, u"5"_s, control, u"CTRL+KP_5"_s, u"Ctrl+KP_5"_s}}) {
+                 {0x57, u"5"_s, control, u"CTRL+KP_5"_s, u"Ctrl+Num+5"_s}}) {
             const InRow row(trigger);
             keyboard.setCharacters({{key, typed}});
             const auto properties = portalShortcut(key, modifiers, keyboard).properties;

@@ -2,7 +2,7 @@
 #include "platform/fake/FakeKeyboard.h"
 #include "platform/fake/FakePreferencesStore.h"
 #include "platform/linux/XcbKeyCodes.h"
-#include "shortcuts/KeyLabel.h"
+#include "platform/KeyLabel.h"
 #include "shortcuts/KeyboardShortcuts.h"
 #include "tests/Test.h"
 

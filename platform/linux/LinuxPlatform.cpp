@@ -1,6 +1,7 @@
 #include "platform/Platform.h"
 #include "platform/linux/IniPreferencesStore.h"
 #include "platform/linux/LoadedBackends.h"
+#include "platform/linux/PlasmaShortcut.h"
 #include "platform/linux/PortalAnimationSetting.h"
 #include "platform/linux/PortalShortcutSession.h"
 #include "platform/linux/WaylandSocket.h"
@@ -25,13 +26,23 @@ bool isWaylandSession()
     return qEnvironmentVariable("XDG_SESSION_TYPE") == "wayland"_L1 || hasWaylandCompositor();
 }
 
+/// Not where its service runs: any program of KDE's starts that, on every desktop.
+bool isPlasma()
+{
+    return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':').contains(u"KDE"_s);
+}
+
 std::unique_ptr<HotKeyEvents> makeHotKeyEvents()
 {
-    if (isWaylandSession())
-        return std::make_unique<DesktopHotKeyEvents>(
-            PortalConnection::shared(),
-            portalShortcuts(PortalConnection::shared(), systemKeyboard()));
-    return std::make_unique<XcbHotKeyEvents>(keyboardConnection());
+    if (!isWaylandSession())
+        return std::make_unique<XcbHotKeyEvents>(keyboardConnection());
+    if (isPlasma()) {
+        static DesktopService plasma(PlasmaShortcut::service);
+        return std::make_unique<DesktopHotKeyEvents>(plasma,
+                                                     plasmaShortcuts(plasma, systemKeyboard()));
+    }
+    PortalConnection& portal = PortalConnection::shared();
+    return std::make_unique<DesktopHotKeyEvents>(portal, portalShortcuts(portal, systemKeyboard()));
 }
 
 } // namespace

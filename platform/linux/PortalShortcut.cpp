@@ -1,10 +1,10 @@
 #include "platform/linux/PortalShortcut.h"
 
 #include "platform/CarbonModifiers.h"
+#include "platform/KeyLabel.h"
 #include "platform/linux/PortalKeyNames.h"
 
 #include <QCoreApplication>
-#include <QStringList>
 
 #include <array>
 
@@ -13,17 +13,16 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-struct ModifierNames {
+struct ModifierName {
     int carbon = 0;
-    QStringView trigger;
-    QStringView shown;
+    QStringView name;
 };
 
 constexpr std::array modifierNames = {
-    ModifierNames{carbonModifier::control, u"CTRL", u"Ctrl"},
-    ModifierNames{carbonModifier::option, u"ALT", u"Alt"},
-    ModifierNames{carbonModifier::shift, u"SHIFT", u"Shift"},
-    ModifierNames{carbonModifier::command, u"LOGO", u"Super"},
+    ModifierName{carbonModifier::control, u"CTRL"},
+    ModifierName{carbonModifier::option, u"ALT"},
+    ModifierName{carbonModifier::shift, u"SHIFT"},
+    ModifierName{carbonModifier::command, u"LOGO"},
 };
 
 } // namespace
@@ -54,20 +53,16 @@ std::optional<QList<PortalShortcut>> shortcutsIn(const QVariant& argument)
 
 PortalShortcut portalShortcut(int carbonKeyCode, int carbonModifiers, const Keyboard& keyboard)
 {
-    QStringList trigger;
-    QStringList shown;
-    for (const ModifierNames& names : modifierNames) {
-        if ((carbonModifiers & names.carbon) == 0)
-            continue;
-        trigger << names.trigger.toString();
-        shown << names.shown.toString();
-    }
-    const QString key = keysymName(carbonKeyCode, keyboard);
-    shown << (key.size() == 1 ? key.toUpper() : key);
+    QString trigger;
+    for (const ModifierName& modifier : modifierNames)
+        if ((carbonModifiers & modifier.carbon) != 0)
+            trigger += modifier.name.toString() + u'+';
     PortalShortcut shortcut{.id = u"key-%1-%2"_s.arg(carbonKeyCode).arg(carbonModifiers)};
-    shortcut.properties.insert(
-        u"description"_s, u"%1 (%2)"_s.arg(QCoreApplication::applicationName(), shown.join(u'+')));
-    shortcut.properties.insert(u"preferred_trigger"_s, (trigger << key).join(u'+'));
+    shortcut.properties.insert(u"description"_s,
+                               u"%1 (%2)"_s.arg(QCoreApplication::applicationName(),
+                                                pcName(carbonKeyCode, carbonModifiers, keyboard)));
+    shortcut.properties.insert(u"preferred_trigger"_s,
+                               trigger + keysymName(carbonKeyCode, keyboard));
     return shortcut;
 }
 
