@@ -68,8 +68,7 @@ QWidget& ContentView::dueScreen()
 {
     if (m_viewModel.isShowingSettings()) {
         if (!m_settings) {
-            m_settings =
-                new InAppSettingsView(m_viewModel, m_keys, m_shortcut.makeRecorder(), this);
+            m_settings = new InAppSettingsView(m_viewModel, m_keys, m_shortcut, this);
             m_settings->hide();
         }
         return *m_settings;

@@ -22,7 +22,7 @@ const TextStyle valueStyle{.size = 13, .opacity = 0.5};
 } // namespace
 
 InAppSettingsView::InAppSettingsView(AppViewModel& viewModel, KeychainTasks& keys,
-                                     QWidget* shortcutRecorder, QWidget* parent)
+                                     const PanelShortcut& shortcut, QWidget* parent)
     : QWidget(parent)
     , m_viewModel(viewModel)
     , m_title(tr("SETTINGS"), {.size = 12, .tracking = 3, .opacity = 0.6})
@@ -33,7 +33,8 @@ InAppSettingsView::InAppSettingsView(AppViewModel& viewModel, KeychainTasks& key
                    {.size = 11, .role = StandardColor::orange}, Overflow::wrap)
     , m_shortcutTitle(tr("Open Varno"), rowStyle)
     , m_shortcutHelp(tr("Opens the window from any application."), helpStyle)
-    , m_shortcutRecorder(shortcutRecorder)
+    , m_shortcutRecorder(shortcut.makeRecorder())
+    , m_shortcutNotice(shortcut.makeNotice())
     , m_fontSizeTitle(tr("Font Size"), rowStyle)
     , m_themeTitle(tr("Theme"), rowStyle)
     , m_webSearchTitle(tr("Web Search"), rowStyle)
@@ -77,11 +78,11 @@ QWidget* InAppSettingsView::sections()
 
 QLayout* InAppSettingsView::shortcutRow()
 {
-    return row({.spacing = 12}, {
-                                    column({.spacing = 2}, {m_shortcutTitle, m_shortcutHelp}),
-                                    stretch(),
-                                    *m_shortcutRecorder,
-                                });
+    QBoxLayout* texts = column({.spacing = 2}, {m_shortcutTitle, m_shortcutHelp});
+    return column({.spacing = 8}, {
+                                      row({.spacing = 12}, {texts, stretch(), *m_shortcutRecorder}),
+                                      *m_shortcutNotice,
+                                  });
 }
 
 QLayout* InAppSettingsView::appearanceRows()

@@ -3,6 +3,7 @@
 #include "app/APIKeyRow.h"
 #include "app/FontSizeControl.h"
 #include "app/ModelList.h"
+#include "app/PanelShortcut.h"
 #include "app/Switch.h"
 #include "app/ThemeMenuButton.h"
 #include "core/AppViewModel.h"
@@ -18,9 +19,8 @@ class InAppSettingsView final : public QWidget {
     Q_OBJECT
 
 public:
-    /// The view model and the key tasks outlive the view, which owns the recorder of the shortcut
-    /// that opens the panel.
-    InAppSettingsView(AppViewModel& viewModel, KeychainTasks& keys, QWidget* shortcutRecorder,
+    /// The view model and the key tasks outlive the view.
+    InAppSettingsView(AppViewModel& viewModel, KeychainTasks& keys, const PanelShortcut& shortcut,
                       QWidget* parent = nullptr);
 
     /// Resets the screen when it is left: drops every key that was typed or revealed.
@@ -52,6 +52,7 @@ private:
     ThemedText m_shortcutTitle;
     ThemedText m_shortcutHelp;
     QWidget* m_shortcutRecorder;
+    QWidget* m_shortcutNotice;
     ThemedText m_fontSizeTitle;
     FontSizeControl m_fontSize;
     ThemedText m_themeTitle;

@@ -2,6 +2,7 @@
 
 #include "app/PanelKeys.h"
 #include "recorder/RecorderCocoa.h"
+#include "recorder/RefusalNotice.h"
 
 namespace varno {
 
@@ -20,8 +21,8 @@ PanelShortcut panelShortcut()
         .label =
             [] {
                 const KeyboardShortcuts& shortcuts = KeyboardShortcuts::shared();
-                const auto shortcut = shortcuts.getShortcut(openVarno());
-                return shortcut ? shortcuts.description(*shortcut) : QString();
+                return shortcuts.isRefused(openVarno()) ? QString()
+                                                        : shortcuts.shownShortcut(openVarno());
             },
         .makeRecorder =
             [] {
@@ -30,6 +31,7 @@ PanelShortcut panelShortcut()
                     [] { return panelKeys(KeyboardShortcuts::shared().keyboard()); });
                 return recorder;
             },
+        .makeNotice = [] { return new RefusalNotice(openVarno()); },
     };
 }
 

@@ -110,16 +110,19 @@ constexpr std::array functionKeys = {
     LabelledKey{Key::f20, u"F20"},
 };
 
-struct ModifierName {
+struct LabelledModifier {
     int carbon = 0;
+    QStringView symbol;
     QStringView pcName;
 };
 
-constexpr std::array modifierNames = {
-    ModifierName{carbonModifier::control, u"Ctrl"},
-    ModifierName{carbonModifier::option, u"Alt"},
-    ModifierName{carbonModifier::shift, u"Shift"},
-    ModifierName{carbonModifier::command, u"Super"},
+/// In the order in which they are shown.
+constexpr std::array modifierLabels = {
+    LabelledModifier{carbonModifier::control, u"⌃", u"Ctrl"},
+    LabelledModifier{carbonModifier::option, u"⌥", u"Alt"},
+    LabelledModifier{carbonModifier::shift, u"⇧", u"Shift"},
+    LabelledModifier{carbonModifier::command, u"⌘", u"Super"},
+    LabelledModifier{carbonModifier::function, u"\U0001F310\uFE0E", u"Fn"},
 };
 
 template <typename Keys>
@@ -171,10 +174,19 @@ QString latinLabel(int carbonKeyCode, const Keyboard& keyboard)
                : keyLabel(carbonKeyCode).text.toString();
 }
 
+QString modifierSymbols(int carbonModifiers)
+{
+    QString symbols;
+    for (const LabelledModifier& modifier : modifierLabels)
+        if ((carbonModifiers & modifier.carbon) != 0)
+            symbols += modifier.symbol;
+    return symbols;
+}
+
 QString pcName(int carbonKeyCode, int carbonModifiers, const Keyboard& keyboard)
 {
     QString name;
-    for (const ModifierName& modifier : modifierNames)
+    for (const LabelledModifier& modifier : modifierLabels)
         if ((carbonModifiers & modifier.carbon) != 0)
             name += modifier.pcName.toString() + u'+';
     const KeyLabel label = keyLabel(carbonKeyCode);

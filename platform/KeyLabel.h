@@ -29,6 +29,9 @@ struct KeyLabel {
 /// Latin letters.
 [[nodiscard]] QString latinLabel(int carbonKeyCode, const Keyboard& keyboard);
 
+/// The modifiers of a Carbon mask, like "⌥⌘".
+[[nodiscard]] QString modifierSymbols(int carbonModifiers);
+
 /// A combination by the names of a PC's keys, like "Alt+Super+F".
 [[nodiscard]] QString pcName(int carbonKeyCode, int carbonModifiers, const Keyboard& keyboard);
 

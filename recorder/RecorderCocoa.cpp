@@ -261,10 +261,12 @@ void RecorderCocoa::paintEvent(QPaintEvent*)
     paintFieldFrame(*this, m_recording || hasFocus());
     QPainter painter(this);
     const bool isEmpty = text().isEmpty();
-    const int room = isEmpty ? margin : clearWidth;
-    const QRectF place = QRectF(rect()).adjusted(room, 0, -room, 0);
-    const TextBlock block(isEmpty ? placeholder() : text(), textStyle, font(), Overflow::elide,
-                          place.width());
+    const QString shown = isEmpty ? placeholder() : text();
+    const int right = isEmpty ? margin : clearWidth;
+    const int width = fontMetrics().horizontalAdvance(shown);
+    const int left = width > rect().width() - 2 * right ? margin : right; // in the middle if it can
+    const QRectF place = QRectF(rect()).adjusted(left, 0, -right, 0);
+    const TextBlock block(shown, textStyle, font(), Overflow::elide, place.width());
     block.draw(painter, place, Qt::AlignCenter,
                themeColor(palette(), ColorRole::text, isEmpty ? 0.7 : 1));
 }

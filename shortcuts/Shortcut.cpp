@@ -11,16 +11,14 @@ namespace {
 struct ModifierForms {
     Modifier flag{};
     int carbon = 0;
-    QStringView symbol;
 };
 
-/// In the order in which they are shown.
 constexpr std::array modifierForms = {
-    ModifierForms{Modifier::control, carbonModifier::control, u"⌃"},
-    ModifierForms{Modifier::option, carbonModifier::option, u"⌥"},
-    ModifierForms{Modifier::shift, carbonModifier::shift, u"⇧"},
-    ModifierForms{Modifier::command, carbonModifier::command, u"⌘"},
-    ModifierForms{Modifier::function, carbonModifier::function, u"\U0001F310\uFE0E"},
+    ModifierForms{Modifier::control, carbonModifier::control},
+    ModifierForms{Modifier::option, carbonModifier::option},
+    ModifierForms{Modifier::shift, carbonModifier::shift},
+    ModifierForms{Modifier::command, carbonModifier::command},
+    ModifierForms{Modifier::function, carbonModifier::function},
 };
 
 } // namespace
@@ -48,14 +46,10 @@ Shortcut::Shortcut(Key key, Modifiers modifiers)
 
 QString Shortcut::description(const Keyboard& keyboard) const
 {
-    QString text;
-    for (const ModifierForms& forms : modifierForms)
-        if (modifiers().testFlag(forms.flag))
-            text += forms.symbol;
     const KeyLabel label = keyLabel(m_carbonKeyCode);
-    return text + (label.kind == KeyLabel::Kind::character
-                       ? characterLabel(m_carbonKeyCode, keyboard)
-                       : label.text.toString());
+    return modifierSymbols(m_carbonModifiers) + (label.kind == KeyLabel::Kind::character
+                                                     ? characterLabel(m_carbonKeyCode, keyboard)
+                                                     : label.text.toString());
 }
 
 } // namespace varno

@@ -30,10 +30,11 @@ struct PanelFixture : ControllerFixture {
     }
 
     KeychainTasks keys{KeychainService::shared()};
-    VarnoPanel panel{
-        *model,
-        keys,
-        {.label = [] { return QString(); }, .makeRecorder = [] { return new QWidget; }}};
+    VarnoPanel panel{*model,
+                     keys,
+                     {.label = [] { return QString(); },
+                      .makeRecorder = [] { return new QWidget; },
+                      .makeNotice = [] { return new QWidget; }}};
 };
 
 } // namespace

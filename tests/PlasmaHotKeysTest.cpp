@@ -90,7 +90,7 @@ private Q_SLOTS:
         QCOMPARE(f.plasma.keys.value(idF), altMetaF);
         f.tryToHear();
         for (const auto& [key, told] : Rows<int, QString>{
-                 {metaG, u"bound Super+G"_s}, {0, u"not bound"_s}, {altMetaF, u"bound "_s}}) {
+                 {metaG, u"bound ⌘G"_s}, {0, u"not bound"_s}, {altMetaF, u"bound "_s}}) {
             f.plasma.choose(idF, key);
             f.waitFor(told);
         }
@@ -99,8 +99,8 @@ private Q_SLOTS:
 
     void whatIsAskedForOrKnown()
     {
-        for (const auto& [known, taken, told] : Rows<int, int, QString>{
-                 {metaG, 0, u"bound Super+G"_s}, {0, altMetaF, u"not bound"_s}}) {
+        for (const auto& [known, taken, told] :
+             Rows<int, int, QString>{{metaG, 0, u"bound ⌘G"_s}, {0, altMetaF, u"not bound"_s}}) {
             const InRow row(told);
             Fixture f;
             if (known != 0)

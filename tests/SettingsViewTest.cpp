@@ -1,4 +1,8 @@
 #include "app/InAppSettingsView.h"
+#include "platform/fake/FakeHotKeyEvents.h"
+#include "platform/fake/FakeKeyboard.h"
+#include "platform/fake/FakePreferencesStore.h"
+#include "recorder/RefusalNotice.h"
 #include "tests/ControllerFixture.h"
 #include "tests/Scarcity.h"
 #include "tests/ScreenReading.h"
@@ -32,7 +36,18 @@ struct SettingsFixture : ControllerFixture {
 
     KeychainService& keychain = newKeychain();
     KeychainTasks keys{keychain};
-    InAppSettingsView view{*model, keys, new QWidget};
+    FakePreferencesStore preferences;
+    FakeHotKeyEvents events;
+    FakeKeyboard keyboard;
+    KeyboardShortcuts shortcuts{preferences, events, keyboard};
+    KeyboardShortcuts::Name openVarno{u"openVarno"_s, Shortcut(Key::f, Modifier::command),
+                                      shortcuts};
+    InAppSettingsView view{
+        *model,
+        keys,
+        {.label = {},
+         .makeRecorder = [] { return new QWidget; },
+         .makeNotice = [this] { return new RefusalNotice(openVarno, shortcuts); }}};
 };
 
 /// One of the two rows of keys, which are alike.
@@ -182,6 +197,24 @@ private Q_SLOTS:
         const NoThreads none; // to ask it
         f.view.show();
         QTRY_VERIFY(shownText(f.view, noStoreText));
+    }
+
+    void saysWhenTheShortcutIsRefused()
+    {
+        SettingsFixture f;
+        const auto isSaid = [&f] {
+            return !shownTexts(f.view).filter(u"could not be registered"_s).isEmpty();
+        };
+        f.shortcuts.onKeyUp(f.openVarno, {});
+        for (const bool isBound : {false, true}) {
+            f.events.bind(f.events.registered.begin()->first, {.isBound = isBound});
+            QCOMPARE(isSaid(), !isBound);
+        }
+        f.events.reserved = {{static_cast<int>(Key::j), 0}};
+        f.shortcuts.setShortcut(Shortcut(Key::j, {}), f.openVarno);
+        QVERIFY(isSaid());
+        f.shortcuts.setShortcut({}, f.openVarno);
+        QVERIFY(!isSaid());
     }
 
     void choosesAppearance()

@@ -1,5 +1,6 @@
 #include "platform/linux/PlasmaShortcut.h"
 
+#include "platform/CarbonModifiers.h"
 #include "platform/KeyLabel.h"
 #include "platform/linux/DesktopService.h"
 
@@ -54,10 +55,16 @@ int qtKey(const DesktopHotKeyEvents::Wish& wish, const Keyboard& keyboard)
     return keys.count() == 1 && keys[0].key() != Qt::Key_unknown ? keys[0].toCombined() : 0;
 }
 
-QString nameOf(const QList<int>& keys)
+/// The first of them, which is mostly all there is, as we show our own.
+QString labelOf(int key)
 {
-    const QKeySequence sequence(keys.value(0), keys.value(1), keys.value(2), keys.value(3));
-    return sequence.toString(QKeySequence::PortableText).replace(u"Meta+"_s, u"Super+"_s);
+    const QKeyCombination combination = QKeyCombination::fromCombined(key);
+    const Qt::KeyboardModifiers held = combination.keyboardModifiers();
+    const int carbon = (held.testFlag(Qt::ControlModifier) ? carbonModifier::control : 0) |
+                       (held.testFlag(Qt::AltModifier) ? carbonModifier::option : 0) |
+                       (held.testFlag(Qt::ShiftModifier) ? carbonModifier::shift : 0) |
+                       (held.testFlag(Qt::MetaModifier) ? carbonModifier::command : 0);
+    return modifierSymbols(carbon) + QKeySequence(combination.key()).toString();
 }
 
 } // namespace
@@ -143,7 +150,7 @@ void PlasmaShortcut::take(const QVariant& argument)
     else if (std::any_of(rows.cbegin(), rows.cend(), isAsked))
         Q_EMIT answered({});
     else
-        Q_EMIT answered({.trigger = nameOf(rows.constFirst().keys)});
+        Q_EMIT answered({.trigger = labelOf(rows.constFirst().keys.constFirst())});
 }
 
 void PlasmaShortcut::takeChange(const QDBusMessage& signal)
