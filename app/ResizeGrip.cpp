@@ -60,7 +60,7 @@ void ResizeGrip::place()
 void ResizeGrip::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton && isPointerPressed())
-        window()->windowHandle()->startSystemResize(m_edges);
+        startResize(*window()->windowHandle(), m_edges);
 }
 
 } // namespace varno

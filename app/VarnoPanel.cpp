@@ -124,7 +124,7 @@ void VarnoPanel::mouseMoveEvent(QMouseEvent* event)
         return;
     m_pressedAt.reset();
     if (isPointerPressed())
-        windowHandle()->startSystemMove();
+        startMove(*windowHandle());
 }
 
 void VarnoPanel::paintEvent(QPaintEvent*)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QRect>
+#include <Qt>
 
 class QWindow;
 
@@ -29,6 +30,11 @@ void activateForUser(QWindow& window, const UserAction& action);
 /// Tells the desktop that what the user did is answered, where it has no window to see by it: some
 /// show a busy pointer until then. Once for each action.
 void acknowledge(const UserAction& action);
+
+/// Lets the pointer, whose left button is down, move the window, or its edges, until the button is
+/// up.
+void startMove(QWindow& window);
+void startResize(QWindow& window, Qt::Edges edges);
 
 /// Whether the left button of the pointer is down at this moment, which an event that comes late
 /// does not tell: a window would stick to the pointer that starts to move it when it is up again.

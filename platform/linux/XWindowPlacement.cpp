@@ -138,6 +138,16 @@ void acknowledge(const UserAction& action)
     xcb_flush(xConnection());
 }
 
+void startMove(QWindow& window)
+{
+    window.startSystemMove();
+}
+
+void startResize(QWindow& window, Qt::Edges edges)
+{
+    window.startSystemResize(edges);
+}
+
 bool isPointerPressed()
 {
     if (!xConnection())
