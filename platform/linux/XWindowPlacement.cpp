@@ -1,5 +1,6 @@
 #include "platform/UserAction.h"
 #include "platform/WindowPlacement.h"
+#include "platform/linux/LoadedLayerShell.h"
 #include "platform/linux/WaylandSocket.h"
 #include "platform/linux/XConnection.h"
 #include "platform/linux/XcbReply.h"
@@ -75,8 +76,14 @@ quint32 timeOf(const UserAction& action)
 
 bool chooseDisplay()
 {
-    if (qEnvironmentVariableIsSet("QT_QPA_PLATFORM"))
-        return !qEnvironmentVariable("QT_QPA_PLATFORM").startsWith(u"xcb") || hasXServer();
+    const QString platform = qEnvironmentVariable("QT_QPA_PLATFORM");
+    if ((platform.isEmpty() || platform.startsWith(u"wayland")) && chooseLayers()) {
+        if (platform.isEmpty())
+            qputenv("QT_QPA_PLATFORM", "wayland;xcb");
+        return true;
+    }
+    if (!platform.isEmpty())
+        return !platform.startsWith(u"xcb") || hasXServer();
     const bool placeable = hasXServer();
     if (placeable)
         qputenv("QT_QPA_PLATFORM", "xcb;wayland");
@@ -85,6 +92,8 @@ bool chooseDisplay()
 
 void prepareFloatingPanel(QWindow& window)
 {
+    if (LayerShell* const layers = layerShell())
+        layers->adopt(window);
     if (!xConnection())
         return;
     fetchXAtoms({"_NET_WM_STATE", "_NET_WM_STATE_ABOVE", "_NET_WM_STATE_SKIP_TASKBAR",
@@ -100,6 +109,8 @@ void prepareFloatingPanel(QWindow& window)
 
 void activateForUser(QWindow& window, const UserAction& action)
 {
+    if (LayerShell* const layers = layerShell())
+        return layers->activate(window);
     if (!xConnection() && !action.token.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", action.token); // the toolkit takes it out again
     if (xConnection())
@@ -140,16 +151,22 @@ void acknowledge(const UserAction& action)
 
 void startMove(QWindow& window)
 {
+    if (LayerShell* const layers = layerShell())
+        return layers->startMove(window);
     window.startSystemMove();
 }
 
 void startResize(QWindow& window, Qt::Edges edges)
 {
+    if (LayerShell* const layers = layerShell())
+        return layers->startResize(window, edges);
     window.startSystemResize(edges);
 }
 
 bool isPointerPressed()
 {
+    if (const LayerShell* const layers = layerShell())
+        return layers->isPointerPressed();
     if (!xConnection())
         return true; // a compositor refuses to move anything for a button that is up
     const XcbReply<xcb_query_pointer_reply_t> pointer(

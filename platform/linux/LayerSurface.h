@@ -1,0 +1,58 @@
+#pragma once
+
+#include "platform/linux/SurfaceRole.h"
+
+#include <QRect>
+
+#include <optional>
+
+namespace varno {
+
+/// A window above all others, on the output that is in use, on every workspace. It is centred, in
+/// its parent if it has one, until it gets another place; that it keeps.
+class LayerSurface final : public SurfaceRole {
+    Q_OBJECT
+
+public:
+    using SurfaceRole::SurfaceRole;
+    ~LayerSurface() override;
+
+    void adopt(xdg_popup& popup) override;
+
+    /// Asks for the keyboard.
+    void activate();
+
+    /// Within the room that windows have on its output.
+    [[nodiscard]] QRect place() const { return m_place; }
+    [[nodiscard]] QSize leastSize() const;
+    [[nodiscard]] QRect room() const { return QRect({}, m_room); }
+    void setPlace(const QRect& place);
+    /// Whether the compositor has not shown it yet where it was placed last.
+    [[nodiscard]] bool isMoving() const { return m_moving != nullptr; }
+
+Q_SIGNALS:
+    /// It is where it was placed last.
+    void arrived();
+
+protected:
+    [[nodiscard]] bool take(wl_surface& surface, wl_event_queue& queue) override;
+    void drop() override;
+
+private:
+    void listen();
+    void choosePlace();
+    void sendPlace();
+    void configure(quint32 serial, const QSize& size);
+    void arrive();
+    void setKeyboard(zwlr_layer_surface_v1_keyboard_interactivity interactivity);
+
+    WaylandOwned<zwlr_layer_surface_v1> m_layer;
+    WaylandOwned<wl_callback> m_moving;
+    bool m_isAnswered = false; ///< with the room
+    bool m_isPlaced = false;   ///< has the size that was asked for
+    QSize m_room;
+    QRect m_place;
+    std::optional<QPoint> m_chosenCorner; ///< the user's
+};
+
+} // namespace varno
