@@ -33,6 +33,7 @@ void LayerSurface::drop()
     m_moving.reset();
     m_layer.reset();
     m_isAnswered = false;
+    m_isPlaced = false;
 }
 
 void LayerSurface::adopt(xdg_popup& popup)

@@ -21,7 +21,6 @@ SurfaceRole::SurfaceRole(QWindow& window, const WaylandShells& shells)
     , m_window(window)
     , m_shells(shells)
 {
-    window.setFlags(window.flags() | Qt::BypassWindowManagerHint); // a surface without a role
     window.installEventFilter(this);
     connect(&window, &QWindow::visibleChanged, this, [this](bool visible) {
         if (!visible) // and the toolkit has not been told
@@ -55,6 +54,8 @@ wl_surface* SurfaceRole::surface() const
 /// Just before the toolkit draws.
 void SurfaceRole::show()
 {
+    // The toolkit gives no role then, and forgets that when it creates the window again.
+    m_window.setFlags(m_window.flags() | Qt::BypassWindowManagerHint);
     wl_surface* const shown = surface();
     const WaylandOwned<wl_event_queue> queue(wl_display_create_queue(m_shells.display));
     if (!shown || !take(*shown, *queue)) {
