@@ -23,6 +23,15 @@ QRect movedInto(const QRect& room, QRect place)
 
 } // namespace
 
+LayerSurface::LayerSurface(QWindow& window, const WaylandShells& shells)
+    : SurfaceRole(window, shells)
+{
+    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* focused) {
+        if (m_layer && focused == &this->window())
+            setKeyboard(ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND);
+    });
+}
+
 LayerSurface::~LayerSurface()
 {
     drop();
@@ -51,7 +60,6 @@ bool LayerSurface::take(wl_surface& surface, wl_event_queue& queue)
     // What is held by all sides is told how much room there is.
     zwlr_layer_surface_v1_set_anchor(m_layer.get(), allSides);
     setKeyboard(ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE);
-    wl_surface_commit(&surface);
     const bool answered = wait(queue, m_isAnswered);
     leaveQueue(m_layer.get());
     if (!answered)
@@ -148,12 +156,12 @@ void LayerSurface::activate()
     if (!m_layer || QGuiApplication::focusWindow() == &window())
         return;
     setKeyboard(ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE);
-    wl_surface_commit(surface());
 }
 
 void LayerSurface::setKeyboard(zwlr_layer_surface_v1_keyboard_interactivity interactivity)
 {
     zwlr_layer_surface_v1_set_keyboard_interactivity(m_layer.get(), interactivity);
+    wl_surface_commit(surface());
 }
 
 } // namespace varno

@@ -14,7 +14,7 @@ class LayerSurface final : public SurfaceRole {
     Q_OBJECT
 
 public:
-    using SurfaceRole::SurfaceRole;
+    LayerSurface(QWindow& window, const WaylandShells& shells);
     ~LayerSurface() override;
 
     void adopt(xdg_popup& popup) override;

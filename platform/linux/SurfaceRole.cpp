@@ -12,7 +12,7 @@ namespace varno {
 namespace {
 
 /// The longest that a compositor may take to answer, in milliseconds. It answers within one.
-constexpr int patience = 500;
+constexpr int patience = 3000;
 
 } // namespace
 
@@ -97,7 +97,8 @@ bool SurfaceRole::wait(wl_event_queue& queue, const bool& answered) const
 
 void SurfaceRole::closeWindow()
 {
-    QMetaObject::invokeMethod(&m_window, &QWindow::close, Qt::QueuedConnection);
+    QMetaObject::invokeMethod(
+        this, [this] { m_window.close(); }, Qt::QueuedConnection);
 }
 
 } // namespace varno
