@@ -23,6 +23,7 @@ AppViewModel::AppViewModel(Dependencies dependencies)
 {
     loadSessionHistory();
     connect(&m_dependencies.history, &HistoryStore::wasRead, this, [this] {
+        m_pendingChanges |= Change::savedEntries;
         openSearched();
         publish();
     });
@@ -40,6 +41,11 @@ AppViewModel::~AppViewModel()
 const Page* AppViewModel::currentPage() const
 {
     return m_session ? m_session->currentPage() : nullptr;
+}
+
+QStringList AppViewModel::savedEntries(const QString& typed, qsizetype most) const
+{
+    return m_dependencies.history.sessions().matching(typed, most);
 }
 
 void AppViewModel::setShowingSettings(bool showing)

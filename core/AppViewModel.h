@@ -55,6 +55,7 @@ public:
         fontSize = 1U << 14U,
         theme = 1U << 15U,
         imagesEnabled = 1U << 16U,
+        savedEntries = 1U << 17U, ///< they have been read
     };
     Q_DECLARE_FLAGS(Changes, Change)
 
@@ -82,6 +83,10 @@ public:
     [[nodiscard]] FontSize fontSize() const { return m_preferences.fontSize; }
     [[nodiscard]] AppTheme theme() const { return m_preferences.theme; }
     [[nodiscard]] bool imagesEnabled() const { return m_preferences.imagesEnabled; }
+
+    /// The queries of the saved entries that match what is typed; see `SessionHistory::matching`.
+    /// `search` opens them without a request.
+    [[nodiscard]] QStringList savedEntries(const QString& typed, qsizetype most) const;
 
     /// The page of the open session that is shown; null when there is none.
     [[nodiscard]] const Page* currentPage() const;

@@ -16,6 +16,10 @@ public:
     /// The session for `query`; null when there is none. Valid until the history changes.
     [[nodiscard]] const Session* find(const QString& query) const;
 
+    /// The root queries of at most `most` written entries, newest first, in whose query or title
+    /// each word of `typed` stands somewhere, whatever its case. None for a blank one.
+    [[nodiscard]] QStringList matching(const QString& typed, qsizetype most) const;
+
     /// Puts `session` first, in place of the one for its query.
     void put(const Session& session);
 
