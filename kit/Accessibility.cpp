@@ -4,6 +4,7 @@
 #include <QAccessibleWidget>
 #include <QCoreApplication>
 #include <QLabel>
+#include <QPointer>
 
 namespace varno {
 namespace {
@@ -11,6 +12,13 @@ namespace {
 constexpr const char* roleProperty = "accessibleRole";
 constexpr const char* levelProperty = "accessibleLevel";
 constexpr const char* currentProperty = "accessiblyCurrent";
+
+/// What assistive technology was led to last.
+QPointer<QWidget>& pointedOut()
+{
+    static QPointer<QWidget> widget;
+    return widget;
+}
 
 class RoleAccessible final : public QAccessibleWidget, public AccessibleLevel {
 public:
@@ -29,6 +37,8 @@ public:
         state.selected = state.active = current.toBool();
         if (widget()->isWindow())
             state.active = widget()->isActiveWindow();
+        if (widget() == pointedOut())
+            state.focusable = state.focused = true;
         return state;
     }
 
@@ -108,6 +118,15 @@ void setAccessiblyCurrent(QWidget& widget, bool isCurrent)
     QAccessible::State changed;
     changed.selected = changed.active = true;
     QAccessibleStateChangeEvent event(&widget, changed);
+    QAccessible::updateAccessibility(&event);
+}
+
+void pointOut(QWidget& widget)
+{
+    pointedOut() = &widget;
+    if (!QAccessible::isActive())
+        return;
+    QAccessibleEvent event(&widget, QAccessible::Focus);
     QAccessible::updateAccessibility(&event);
 }
 

@@ -17,6 +17,9 @@ void renewAccessible(QWidget& widget);
 /// Says whether the widget is the current one of its list; it has a role of its own.
 void setAccessiblyCurrent(QWidget& widget, bool isCurrent);
 
+/// Leads assistive technology to a widget, while the keyboard stays where it is.
+void pointOut(QWidget& widget);
+
 /// Has assistive technology read the name of the widget out, wherever the focus is. Its role is
 /// `QAccessible::Notification`; nothing happens while nobody listens.
 void announce(QWidget& widget);
