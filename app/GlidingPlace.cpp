@@ -13,42 +13,61 @@ GlidingPlace::GlidingPlace(AnimationSetting& setting, QWidget* parent)
     setSizePolicy(QSizePolicy::Preferred, QSizePolicy::Fixed);
 }
 
-void GlidingPlace::setPart(QWidget& part)
+void GlidingPlace::addPart(QWidget& part)
 {
-    m_part = &part;
+    m_parts.append(&part);
     part.setParent(this);
+    part.hide();
 }
 
-void GlidingPlace::setPartVisible(bool visible)
+void GlidingPlace::showPart(QWidget* part, int leastHeight)
 {
-    m_part->setVisible(visible);
-    m_part->resize(width(), m_part->sizeHint().height());
+    m_part = part;
+    for (QWidget* each : m_parts)
+        each->setVisible(each == part);
+    fitPart();
     if (!isVisible())
         return; // until it is
+    const int wanted = std::max(wantedHeight(), leastHeight);
+    if (wanted == height() && !m_glide.isActive())
+        return;
     if (m_setting.isEnabled())
-        m_glide.start({.from = double(height()), .to = double(wantedHeight())});
+        m_glide.start({.from = double(height()), .to = double(wanted)});
     else
-        setFixedHeight(std::max(height(), wantedHeight()));
+        setFixedHeight(std::max(height(), wanted));
+}
+
+void GlidingPlace::fitPart()
+{
+    if (m_part)
+        m_part->resize(width(), wantedHeight());
 }
 
 int GlidingPlace::wantedHeight() const
 {
-    return m_part->isHidden() ? 0 : m_part->sizeHint().height();
+    return m_part ? m_part->sizeHint().height() : 0;
 }
 
+/// As wide as the widest part, whichever is on show.
 QSize GlidingPlace::sizeHint() const
 {
-    return {m_part->sizeHint().width(), height()};
+    int width = 0;
+    for (const QWidget* part : m_parts)
+        width = std::max(width, part->sizeHint().width());
+    return {width, height()};
 }
 
 QSize GlidingPlace::minimumSizeHint() const
 {
-    return {m_part->minimumSizeHint().width(), height()};
+    int width = 0;
+    for (const QWidget* part : m_parts)
+        width = std::max(width, part->minimumSizeHint().width());
+    return {width, height()};
 }
 
 void GlidingPlace::resizeEvent(QResizeEvent* /*event*/)
 {
-    m_part->resize(width(), m_part->sizeHint().height());
+    fitPart();
 }
 
 void GlidingPlace::showEvent(QShowEvent* /*event*/)

@@ -7,9 +7,9 @@
 
 namespace varno {
 
-/// The place of a part that comes and goes, in a column that is centred: the column glides to where
-/// it stands then. Where the desktop wants no motion it stays, with room for the part, until the
-/// place is shown next.
+/// The place of parts that come and go, one at a time, in a column that is centred: the column
+/// glides to where it stands then. Where the desktop wants no motion it stays, with room for the
+/// part, until the place is shown next.
 class GlidingPlace final : public QWidget {
     Q_OBJECT
 
@@ -18,10 +18,11 @@ public:
     explicit GlidingPlace(AnimationSetting& setting = systemAnimationSetting(),
                           QWidget* parent = nullptr);
 
-    /// Takes its part, once; owns it unless it is a member of another object.
-    void setPart(QWidget& part);
-    /// Shows the part, at its present height, or hides it.
-    void setPartVisible(bool visible);
+    /// Takes a part, hidden; owns it unless it is a member of another object.
+    void addPart(QWidget& part);
+    /// Shows a part, at its present height, in place of another; null shows none. `leastHeight` is
+    /// that of the place until it is shown next.
+    void showPart(QWidget* part, int leastHeight = 0);
 
     [[nodiscard]] QSize sizeHint() const override;
     [[nodiscard]] QSize minimumSizeHint() const override;
@@ -31,9 +32,11 @@ protected:
     void showEvent(QShowEvent* event) override;
 
 private:
+    void fitPart();
     [[nodiscard]] int wantedHeight() const;
 
-    QWidget* m_part = nullptr;
+    QList<QWidget*> m_parts;
+    QWidget* m_part = nullptr; ///< the one on show
     AnimationSetting& m_setting;
     Animation m_glide;
 };

@@ -25,6 +25,7 @@ public:
                AnimationSetting& animationSetting = systemAnimationSetting());
 
 protected:
+    bool eventFilter(QObject* field, QEvent* event) override;
     void showEvent(QShowEvent* event) override;
 
 private:
@@ -34,7 +35,9 @@ private:
     void submit();
     void searchAgain(const QString& search);
     void takeNote(AppViewModel::Changes what);
-    void showRecentSearches();
+    void showList();
+    [[nodiscard]] SearchList* shownList();
+    bool walk(const QKeyEvent& key);
     [[nodiscard]] QString bottomBarText() const;
     void askForKeys();
     void prepare(const QString& query);
@@ -43,16 +46,19 @@ private:
     KeychainTasks& m_keys;
     std::function<QString()> m_shortcutLabel;
     bool m_hasKey = false; ///< for the chosen model
+    QString m_chosen;      ///< the query that was not typed
 
     VerticalScrollArea m_scrollArea; ///< a low panel has no room for all of it
     ThemedText m_title;
     ThemedText m_subtitle;
     SearchBox m_box;
+    GlidingPlace m_warningPlace;
     QWidget m_warning;
     SymbolView m_warningSymbol;
     ThemedText m_warningText;
-    GlidingPlace m_recentPlace;
+    GlidingPlace m_listPlace;
     RecentSearches m_recentSearches;
+    SearchList m_keptEntries;
     ThemedText m_bottomBar;
     PlainButton m_settings;
 };

@@ -29,7 +29,7 @@ struct TextLimit {
 inline constexpr TextLimit textLimit{.letters = 1024, .lines = 16};
 inline constexpr TextLimit titleLimit{.letters = 240, .lines = 4};
 inline constexpr TextLimit contentsEntryLimit{.letters = 128, .lines = 4};
-/// The limit of a crumb, a topic and a recent search.
+/// The limit of a crumb, a topic and a search in a list.
 inline constexpr TextLimit lineLimit{.letters = 256};
 inline constexpr TextLimit messageLimit{.letters = 1024, .lines = 16};
 /// The limit of tool tips and accessible names, which tell what is shortened elsewhere.
@@ -42,7 +42,7 @@ struct ListLimit {
 };
 inline constexpr ListLimit contentsLimit{.entries = 100, .letters = 2048};
 inline constexpr ListLimit topicsLimit{.entries = 40, .letters = 2048};
-inline constexpr qsizetype mostRecentSearches = 8;
+inline constexpr qsizetype mostSearchesListed = 8;
 
 // What fields take, in letters, and what its layout may cost: they lay it out as one row, at every
 // letter that is typed.

@@ -7,6 +7,7 @@
 #include "tests/Test.h"
 #include "tests/TestKeychain.h"
 
+#include <QAccessible>
 #include <QApplication>
 #include <QLineEdit>
 
@@ -21,6 +22,7 @@ struct SearchFixture : ControllerFixture {
         for (int number = 1; number <= searches; ++number)
             write(u"query %1"_s.arg(number));
         model->newSearch();
+        motion.set(false);
         setTheme(view, AppTheme::cream);
         view.resize(860, 620);
         show();
@@ -118,6 +120,7 @@ private Q_SLOTS:
             SearchFixture f(8);
             QTRY_VERIFY(shownText(f.view, warning) && shownText(alone.view, warning));
             f.motion.set(wantsMotion);
+            const QWidget& place = *f.view.findChild<RecentSearches*>()->parentWidget();
             const auto top = [](const SearchFixture& fixture) {
                 QCoreApplication::processEvents();
                 return fixture.field().mapTo(&fixture.view, QPoint()).y();
@@ -125,8 +128,13 @@ private Q_SLOTS:
             const int above = top(f);
             const int centred = top(alone);
             QVERIFY(centred > above + 100);
-            QTest::keyClicks(&f.field(), u"a"_s);
-            QVERIFY(f.view.findChild<GlidingPlace*>()->height() > 100); // not at once
+            for (const auto& [typed, count] :
+                 Rows<QString, int>{{u"query"_s, 8}, {u" 3"_s, 1}, {u"3"_s, 0}}) {
+                QCOMPARE(top(f), above); // while there is something to choose from
+                QTest::keyClicks(&f.field(), typed);
+                QCOMPARE(f.rows().size(), count);
+            }
+            QVERIFY(place.height() > 100); // not at once
             if (wantsMotion)
                 QTRY_COMPARE(top(f), centred);
             QCOMPARE(top(f), wantsMotion ? centred : above);
@@ -135,6 +143,56 @@ private Q_SLOTS:
             f.field().clear();
             QTRY_COMPARE(top(f), above);
             QCOMPARE(f.rows().size(), 8);
+        }
+    }
+
+    void arrowsWalkTheRows()
+    {
+        for (const auto& [typed, downs, ups, opened] :
+             Rows<QString, int, int, QString>{{u""_s, 3, 1, u"Query 9"_s},
+                                              {u"1 QUE"_s, 9, 0, u"Query 1"_s}, // the last of two
+                                              {u"9"_s, 1, 2, u"9"_s}}) {
+            const InRow row(typed);
+            SearchFixture f(9);
+            f.write(u"query 10"_s);
+            f.model->newSearch();
+            QTest::keyClicks(&f.field(), typed);
+            const std::size_t requests = f.claude.entries.size();
+            for (int i = 0; i < downs + ups; ++i)
+                QTest::keyClick(&f.field(), i < downs ? Qt::Key_Down : Qt::Key_Up);
+            QString selected = u"9"_s;
+            for (RowButton* each : shown<RowButton>(f.view)) {
+                const auto& accessible = *QAccessible::queryAccessibleInterface(each);
+                QCOMPARE(accessible.role(), QAccessible::ListItem);
+                if (accessible.state().selected && accessible.state().focused)
+                    selected = accessible.text(QAccessible::Name);
+            }
+            QCOMPARE(selected, opened.toLower());
+            QVERIFY(f.field().hasFocus());
+            QTest::keyClick(&f.field(), Qt::Key_Return);
+            QCOMPARE(f.model->streamingTitle(), opened);
+            QCOMPARE(f.claude.entries.size(), requests + (opened == typed ? 1 : 0));
+            QCOMPARE(f.rows().isEmpty(), opened != typed); // it was chosen from them
+        }
+    }
+
+    void keptEntriesMatchWhatIsTyped()
+    {
+        SearchFixture f;
+        for (const QString& query : {u"Ärzte"_s, u"The fall of Rome"_s, u"rome"_s, u"日本の歴史"_s})
+            f.write(query);
+        f.model->newSearch();
+        for (const auto& [typed, rows] :
+             Rows<QString, QStringList>{{u"ROME"_s, {u"rome"_s, u"The fall of Rome"_s}},
+                                        {u" rome  fal"_s, {u"The fall of Rome"_s}},
+                                        {u"歴史"_s, {u"日本の歴史"_s}},
+                                        {u"äRZ"_s, {u"Ärzte"_s}},
+                                        {u"romes"_s, {}},
+                                        {u"  "_s, {}}}) {
+            const InRow row(typed);
+            f.field().setText(typed);
+            QCOMPARE(f.rows(), rows);
+            QCOMPARE(shownText(f.view, u"KEPT ENTRIES"_s) != nullptr, !rows.isEmpty());
         }
     }
 
