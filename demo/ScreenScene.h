@@ -12,6 +12,7 @@ struct ScreenScene {
             press,            ///< the button of that name
             type,             ///< `text` into the field of that name
             await,            ///< that text on show
+            down,             ///< the arrow key, to whoever has the focus
             combine,          ///< Alt and F4, which the window manager has, into the recorder
             pretendMenu,      ///< that there is a menu, with these keys in it
             pretendOldSystem, ///< that the system does not report keys with Option alone

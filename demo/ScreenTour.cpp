@@ -113,6 +113,9 @@ bool ScreenTour::take(const ScreenScene::Step& step)
         recorder->setMenuItems({});
         recorder->setSystem(oldSystem);
         return true;
+    case Kind::down:
+        typeKey(*QApplication::focusWidget(), Qt::Key_Down);
+        return true;
     case Kind::scrollToEnd:
         scrollToEnd(m_window);
         return true;
