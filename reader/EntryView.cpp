@@ -47,7 +47,7 @@ EntryView::EntryView(AppViewModel& viewModel, QWidget* parent)
     connect(&m_nextFlush, &QTimer::timeout, this, &EntryView::flush);
     connectBars();
     connectPage();
-    bindTextSize();
+    bindKeys();
     flush();
 }
 
@@ -64,10 +64,6 @@ void EntryView::connectBars()
     connect(&m_findBar, &FindBar::closed, this, [this] { m_viewModel.setShowingFind(false); });
     connect(&m_findBar, &FindBar::findTextChanged, this,
             [this](const QString& text) { m_find.setFindText(text, textInColumn()); });
-    auto* find = new QShortcut(this);
-    find->setKeys({QKeySequence(Qt::CTRL | Qt::Key_F), QKeySequence(Qt::META | Qt::Key_F)});
-    find->setContext(Qt::WidgetWithChildrenShortcut);
-    connect(find, &QShortcut::activated, this, &EntryView::openFind);
 }
 
 void EntryView::connectPage()
@@ -85,17 +81,28 @@ void EntryView::connectPage()
     connect(&m_column, &ReadingColumn::copyEntry, this, &EntryView::copyEntry);
 }
 
-void EntryView::bindTextSize()
+void EntryView::bindKeys()
 {
-    using Keys = QList<QKeySequence>;
-    for (const auto& [keys, steps] :
-         {std::pair(Keys{u"Ctrl++"_s, u"Ctrl+="_s, u"Meta++"_s, u"Meta+="_s}, 1),
-          std::pair(Keys{u"Ctrl+-"_s, u"Meta+-"_s}, -1)}) {
-        auto* shortcut = new QShortcut(this);
-        shortcut->setKeys(keys);
-        shortcut->setContext(Qt::WidgetWithChildrenShortcut);
-        connect(shortcut, &QShortcut::activated, this, [this, by = steps] { stepTextSize(by); });
-    }
+    bind({u"Ctrl+F"_s, u"Meta+F"_s}, [this] { openFind(); });
+    bind({u"Ctrl++"_s, u"Ctrl+="_s, u"Meta++"_s, u"Meta+="_s}, [this] { stepTextSize(1); });
+    bind({u"Ctrl+-"_s, u"Meta+-"_s}, [this] { stepTextSize(-1); });
+    // Each of these asks the service: a key that is held asks once.
+    bind({u"F5"_s, u"Ctrl+R"_s, u"Meta+R"_s}, [this] {
+        m_viewModel.reloadCurrentPage();
+    }).setAutoRepeat(false);
+    bind({u"Ctrl+Return"_s, u"Ctrl+Enter"_s, u"Meta+Return"_s, u"Meta+Enter"_s}, [this] {
+        if (m_column.offersFullEntry())
+            m_viewModel.upgradeToFullEntry();
+    }).setAutoRepeat(false);
+}
+
+QShortcut& EntryView::bind(const QList<QKeySequence>& keys, const std::function<void()>& action)
+{
+    auto* shortcut = new QShortcut(this);
+    shortcut->setKeys(keys);
+    shortcut->setContext(Qt::WidgetWithChildrenShortcut);
+    connect(shortcut, &QShortcut::activated, this, action);
+    return *shortcut;
 }
 
 void EntryView::takeNote(AppViewModel::Changes what)

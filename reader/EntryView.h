@@ -12,6 +12,11 @@
 #include <QHash>
 #include <QTimer>
 
+#include <functional>
+
+class QKeySequence;
+class QShortcut;
+
 namespace varno {
 
 /// The screen that shows one page of the open session: breadcrumbs, find, contents, and the reading
@@ -37,6 +42,8 @@ private:
 
     void connectBars();
     void connectPage();
+    void bindKeys();
+    QShortcut& bind(const QList<QKeySequence>& keys, const std::function<void()>& action);
 
     void takeNote(AppViewModel::Changes what);
     void scheduleFlush();
@@ -51,7 +58,6 @@ private:
     [[nodiscard]] QStringView textInColumn() const;
     void openFind();
     void copyEntry();
-    void bindTextSize();
     void stepTextSize(int steps);
 
     void jumpTo(const QUuid& pageId);

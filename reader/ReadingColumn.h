@@ -55,6 +55,8 @@ public:
         QStringList relatedTopics{};
     };
     void setPageState(const PageState& state);
+    /// Whether the button that makes a full entry of the page is on show.
+    [[nodiscard]] bool offersFullEntry() const { return m_fullEntry.isVisible(); }
 
     /// Scrolls, animated, until that block of the text is centred vertically.
     void scrollToBlock(int index);

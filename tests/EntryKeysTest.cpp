@@ -83,6 +83,28 @@ private Q_SLOTS:
         }
     }
 
+    void keysWriteThePageAgain()
+    {
+        for (const auto& [key, modifiers, query, requests] :
+             Rows<Qt::Key, Qt::KeyboardModifiers, QString, int>{
+                 {Qt::Key_F5, {}, article, 2},
+                 {Qt::Key_R, Qt::ControlModifier, article, 2},
+                 {Qt::Key_R, Qt::MetaModifier, article, 2},
+                 {Qt::Key_Return, Qt::ControlModifier, article, 0},
+                 {Qt::Key_Return, Qt::ControlModifier, u"rome"_s, 1}, // it is an article then
+                 {Qt::Key_Enter, Qt::MetaModifier | Qt::KeypadModifier, u"rome"_s, 1}}) {
+            const InRow row(key, query);
+            Screen screen;
+            screen.write(query);
+            screen.model->setShowingFind(true);
+            screen.key(key, modifiers);
+            screen.model->setShowingFind(false);
+            screen.key(key, modifiers);
+            QCOMPARE(screen.claude.entries.size(), 1U + requests);
+            QVERIFY(screen.model->currentPage()->entryType == EntryType::full);
+        }
+    }
+
     void keysScrollFromAnywhere()
     {
         SectionScreen screen;
