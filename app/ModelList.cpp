@@ -8,6 +8,11 @@
 #include <QPainter>
 
 namespace varno {
+namespace {
+
+constexpr double radius = 6; // of the corners
+
+} // namespace
 
 class ModelList::Choice final : public RowButton {
 public:
@@ -20,7 +25,6 @@ public:
         setContent(
             column({.spacing = 2, .horizontal = 10, .vertical = 6}, {m_name, m_description}));
         setAccessibleDescription(details(rowModel).description);
-        setFocusPolicy(Qt::NoFocus);
         setCheckable(true);
         setAutoExclusive(true);
         setSelected(false);
@@ -30,6 +34,7 @@ public:
     {
         const ColorRole role = selected ? ColorRole::accent : ColorRole::text;
         setChecked(selected);
+        setFocusPolicy(selected ? Qt::TabFocus : Qt::NoFocus); // arrows choose the others
         m_name.setTextStyle({.size = 12, .role = role});
         m_description.setTextStyle({.size = 10, .role = role, .opacity = selected ? 0.7 : 0.4});
     }
@@ -39,12 +44,13 @@ public:
 protected:
     void paintEvent(QPaintEvent* event) override
     {
-        if (isChecked()) {
-            QPainter painter(this);
-            fillRounded(painter, rect(), 6, themeColor(palette(), ColorRole::accent, 0.1));
-        } else {
-            RowButton::paintEvent(event);
-        }
+        if (!isChecked())
+            return RowButton::paintEvent(event);
+        QPainter painter(this);
+        fillRounded(painter, rect(), radius, themeColor(palette(), ColorRole::accent, 0.1));
+        if (hasFocus())
+            outlineRounded(painter, rect(), radius, 1.5,
+                           themeColor(palette(), ColorRole::accent, 0.8));
     }
 
 private:
@@ -69,8 +75,12 @@ ModelList::ModelList(QWidget* parent)
 
 void ModelList::setModel(AIModel model)
 {
-    for (Choice* row : m_rows)
+    const bool hasFocus = isAncestorOf(focusWidget());
+    for (Choice* row : m_rows) {
         row->setSelected(row->model == model);
+        if (hasFocus && row->isChecked())
+            row->setFocus(Qt::TabFocusReason);
+    }
 }
 
 } // namespace varno

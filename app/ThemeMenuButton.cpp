@@ -3,6 +3,7 @@
 #include "kit/Layout.h"
 #include "kit/Menu.h"
 
+#include <QKeyEvent>
 #include <QMenu>
 #include <QPainter>
 
@@ -56,6 +57,17 @@ void ThemeMenuButton::setTheme(AppTheme theme)
     updateGeometry();
 }
 
+void ThemeMenuButton::keyPressEvent(QKeyEvent* event)
+{
+    const bool isArrow = event->key() == Qt::Key_Up || event->key() == Qt::Key_Down;
+    if (!isArrow || (event->modifiers() & ~Qt::KeypadModifier) != Qt::NoModifier)
+        return RowButton::keyPressEvent(event);
+    constexpr auto last = static_cast<int>(RawValues<AppTheme>::cases.size()) - 1;
+    const int next = static_cast<int>(m_theme) + (event->key() == Qt::Key_Up ? -1 : 1);
+    if (next >= 0 && next <= last)
+        Q_EMIT themeChosen(static_cast<AppTheme>(next));
+}
+
 void ThemeMenuButton::openMenu()
 {
     auto* menu = new QMenu(this);
@@ -63,6 +75,8 @@ void ThemeMenuButton::openMenu()
     for (const auto& [theme, rawValue] : RawValues<AppTheme>::cases) {
         QAction* item = menu->addAction(name(theme));
         item->setIcon(theme == m_theme ? checkmark(palette(), devicePixelRatioF()) : QIcon());
+        if (theme == m_theme)
+            menu->setActiveAction(item);
         connect(item, &QAction::triggered, this,
                 [this, chosen = theme] { Q_EMIT themeChosen(chosen); });
     }

@@ -7,7 +7,8 @@
 
 namespace varno {
 
-/// A button that shows the name of the theme and opens the menu of themes.
+/// A button that shows the name of the theme and opens the menu of themes. Arrows choose another
+/// theme without it.
 class ThemeMenuButton final : public RowButton {
     Q_OBJECT
 
@@ -18,6 +19,9 @@ public:
 
 Q_SIGNALS:
     void themeChosen(varno::AppTheme theme);
+
+protected:
+    void keyPressEvent(QKeyEvent* event) override;
 
 private:
     void openMenu();

@@ -239,6 +239,14 @@ private Q_SLOTS:
         QTest::keyClick(&menu, Qt::Key_Return);
         QCOMPARE(f.model->theme(), AppTheme::dark);
         QVERIFY(shownText(button, u"Dark Parchment"_s));
+        for (const auto& [key, theme] : Rows<Qt::Key, AppTheme>{{Qt::Key_Down, AppTheme::dark},
+                                                                {Qt::Key_Up, AppTheme::amber},
+                                                                {Qt::Key_Up, AppTheme::cream},
+                                                                {Qt::Key_Up, AppTheme::cream},
+                                                                {Qt::Key_Down, AppTheme::amber}}) {
+            QTest::keyClick(&button, key);
+            QCOMPARE(f.model->theme(), theme);
+        }
     }
 
     void choosesModelAndWebSearch()
@@ -251,6 +259,14 @@ private Q_SLOTS:
         for (const auto& [name, role] : {std::pair(u"Gemini 3.6 Flash"_s, ColorRole::accent),
                                          std::pair(u"Claude Sonnet 5"_s, ColorRole::text)})
             QCOMPARE(shownText(f.view, name)->textStyle().role, InkRole(role));
+        f.view.findChild<ThemeMenuButton*>()->setFocus(Qt::TabFocusReason);
+        QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+        for (const auto& [key, name] : Rows<Qt::Key, QString>{{Qt::Key_Up, u"Claude Haiku 4.5"_s},
+                                                              {Qt::Key_Up, u"Claude Sonnet 5"_s}}) {
+            QTest::keyClick(QApplication::focusWidget(), key);
+            QCOMPARE(details(f.model->aiModel()).displayName, name);
+            QCOMPARE(QApplication::focusWidget()->accessibleName(), name);
+        }
         auto& webSearch = *f.view.findChild<Switch*>();
         for (const bool enabled : {true, false}) {
             QTest::mouseClick(&webSearch, Qt::LeftButton);
