@@ -64,12 +64,14 @@ private:
     bool m_isCurrent = false;
 };
 
-SearchList::SearchList(const QString& heading, const QString& name, QWidget* parent)
+SearchList::SearchList(const QString& heading, const QString& name, Clearing clearing,
+                       QWidget* parent)
     : QWidget(parent)
     , m_heading(heading, {.size = 9, .tracking = 2, .opacity = 0.4})
+    , m_clear(tr("Clear"), {.text = {.size = 11, .role = ColorRole::accent}})
 {
     setLayout(column({}, {
-                             row({}, {m_heading, stretch()}),
+                             row({}, {m_heading, stretch(), m_clear}),
                              gap(6),
                              m_rows,
                          }));
@@ -77,11 +79,12 @@ SearchList::SearchList(const QString& heading, const QString& name, QWidget* par
     m_rows.setAccessibleName(name);
     m_heading.setAccessibleName(name);
     setAccessibleRole(m_rows, QAccessible::List);
-}
-
-void SearchList::addToHeading(QWidget& button)
-{
-    layout()->itemAt(0)->layout()->addWidget(&button);
+    QSizePolicy policy = m_clear.sizePolicy();
+    policy.setRetainSizeWhenHidden(true);
+    m_clear.setSizePolicy(policy);
+    m_clear.setFocusPolicy(Qt::NoFocus);
+    m_clear.setVisible(clearing == Clearing::offered);
+    connect(&m_clear, &PlainButton::clicked, this, &SearchList::clear);
 }
 
 void SearchList::setSearches(const QStringList& searches)

@@ -1,17 +1,21 @@
 #pragma once
 
+#include "kit/PlainButton.h"
 #include "kit/ThemedText.h"
 
 namespace varno {
 
 /// A headed list of searches below the search field; pressing one asks for it. The keyboard stays
 /// with the field, from where arrows walk the rows.
-class SearchList : public QWidget {
+class SearchList final : public QWidget {
     Q_OBJECT
 
 public:
+    enum class Clearing { offered, notOffered };
+
     /// `name` is the accessible name.
-    SearchList(const QString& heading, const QString& name, QWidget* parent = nullptr);
+    SearchList(const QString& heading, const QString& name, Clearing clearing,
+               QWidget* parent = nullptr);
 
     /// Shows the first eight of them; none is current.
     void setSearches(const QStringList& searches);
@@ -31,10 +35,7 @@ public:
 
 Q_SIGNALS:
     void searchPressed(const QString& search);
-
-protected:
-    /// Adds a button at the end of the heading.
-    void addToHeading(QWidget& button);
+    void clear();
 
 private:
     class Row;
@@ -46,6 +47,7 @@ private:
     QList<Row*> m_lines;    ///< the first of them show the searches
     qsizetype m_current = -1;
     ThemedText m_heading;
+    PlainButton m_clear; ///< keeps its room: all lists stand alike
     QWidget m_rows;
 };
 

@@ -26,7 +26,8 @@ SearchView::SearchView(AppViewModel& viewModel, KeychainTasks& keys,
     , m_warningText(tr("Add your Anthropic API key in Settings to get started."),
                     {.size = 12, .role = StandardColor::orange})
     , m_listPlace(animationSetting)
-    , m_keptEntries(tr("KEPT ENTRIES"), tr("Kept entries"))
+    , m_recentSearches(tr("RECENT"), tr("Recent searches"), SearchList::Clearing::offered)
+    , m_keptEntries(tr("KEPT ENTRIES"), tr("Kept entries"), SearchList::Clearing::notOffered)
     , m_bottomBar({}, {.size = 11, .opacity = 0.35})
     , m_settings(Symbol::gearshape, {.symbol = {.size = 13, .opacity = 0.45}})
 {
@@ -78,7 +79,7 @@ void SearchView::connectParts()
     connect(&m_box, &SearchBox::queryChanged, this, &SearchView::showList);
     connect(&m_box, &SearchBox::queryTyped, this, &SearchView::prepare);
     connect(&m_box, &SearchBox::submitted, this, &SearchView::submit);
-    connect(&m_recentSearches, &RecentSearches::clear, &m_viewModel, &AppViewModel::clearHistory);
+    connect(&m_recentSearches, &SearchList::clear, &m_viewModel, &AppViewModel::clearHistory);
     connect(&m_settings, &PlainButton::clicked, this,
             [this] { m_viewModel.setShowingSettings(true); });
 }

@@ -2,8 +2,8 @@
 
 #include "app/GlidingPlace.h"
 #include "app/KeychainTasks.h"
-#include "app/RecentSearches.h"
 #include "app/SearchBox.h"
+#include "app/SearchList.h"
 #include "core/AppViewModel.h"
 #include "kit/PlainButton.h"
 #include "kit/SymbolView.h"
@@ -57,7 +57,7 @@ private:
     SymbolView m_warningSymbol;
     ThemedText m_warningText;
     GlidingPlace m_listPlace;
-    RecentSearches m_recentSearches;
+    SearchList m_recentSearches;
     SearchList m_keptEntries;
     ThemedText m_bottomBar;
     PlainButton m_settings;

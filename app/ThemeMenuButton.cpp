@@ -75,13 +75,12 @@ void ThemeMenuButton::openMenu()
     for (const auto& [theme, rawValue] : RawValues<AppTheme>::cases) {
         QAction* item = menu->addAction(name(theme));
         item->setIcon(theme == m_theme ? checkmark(palette(), devicePixelRatioF()) : QIcon());
-        if (theme == m_theme)
-            menu->setActiveAction(item);
         connect(item, &QAction::triggered, this,
                 [this, chosen = theme] { Q_EMIT themeChosen(chosen); });
     }
     connect(menu, &QMenu::aboutToHide, this, [this] { setDown(false); });
     menu->popup(mapToGlobal(QPoint(0, height())));
+    menu->setActiveAction(menu->actions().at(static_cast<int>(m_theme)));
 }
 
 } // namespace varno

@@ -120,7 +120,7 @@ private Q_SLOTS:
             SearchFixture f(8);
             QTRY_VERIFY(shownText(f.view, warning) && shownText(alone.view, warning));
             f.motion.set(wantsMotion);
-            const QWidget& place = *f.view.findChild<RecentSearches*>()->parentWidget();
+            const QWidget& place = *f.view.findChild<SearchList*>()->parentWidget();
             const auto top = [](const SearchFixture& fixture) {
                 QCoreApplication::processEvents();
                 return fixture.field().mapTo(&fixture.view, QPoint()).y();
