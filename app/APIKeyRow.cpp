@@ -164,7 +164,7 @@ void APIKeyRow::setPresence(KeyPresence presence)
 {
     m_presence = presence;
     showState();
-    Q_EMIT presenceChanged(presence);
+    Q_EMIT presenceChanged();
 }
 
 void APIKeyRow::setChanging(bool changing)

@@ -20,13 +20,15 @@ public:
     /// The key tasks outlive the row.
     explicit APIKeyRow(KeychainTasks& keys, QWidget* parent = nullptr);
 
+    /// What the key store held when it was asked last.
+    [[nodiscard]] KeyPresence presence() const { return m_presence; }
     /// Asks the key store what it holds.
     void refresh();
     /// Drops a key that was typed or revealed, or that is being loaded.
     void forget();
 
 Q_SIGNALS:
-    void presenceChanged(varno::KeyPresence presence);
+    void presenceChanged();
 
 protected:
     /// The differences between the rows of two providers.

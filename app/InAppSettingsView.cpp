@@ -5,6 +5,8 @@
 
 #include <QScrollBar>
 
+#include <array>
+
 namespace varno {
 
 using namespace Qt::StringLiterals;
@@ -63,9 +65,9 @@ InAppSettingsView::InAppSettingsView(AppViewModel& viewModel, KeychainTasks& key
 QWidget* InAppSettingsView::sections()
 {
     auto* list = new QWidget;
-    auto* anthropic = new SettingsSection(tr("Anthropic API Key"), column({}, {m_anthropicKey}));
-    auto* gemini = new SettingsSection(tr("Gemini API Key"),
-                                       column({.spacing = 8}, {m_geminiKey, m_noKeyStore}));
+    auto* anthropic = new SettingsSection(tr("Anthropic API Key"),
+                                          column({.spacing = 8}, {m_anthropicKey, m_noKeyStore}));
+    auto* gemini = new SettingsSection(tr("Gemini API Key"), column({}, {m_geminiKey}));
     auto* shortcut = new SettingsSection(tr("Global Shortcut"), shortcutRow());
     auto* appearance = new SettingsSection(tr("Appearance"), appearanceRows());
     auto* content = new SettingsSection(tr("Content"), contentRows());
@@ -123,9 +125,15 @@ void InAppSettingsView::connectParts()
         if (enabled != m_viewModel.webSearchEnabled())
             m_viewModel.setWebSearchEnabled(enabled);
     });
-    connect(&m_geminiKey, &APIKeyRow::presenceChanged, this, [this](KeyPresence presence) {
-        m_noKeyStore.setVisible(presence == KeyPresence::unreachable);
-    });
+    for (APIKeyRow* row : std::array<APIKeyRow*, 2>{&m_anthropicKey, &m_geminiKey})
+        connect(row, &APIKeyRow::presenceChanged, this, &InAppSettingsView::showKeyStore);
+}
+
+/// One notice speaks for both keys, and stands where one looks first.
+void InAppSettingsView::showKeyStore()
+{
+    m_noKeyStore.setVisible(m_anthropicKey.presence() == KeyPresence::unreachable ||
+                            m_geminiKey.presence() == KeyPresence::unreachable);
 }
 
 void InAppSettingsView::takeNote(AppViewModel::Changes what)

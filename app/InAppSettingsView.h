@@ -38,6 +38,7 @@ private:
     void connectParts();
     void takeNote(AppViewModel::Changes what);
     void showPreferences();
+    void showKeyStore();
 
     AppViewModel& m_viewModel;
 

@@ -197,6 +197,8 @@ private Q_SLOTS:
         const NoThreads none; // to ask it
         f.view.show();
         QTRY_VERIFY(shownText(f.view, noStoreText));
+        QCOMPARE(shownTexts(f.view).count(noStoreText), 1);
+        QCOMPARE(shownTexts(f.view).indexOf(noStoreText), 2); // in view wherever the screen begins
     }
 
     void saysWhenTheShortcutIsRefused()
