@@ -30,8 +30,9 @@ Result<HeaderList> headersOf(const HttpRequest& request)
     HeaderList headers;
     for (const auto& [name, value] : request.headers) {
         if (hasControlCharacter(name) || hasControlCharacter(value))
-            return Failure{u"A line break or another control character stands in "
-                           u"the “%1” of the request."_s.arg(QString::fromUtf8(name).simplified())};
+            return Failure{CurlTransfer::tr("A line break or another control character stands in "
+                                            "the “%1” of the request.")
+                               .arg(QString::fromUtf8(name).simplified())};
         // libcurl leaves out a header without a value unless it ends so.
         const QByteArray line = value.trimmed().isEmpty() ? name + ';' : name + ": " + value;
         append(headers, line.constData());
@@ -44,28 +45,29 @@ QString describe(CURLcode code)
 {
     switch (code) {
     case CURLE_COULDNT_RESOLVE_HOST:
-        return u"The server could not be found. Are you connected to the internet?"_s;
+        return CurlTransfer::tr(
+            "The server could not be found. Are you connected to the internet?");
     case CURLE_COULDNT_RESOLVE_PROXY:
-        return u"The proxy server could not be found."_s;
+        return CurlTransfer::tr("The proxy server could not be found.");
     case CURLE_COULDNT_CONNECT:
-        return u"Could not connect to the server."_s;
+        return CurlTransfer::tr("Could not connect to the server.");
     case CURLE_OPERATION_TIMEDOUT:
-        return u"The request timed out."_s;
+        return CurlTransfer::tr("The request timed out.");
     case CURLE_PEER_FAILED_VERIFICATION:
     case CURLE_SSL_CACERT_BADFILE:
     case CURLE_SSL_ISSUER_ERROR:
-        return u"The identity of the server could not be verified."_s;
+        return CurlTransfer::tr("The identity of the server could not be verified.");
     case CURLE_SSL_CONNECT_ERROR:
-        return u"A secure connection to the server could not be made."_s;
+        return CurlTransfer::tr("A secure connection to the server could not be made.");
     case CURLE_PARTIAL_FILE:
     case CURLE_GOT_NOTHING:
     case CURLE_RECV_ERROR:
     case CURLE_SEND_ERROR:
-        return u"The connection to the server was lost."_s;
+        return CurlTransfer::tr("The connection to the server was lost.");
     case CURLE_BAD_CONTENT_ENCODING:
-        return u"The reply is damaged."_s;
+        return CurlTransfer::tr("The reply is damaged.");
     case CURLE_ABORTED_BY_CALLBACK:
-        return u"The request was cancelled."_s;
+        return CurlTransfer::tr("The request was cancelled.");
     default:
         return QString::fromUtf8(curl_easy_strerror(code));
     }

@@ -2,7 +2,7 @@
 
 #include "platform/HttpSession.h"
 
-#include <QString>
+#include <QCoreApplication>
 
 #include <curl/curl.h>
 
@@ -27,6 +27,8 @@ void append(HeaderList& headers, const char* line);
 
 /// One POST by libcurl, on a connection of its own: it goes out once, or not at all.
 class CurlTransfer {
+    Q_DECLARE_TR_FUNCTIONS(varno::CurlTransfer)
+
 public:
     /// What the transfers of a session have in common.
     struct Setting {

@@ -45,7 +45,7 @@ std::optional<Failure> LoadedHttpSession::perform(const HttpRequest& request,
 {
     HttpSession* const session = m_backend.get();
     if (!session)
-        return Failure{u"Varno is not installed completely: varno-http.so cannot be loaded."_s};
+        return Failure{tr("Varno is not installed completely: varno-http.so cannot be loaded.")};
     return session->perform(request, receiver, std::move(stop));
 }
 

@@ -3,6 +3,8 @@
 #include "platform/HttpSession.h"
 #include "platform/KeyStore.h"
 
+#include <QCoreApplication>
+
 #include <memory>
 #include <mutex>
 
@@ -42,6 +44,8 @@ private:
 
 /// The backend of varno-http.so. Every request fails if the module is not there.
 class LoadedHttpSession final : public HttpSession {
+    Q_DECLARE_TR_FUNCTIONS(varno::LoadedHttpSession)
+
 public:
     [[nodiscard]] std::optional<Failure> perform(const HttpRequest& request, HttpReceiver& receiver,
                                                  std::stop_token stop) override;
