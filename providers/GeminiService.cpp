@@ -70,7 +70,7 @@ Result<HttpRequest> makeRequest(const QByteArray& baseURL, std::chrono::seconds 
 {
     const QByteArray keyText = key.toUtf8();
     if (!isQueryText(keyText))
-        return failure(DecodingError{u"Invalid URL"_s});
+        return failure(DecodingError{ServiceText::tr("Invalid URL")});
     const bool streamed = form == ReplyForm::streamed;
     QByteArray url = baseURL + '/' + request.model.toUtf8() + ':' +
                      (streamed ? "streamGenerateContent" : "generateContent") + "?key=" + keyText;
@@ -88,8 +88,9 @@ Failure parseAPIError(int statusCode, std::string_view body)
     const auto message = geminiErrorMessage(parser, body);
     return failure(APIError{
         .statusCode = statusCode,
-        .message = message ? u"Gemini error: "_s + *message
-                           : u"Gemini API error (HTTP %1). Please try again."_s.arg(statusCode)});
+        .message = message ? ServiceText::tr("Gemini error: %1").arg(*message)
+                           : ServiceText::tr("Gemini API error (HTTP %1). Please try again.")
+                                 .arg(statusCode)});
 }
 
 ServiceDialect dialect(const QByteArray& baseURL, const KeychainService& keychain,

@@ -28,8 +28,8 @@ Failure networkFailure(const QString& description)
 
 Failure noResources()
 {
-    return networkFailure(
-        u"There is no room for another request. Please close some programs, then try again."_s);
+    return networkFailure(ServiceText::tr(
+        "There is no room for another request. Please close some programs, then try again."));
 }
 
 /// A service's own message may quote what it was sent.
@@ -82,7 +82,7 @@ protected:
 
     bool tooLong()
     {
-        failure = networkFailure(u"The reply is too long."_s);
+        failure = networkFailure(ServiceText::tr("The reply is too long."));
         return false;
     }
 
@@ -212,7 +212,7 @@ Result<QString> ServiceClient::callNonStreaming(const ModelRequest& request,
     json::Parser parser;
     if (const auto text = m_dialect.replyText(parser, reader.body))
         return *text;
-    return networkFailure(u"The reply is not in the format that was expected."_s);
+    return networkFailure(ServiceText::tr("The reply is not in the format that was expected."));
 }
 
 std::optional<Failure> ServiceClient::transfer(const ModelRequest& request, ReplyForm form,

@@ -3,16 +3,14 @@
 namespace varno {
 namespace {
 
-using namespace Qt::StringLiterals;
-
 struct Common {
     QString operator()(const NetworkError& error) const
     {
-        return u"Network error: "_s + error.description;
+        return ServiceText::tr("Network error: %1").arg(error.description);
     }
     QString operator()(const DecodingError& error) const
     {
-        return u"Response parse error: "_s + error.message;
+        return ServiceText::tr("Response parse error: %1").arg(error.message);
     }
 };
 
@@ -22,18 +20,21 @@ struct ForClaude : Common {
     {
         switch (response.statusCode) {
         case 401:
-            return u"Invalid API key. Please check your Anthropic API key in Settings."_s;
+            return ServiceText::tr(
+                "Invalid API key. Please check your Anthropic API key in Settings.");
         case 429:
-            return u"Rate limit reached. Please wait a moment, then try again."_s;
+            return ServiceText::tr("Rate limit reached. Please wait a moment, then try again.");
         case 529: // "overloaded", a code of Anthropic's own
-            return u"Anthropic's servers are overloaded. Please try again in a moment."_s;
+            return ServiceText::tr(
+                "Anthropic's servers are overloaded. Please try again in a moment.");
         default:
-            return u"API error (HTTP %1). Please try again."_s.arg(response.statusCode);
+            return ServiceText::tr("API error (HTTP %1). Please try again.")
+                .arg(response.statusCode);
         }
     }
     QString operator()(NoAPIKey) const
     {
-        return u"No API key found. Please add your Anthropic API key in Settings."_s;
+        return ServiceText::tr("No API key found. Please add your Anthropic API key in Settings.");
     }
 };
 
@@ -42,7 +43,8 @@ struct ForGemini : Common {
     QString operator()(const APIError& error) const { return error.message; }
     QString operator()(NoAPIKey) const
     {
-        return u"No Gemini API key found. Please add your Google AI API key in Settings."_s;
+        return ServiceText::tr(
+            "No Gemini API key found. Please add your Google AI API key in Settings.");
     }
 };
 

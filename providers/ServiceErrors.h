@@ -1,6 +1,6 @@
 #pragma once
 
-#include <QString>
+#include <QCoreApplication>
 
 #include <variant>
 
@@ -27,6 +27,11 @@ struct APIError {
     QString message;
 };
 using GeminiError = std::variant<APIError, NetworkError, DecodingError, NoAPIKey>;
+
+/// What providers say to the user, in the user's language.
+class ServiceText {
+    Q_DECLARE_TR_FUNCTIONS(varno::ServiceText)
+};
 
 /// The description that the user reads.
 QString errorDescription(const NetworkError& error);
