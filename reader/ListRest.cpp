@@ -10,7 +10,7 @@ ListRest::ListRest(QWidget* parent)
 
 void ListRest::setCount(qsizetype count)
 {
-    setText(tr("… and %1 more").arg(count));
+    setText(tr("… and %n more", nullptr, int(count)));
     setVisible(count > 0);
 }
 

@@ -11,10 +11,9 @@ namespace {
 
 using Role = QAccessible::Role;
 
-QString translated(const char* text)
-{
-    return QCoreApplication::translate("varno::PageAccessible", text);
-}
+struct Note {
+    Q_DECLARE_TR_FUNCTIONS(varno::PageAccessible)
+};
 
 bool isOf(const QTextBlock& row, RowForm form)
 {
@@ -220,9 +219,9 @@ PagePart& PageAccessible::openPart(const QTextBlock& row)
         return *m_parts.open();
     PagePart& part = m_parts.begin(surface(), startOf(row));
     if (isOf(row, RowForm::code))
-        part.setNote(translated("Code"));
+        part.setNote(Note::tr("Code"));
     else if (isOf(row, RowForm::quote))
-        part.setNote(translated("Quotation"));
+        part.setNote(Note::tr("Quotation"));
     return part;
 }
 

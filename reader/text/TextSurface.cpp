@@ -50,7 +50,7 @@ TextSurface::TextSurface(QWidget* parent)
     setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     setOpenLinks(false);
-    setAccessibleName(u"Entry"_s);
+    setAccessibleName(tr("Entry"));
     installPageAccessible(*this);
     viewport()->setAutoFillBackground(false);
     viewport()->setCursor(Qt::IBeamCursor);
