@@ -20,7 +20,7 @@ APIKeyRow::APIKeyRow(KeychainTasks& keys, QWidget* parent)
                  .fieldName = tr("Anthropic API key"),
                  .help = tr("Varno doesn't include an API key — you supply your own, and "
                             "Anthropic bills your account for what you use. Create a key "
-                            "at "),
+                            "at %1."),
                  .keyPage = QUrl(u"https://console.anthropic.com/settings/keys"_s)},
                 keys, parent)
 {
@@ -30,7 +30,7 @@ GeminiAPIKeyRow::GeminiAPIKeyRow(KeychainTasks& keys, QWidget* parent)
     : APIKeyRow({.account = keys.keychain().geminiAccount,
                  .fieldName = tr("Gemini API key"),
                  .help = tr("Required only for Gemini models. Varno doesn't include a key — "
-                            "supply your own from "),
+                            "supply your own from %1."),
                  .keyPage = QUrl(u"https://aistudio.google.com/apikey"_s)},
                 keys, parent)
 {
@@ -198,9 +198,9 @@ QString APIKeyRow::helpText(const QColor& linkColor) const
 {
     const QString address = m_provider.keyPage.toString();
     const QString shown = m_provider.keyPage.toString(QUrl::RemoveScheme).remove(0, 2);
-    return u"%1<a href=\"%2\" style=\"color: %3; text-decoration: none\">%4</a>."_s.arg(
-        m_provider.help.toHtmlEscaped(), address.toHtmlEscaped(), linkColor.name(),
-        shown.toHtmlEscaped());
+    const QString link = u"<a href=\"%1\" style=\"color: %2; text-decoration: none\">%3</a>"_s.arg(
+        address.toHtmlEscaped(), linkColor.name(), shown.toHtmlEscaped());
+    return m_provider.help.toHtmlEscaped().arg(link);
 }
 
 void APIKeyRow::takeColors()

@@ -35,7 +35,7 @@ protected:
     struct Provider {
         QString account;
         QString fieldName; ///< for a screen reader
-        QString help;      ///< stands before the link
+        QString help;      ///< with "%1" in the place of the link
         QUrl keyPage;      ///< where the provider makes keys
     };
     APIKeyRow(const Provider& provider, KeychainTasks& keys, QWidget* parent);
