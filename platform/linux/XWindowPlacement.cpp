@@ -63,6 +63,15 @@ void askForEveryDesktop(const QWindow& window)
     askWindowManager(window, "_NET_WM_STATE", {add, xAtom("_NET_WM_STATE_STICKY"), 0, fromUser});
 }
 
+/// Has the window manager tell where the window is: the toolkit asks the X server while the window
+/// is put into a frame, and may learn where the frame was before it got to its place.
+void askForPlace(const QWindow& window)
+{
+    constexpr quint32 noBorder = 0; // as it is
+    xcb_configure_window(xConnection(), quint32(window.winId()), XCB_CONFIG_WINDOW_BORDER_WIDTH,
+                         &noBorder);
+}
+
 /// Tokens of desktops on an X server end with it.
 quint32 timeOf(const UserAction& action)
 {
@@ -113,8 +122,10 @@ void activateForUser(QWindow& window, const UserAction& action)
         return layers->activate(window);
     if (!xConnection() && !action.token.isEmpty())
         qputenv("XDG_ACTIVATION_TOKEN", action.token); // the toolkit takes it out again
-    if (xConnection())
+    if (xConnection()) {
         askForEveryDesktop(window);
+        askForPlace(window);
+    }
     window.requestActivate();
     if (!xConnection())
         return;
