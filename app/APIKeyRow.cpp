@@ -192,12 +192,14 @@ void APIKeyRow::showState()
     m_stored.setVisible(present && !m_key.isRevealed());
 }
 
-/// The help and its link, which shows the address without its scheme. A link takes no colour from
-/// the palette of its place.
+/// The help and its link, which shows the address without its scheme, and on one line. A link takes
+/// no colour from the palette of its place.
 QString APIKeyRow::helpText(const QColor& linkColor) const
 {
     const QString address = m_provider.keyPage.toString();
-    const QString shown = m_provider.keyPage.toString(QUrl::RemoveScheme).remove(0, 2);
+    const QString shown = m_provider.keyPage.toString(QUrl::RemoveScheme)
+                              .remove(0, 2)
+                              .replace(u'/', u"/\u2060"_s); // which may not be broken there
     const QString link = u"<a href=\"%1\" style=\"color: %2; text-decoration: none\">%3</a>"_s.arg(
         address.toHtmlEscaped(), linkColor.name(), shown.toHtmlEscaped());
     return m_provider.help.toHtmlEscaped().arg(link);

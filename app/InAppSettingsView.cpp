@@ -48,6 +48,7 @@ InAppSettingsView::InAppSettingsView(AppViewModel& viewModel, KeychainTasks& key
     , m_versionTitle(tr("Version"), rowStyle)
     , m_version(u"1.0"_s, valueStyle)
 {
+    m_scrollArea.setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn); // its room is a margin's
     m_scrollArea.setContent(*sections());
     setLayout(column({}, {
                              row({.horizontal = 24, .vertical = 12}, {m_title, stretch(), m_done}),
@@ -72,9 +73,12 @@ QWidget* InAppSettingsView::sections()
     auto* appearance = new SettingsSection(tr("Appearance"), appearanceRows());
     auto* content = new SettingsSection(tr("Content"), contentRows());
     auto* about = new SettingsSection(tr("About"), aboutRows());
-    list->setLayout(
-        column({.spacing = 28, .horizontal = 24, .vertical = 24},
-               {*anthropic, *gemini, *shortcut, *appearance, *content, *about, stretch()}));
+    // The scroll bar is a part of the margin beside it.
+    const int bar = m_scrollArea.verticalScrollBar()->sizeHint().width();
+    list->setLayout(row(
+        {}, {gap(bar),
+             column({.spacing = 28, .horizontal = 24 - bar, .vertical = 24},
+                    {*anthropic, *gemini, *shortcut, *appearance, *content, *about, stretch()})}));
     return list;
 }
 

@@ -7,6 +7,8 @@
 #include <QMenu>
 #include <QPainter>
 
+#include <algorithm>
+
 namespace varno {
 namespace {
 
@@ -68,6 +70,18 @@ void ThemeMenuButton::keyPressEvent(QKeyEvent* event)
         Q_EMIT themeChosen(static_cast<AppTheme>(next));
 }
 
+/// On the screen: below or else above the button, ending where it ends, within the window.
+QPoint ThemeMenuButton::placeFor(const QSize& menu) const
+{
+    const QRect room = window()->rect();
+    QPoint place = mapTo(window(), QPoint(isRightToLeft() ? 0 : width() - menu.width(), height()));
+    if (place.y() + menu.height() > room.height())
+        place.ry() -= height() + menu.height();
+    place.setX(std::clamp(place.x(), 0, std::max(0, room.width() - menu.width())));
+    place.setY(std::max(0, place.y()));
+    return window()->mapToGlobal(place);
+}
+
 void ThemeMenuButton::openMenu()
 {
     auto* menu = new QMenu(this);
@@ -79,7 +93,7 @@ void ThemeMenuButton::openMenu()
                 [this, chosen = theme] { Q_EMIT themeChosen(chosen); });
     }
     connect(menu, &QMenu::aboutToHide, this, [this] { setDown(false); });
-    menu->popup(mapToGlobal(QPoint(0, height())));
+    menu->popup(placeFor(menu->sizeHint()));
     menu->setActiveAction(menu->actions().at(static_cast<int>(m_theme)));
 }
 

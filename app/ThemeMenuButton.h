@@ -25,6 +25,7 @@ protected:
 
 private:
     void openMenu();
+    [[nodiscard]] QPoint placeFor(const QSize& menu) const;
 
     AppTheme m_theme = AppTheme::cream;
     ThemedText m_name;
