@@ -176,9 +176,8 @@ void RecorderCocoa::refuse(const ShortcutRefusal& refusal, const Shortcut& short
 {
     watch(false); // keys are the alert's now
     m_alert = new RefusalAlert(refusal, m_shortcuts.description(shortcut), *this);
-    connect(m_alert, &RefusalAlert::finished, this, [this, shortcut] {
-        const QAbstractButton* const force = m_alert->forceButton();
-        alertClosed(force && m_alert->clickedButton() == force, shortcut);
+    connect(m_alert, &RefusalAlert::finished, this, [this, shortcut](int result) {
+        alertClosed(result == RefusalAlert::Accepted, shortcut);
     });
 }
 

@@ -235,6 +235,7 @@ private Q_SLOTS:
         QTest::keyClick(&button, Qt::Key_Space);
         QTRY_VERIFY(button.findChild<QMenu*>() && button.findChild<QMenu*>()->isVisible());
         QMenu& menu = *button.findChild<QMenu*>();
+        QVERIFY(f.view.window()->geometry().contains(menu.geometry()));
         for (const QAction* item : menu.actions())
             QCOMPARE(item->icon().isNull(), item->text() != u"Cream (Classic)"_s); // a mark
         QTest::keyClick(&menu, Qt::Key_Up); // round to the last
