@@ -3,9 +3,12 @@
 #include "platform/linux/Module.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
+#include <string>
 #include <utility>
 
 namespace varno {
@@ -13,29 +16,53 @@ namespace {
 
 using namespace Qt::StringLiterals;
 
-/// From where it is installed beside the program, or built beside it.
-void* load(const char* module)
+/// Where it is installed beside the program, or built beside it.
+std::filesystem::path placeOf(const char* module)
 {
     std::error_code error;
     const std::filesystem::path program = std::filesystem::read_symlink("/proc/self/exe", error);
     if (error)
-        return nullptr;
+        return {};
     const std::filesystem::path folder = program.parent_path();
     const std::filesystem::path installed = folder / VARNO_INSTALLED_MODULES / module;
-    const std::filesystem::path built = folder / VARNO_BUILT_MODULES / module;
     const bool isInstalled = std::filesystem::exists(installed, error);
-    return dlopen((isInstalled ? installed : built).c_str(), RTLD_NOW);
+    return isInstalled ? installed : folder / VARNO_BUILT_MODULES / module;
+}
+
+int openModule(const char* name)
+{
+    return ::open(placeOf(name).c_str(), O_PATH | O_CLOEXEC);
 }
 
 } // namespace
 
-void* moduleFunction(const char* module, const char* function)
+ModuleFile::ModuleFile(const char* name)
+    : m_name(name)
+    , m_file(openModule(name))
 {
-    void* const loaded = load(module);
-    void* const found = loaded ? dlsym(loaded, function) : nullptr;
+}
+
+ModuleFile::~ModuleFile()
+{
+    if (m_file >= 0)
+        ::close(m_file);
+}
+
+void* ModuleFile::load()
+{
+    if (m_file < 0)
+        m_file = openModule(m_name);
+    return m_file < 0 ? nullptr
+                      : dlopen(("/proc/self/fd/" + std::to_string(m_file)).c_str(), RTLD_NOW);
+}
+
+void* ModuleFile::function(const char* name)
+{
+    void* const loaded = load();
+    void* const found = loaded ? dlsym(loaded, name) : nullptr;
     if (!found) {
         const char* const reason = dlerror();
-        std::fprintf(stderr, "Varno cannot load %s: %s\n", module, reason ? reason : "not found");
+        std::fprintf(stderr, "Varno cannot load %s: %s\n", m_name, reason ? reason : "not found");
     }
     return found;
 }

@@ -10,8 +10,23 @@
 
 namespace varno {
 
-/// The function of a module; null, and said on the console, if there is none.
-[[nodiscard]] void* moduleFunction(const char* module, const char* function);
+/// The file of a module. It is opened long before it is loaded: a package that is replaced or
+/// removed while the program runs leaves the program its own modules.
+class ModuleFile {
+public:
+    explicit ModuleFile(const char* name);
+    ~ModuleFile();
+    Q_DISABLE_COPY_MOVE(ModuleFile)
+
+    /// Loads it; null, and said on the console, if there is no such function.
+    [[nodiscard]] void* function(const char* name);
+
+private:
+    [[nodiscard]] void* load();
+
+    const char* m_name;
+    int m_file; ///< negative if it could not be opened
+};
 
 /// A backend that a module of its own makes at the first use: its libraries are many, and a start
 /// need not wait for them. What could not be loaded is tried again, since it may have been for want
@@ -21,8 +36,8 @@ class Loaded {
 public:
     /// The names of the module's file and of its function.
     Loaded(const char* module, const char* function)
-        : m_module(module)
-        , m_function(function)
+        : m_function(function)
+        , m_module(module)
     {
     }
 
@@ -30,15 +45,15 @@ public:
     [[nodiscard]] Backend* get() const
     {
         const std::scoped_lock lock(m_mutex);
-        if (void* const make = m_backend ? nullptr : moduleFunction(m_module, m_function))
+        if (void* const make = m_backend ? nullptr : m_module.function(m_function))
             m_backend.reset(reinterpret_cast<Backend* (*)()>(make)());
         return m_backend.get();
     }
 
 private:
-    const char* m_module;
     const char* m_function;
     mutable std::mutex m_mutex;
+    mutable ModuleFile m_module;
     mutable std::unique_ptr<Backend> m_backend;
 };
 
