@@ -11,7 +11,8 @@ class ProgramSettingsTest : public ProgramFixture {
 
 private:
     /// Starts it with a key in the key ring and searches; its request carries the key, and fails.
-    void searchInVain(const QString& account, const QString& key)
+    void searchInVain(
+        const QString& account, const QString& key, const std::function<void()>& started = [] {})
     {
         KeychainService::shared().save(key, account);
         QTcpServer proxy;
@@ -25,6 +26,7 @@ private:
         });
         m_program->set("https_proxy", u"http://127.0.0.1:%1"_s.arg(proxy.serverPort()));
         QVERIFY(m_program->start());
+        started();
         openSettings(); // where the key may be shown
         QVERIFY(!m_program->restingPicture().isEmpty());
         m_desktop->type(pcKey::escape);
@@ -63,10 +65,11 @@ private Q_SLOTS:
         }
     }
 
-    /// Its modules are where it looks for them, and what was built is not in its reach.
+    /// Its modules are where it looks for them, and what was built is not in its reach. It goes on
+    /// when what was installed is removed.
     void worksWhereItIsInstalled()
     {
-        const QTemporaryDir prefix;
+        QTemporaryDir prefix;
         QProcess install;
         install.start(
             QString::fromUtf8(VARNO_CMAKE),
@@ -74,7 +77,8 @@ private Q_SLOTS:
         QVERIFY(install.waitForFinished());
         QCOMPARE(install.exitCode(), 0);
         m_program->path = prefix.filePath(u"bin/varno"_s);
-        searchInVain(KeychainService::shared().anthropicAccount, u"a key"_s);
+        searchInVain(KeychainService::shared().anthropicAccount, u"a key"_s,
+                     [&prefix] { QVERIFY(prefix.remove()); });
     }
 };
 
