@@ -2,6 +2,8 @@
 #     make demo [QUERY="the history of the roman empire" [MODEL=claude-opus-4-8]]
 #     make demo SHOTS=folder      pictures of the panel instead, in every state and theme
 #     make run                    the application itself, with your own keys
+#     make install [PREFIX=~/.local] [DESTDIR=folder]      make uninstall (likewise)
+#     make package                the package of this Debian, in build/package
 #     make test      make lint [ALL=1]      make bench      make fuzz [SECONDS=60]
 #     make bench-desktop      make instructions
 
@@ -9,8 +11,10 @@ QUERY ?=
 MODEL ?=
 SHOTS ?=
 SECONDS ?= 60
+PREFIX ?= /usr/local
+DESTDIR ?=
 
-.PHONY: demo run test lint bench bench-desktop instructions fuzz clean
+.PHONY: demo run install uninstall package test lint bench bench-desktop instructions fuzz clean
 
 quoted = '$(subst ','\'',$(1))'
 ifneq ($(SHOTS),)
@@ -26,22 +30,49 @@ demo_arguments = $(call quoted,$(QUERY)) $(if $(MODEL),$(call quoted,$(MODEL)))
 demo_window = $(if $(DISPLAY)$(WAYLAND_DISPLAY),application)
 endif
 
-# $(call build,PROGRAM): optimised, without tests and benches; quiet unless it fails
+# $(call quiet,FOLDER,COMMAND): unless it fails
+quiet = @$(2) >$(1).log 2>&1 || { cat $(1).log; exit 1; }
+
+# $(call build,FOLDER,TARGET,OPTIONS): optimised, without tests and benches
 define build
 @mkdir -p build
-@cmake --preset release -DVARNO_BENCH=OFF -DBUILD_TESTING=OFF -B build/demo >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
-@cmake --build build/demo --target $(1) >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
+$(call quiet,$(1),cmake --preset release -DVARNO_BENCH=OFF -DBUILD_TESTING=OFF $(3) -B $(1))
+$(call quiet,$(1),cmake --build $(1) --target $(2))
 endef
+program = $(call build,build/program,$(1),-DVARNO_DEMO=OFF $(2))
+
+prefix = $(call quoted,$(abspath $(patsubst ~/%,$(HOME)/%,$(PREFIX))))
+root = $(if $(DESTDIR),$(call quoted,$(abspath $(DESTDIR))))
 
 demo:
 	@scripts/setup $(demo_needs)
-	$(call build,$(demo_program))
+	$(call build,build/demo,$(demo_program))
 	@$(demo_start) build/demo/demo/$(demo_program) $(demo_arguments)
 
 run:
-	@scripts/setup build window
-	$(call build,varno)
-	@build/demo/app/varno
+	@scripts/setup program window
+	$(call program,varno)
+	@build/program/app/varno
+
+install:
+	@scripts/setup program
+	$(call program,all,-DCMAKE_INSTALL_PREFIX=$(prefix))
+	$(call quiet,build/program,DESTDIR=$(root) cmake --install build/program --strip)
+	@touch $(root)$(prefix)/share/icons/hicolor # what is cached of the icons is out of date
+
+# What an installation would put there goes.
+uninstall:
+	@scripts/setup program
+	$(call program,all,-DCMAKE_INSTALL_PREFIX=$(prefix))
+	@rm -rf build/uninstall
+	$(call quiet,build/program,DESTDIR="$(CURDIR)/build/uninstall" cmake --install build/program)
+	@cd build/uninstall && find . -type f -printf '%P\0' | (cd $(root)/ && xargs -0 rm -f)
+	@cd build/uninstall && find . -depth -type d -path '*/varno*' -printf '%P\0' | \
+		(cd $(root)/ && xargs -0 rmdir --ignore-fail-on-non-empty 2>/dev/null || true)
+
+package:
+	@scripts/setup package
+	@scripts/package
 
 test:
 	@scripts/setup build test
