@@ -2,6 +2,7 @@
 
 #include "kit/Accessibility.h"
 #include "kit/Layout.h"
+#include "platform/KeyLabel.h"
 
 #include <QKeyEvent>
 
@@ -11,6 +12,12 @@
 namespace varno {
 
 using namespace Qt::StringLiterals;
+
+namespace {
+
+const auto between = u"    "_s; // the hints of the bottom bar
+
+} // namespace
 
 SearchView::SearchView(AppViewModel& viewModel, KeychainTasks& keys,
                        std::function<QString()> shortcutLabel, QWidget* parent,
@@ -164,7 +171,15 @@ QString SearchView::bottomBarText() const
     const QString label = m_shortcutLabel();
     if (!label.isEmpty())
         hints.append(label + tr("  Open from anywhere"));
-    return hints.join(u"    "_s);
+    return hints.join(between);
+}
+
+void SearchView::showHints()
+{
+    m_bottomBar.setText(bottomBarText());
+    QStringList hints = bottomBarText().split(between);
+    hints.first() = spelledOut(hints.constFirst(), u"Ctrl"); // which does the same in the panel
+    m_bottomBar.setToolTip(spelledOut(hints.join(u'\n')));
 }
 
 void SearchView::askForKeys()
@@ -192,7 +207,7 @@ void SearchView::prepare(const QString& query)
 void SearchView::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
-    m_bottomBar.setText(bottomBarText());
+    showHints();
     askForKeys();
     m_box.setFocus();
 }

@@ -39,6 +39,7 @@ private:
     [[nodiscard]] SearchList* shownList();
     bool walk(const QKeyEvent& key);
     [[nodiscard]] QString bottomBarText() const;
+    void showHints();
     void askForKeys();
     void prepare(const QString& query);
 

@@ -2,6 +2,7 @@
 
 #include "kit/RoundedShape.h"
 #include "kit/TextCuts.h"
+#include "platform/KeyLabel.h"
 
 #include <QCursor>
 #include <QFocusEvent>
@@ -89,7 +90,7 @@ void PlainButton::setText(const QString& text)
 {
     PressableButton::setText(shortened(text, toolTipLimit));
     setShortcut({}); // that of a letter behind an "&"
-    setAccessibleName(text.isEmpty() ? toolTip() : PressableButton::text());
+    setAccessibleName(text.isEmpty() ? spelledToolTip() : PressableButton::text());
 }
 
 void PlainButton::setButtonStyle(const ButtonStyle& style)
@@ -144,10 +145,23 @@ double PlainButton::textWidth() const
     return width() - 2 * m_style.horizontal - leadingWidth();
 }
 
+/// In the panel Control does what Command does.
+QString PlainButton::spelledToolTip() const
+{
+    return spelledOut(toolTip(), u"Ctrl");
+}
+
 bool PlainButton::event(QEvent* event)
 {
-    if (event->type() == QEvent::ToolTipChange && text().isEmpty())
-        setAccessibleName(toolTip());
+    if (event->type() == QEvent::ToolTipChange) {
+        const QString spelled = spelledToolTip();
+        text().isEmpty() ? setAccessibleName(spelled) : setAccessibleDescription(spelled);
+    }
+    if (event->type() == QEvent::ToolTip && spelledToolTip() != toolTip()) {
+        const QString keys = spelledToolTip().section(u'(', -1).remove(u')');
+        QToolTip::showText(QCursor::pos(), toolTip() + u'\n' + keys, this);
+        return true;
+    }
     if (event->type() != QEvent::ToolTip || !toolTip().isEmpty() ||
         !laidOut().measure(textWidth()).isElided)
         return PressableButton::event(event);

@@ -61,6 +61,7 @@ protected:
 private:
     [[nodiscard]] LaidOutText& laidOut() const;
     [[nodiscard]] double textWidth() const;
+    [[nodiscard]] QString spelledToolTip() const;
     [[nodiscard]] QSize sizeFor(double textWidth) const;
     [[nodiscard]] double leadingWidth() const;
     [[nodiscard]] bool hasRoom() const;

@@ -194,6 +194,19 @@ QString pcName(int carbonKeyCode, int carbonModifiers, const Keyboard& keyboard)
                                                            : label.pcName.toString());
 }
 
+QString spelledOut(QString text, QStringView command)
+{
+    for (const LabelledModifier& modifier : modifierLabels) {
+        const bool isCommand = modifier.carbon == carbonModifier::command;
+        text.replace(modifier.symbol.toString(),
+                     (isCommand ? command : modifier.pcName).toString() + u'+');
+    }
+    for (const LabelledKey& key : writingKeys)
+        if (key.text.size() == 1)
+            text.replace(key.text.front(), key.pcName.toString());
+    return text;
+}
+
 int carbonKeyCodeTyping(QChar character, const Keyboard& keyboard)
 {
     int ansi = -1;

@@ -35,6 +35,10 @@ struct KeyLabel {
 /// A combination by the names of a PC's keys, like "Alt+Super+F".
 [[nodiscard]] QString pcName(int carbonKeyCode, int carbonModifiers, const Keyboard& keyboard);
 
+/// A text with the symbols of keys in it in words: "⌥⌘F" is "Alt+Super+F". `command` is what
+/// Command is called.
+[[nodiscard]] QString spelledOut(QString text, QStringView command = u"Super");
+
 /// The key that types the character, or does on an ANSI keyboard where none does.
 [[nodiscard]] int carbonKeyCodeTyping(QChar character, const Keyboard& keyboard);
 

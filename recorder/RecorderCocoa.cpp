@@ -2,6 +2,7 @@
 
 #include "kit/FieldFrame.h"
 #include "kit/TextBlock.h"
+#include "platform/KeyLabel.h"
 #include "recorder/RefusalAlert.h"
 
 #include <QCoreApplication>
@@ -175,7 +176,7 @@ void RecorderCocoa::consider(const Shortcut& shortcut)
 void RecorderCocoa::refuse(const ShortcutRefusal& refusal, const Shortcut& shortcut)
 {
     watch(false); // keys are the alert's now
-    m_alert = new RefusalAlert(refusal, m_shortcuts.description(shortcut), *this);
+    m_alert = new RefusalAlert(refusal, spelledOut(m_shortcuts.description(shortcut)), *this);
     connect(m_alert, &RefusalAlert::finished, this, [this, shortcut](int result) {
         alertClosed(result == RefusalAlert::Accepted, shortcut);
     });
@@ -207,7 +208,8 @@ void RecorderCocoa::showValue()
 {
     m_description = m_shortcuts.shownShortcut(m_shortcutName);
     m_clear.setVisible(!m_description.isEmpty() && !m_recording);
-    setAccessibleDescription(text().isEmpty() ? placeholder() : text());
+    setAccessibleDescription(text().isEmpty() ? placeholder() : spelledOut(text()));
+    setToolTip(spelledOut(m_description));
     update();
 }
 

@@ -66,8 +66,8 @@ private Q_SLOTS:
         const QStringList lines = desktop.lines(desktop.programs().constFirst());
         qsizetype at = 0;
         for (const char* const line : {"frame: Varno",
-                                       "push button: Search [New search (⌘K)]",
-                                       "push button: Find in entry (⌘F)",
+                                       "push button: Search [New search (Ctrl+K)]",
+                                       "push button: Find in entry (Ctrl+F)",
                                        "push button: Reload entry",
                                        "push button: Settings",
                                        "heading: Contents [Level 2]",

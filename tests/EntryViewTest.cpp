@@ -166,7 +166,7 @@ private Q_SLOTS:
     {
         Screen screen;
         openRepublic(screen);
-        QStringList expected = {u"Search"_s,       articleTitle,  u"Find in entry (⌘F)"_s,
+        QStringList expected = {u"Search"_s,       articleTitle,  u"Find in entry (Ctrl+F)"_s,
                                 u"Reload entry"_s, u"Settings"_s, u"Kings"_s,
                                 u"Entry"_s,        u"Carthage"_s, u"Latin"_s};
         const auto pass = [&](Qt::Key key) {
@@ -214,7 +214,7 @@ private Q_SLOTS:
         QCOMPARE(screen.trail(), QStringList{articleTitle});
         screen.press(u"Settings"_s);
         QVERIFY(screen.model->isShowingSettings());
-        screen.press(u"Find in entry (⌘F)"_s);
+        screen.press(u"Find in entry (Ctrl+F)"_s);
         QVERIFY(screen.model->isShowingFind());
         screen.press(u"Reload entry"_s);
         QVERIFY(screen.model->isStreaming());

@@ -44,17 +44,17 @@ private Q_SLOTS:
         screen.write(u"rome"_s, u"Banana\n\nApple"_s);
         screen.find(u"a"_s);
         QVERIFY(screen.showsText(u"1 of 4"_s));
-        screen.press(u"Previous match (⇧↩)"_s);
+        screen.press(u"Previous match (Shift+Return)"_s);
         QVERIFY(screen.showsText(u"4 of 4"_s));
         screen.key(Qt::Key_Return);
         QVERIFY(screen.showsText(u"1 of 4"_s));
-        screen.press(u"Next match (↩)"_s);
+        screen.press(u"Next match (Return)"_s);
         QVERIFY(screen.showsText(u"2 of 4"_s));
         QTest::keyClicks(QApplication::focusWidget(), u"p"_s);
         QVERIFY(screen.showsText(u"1 of 1"_s));
         QTest::keyClicks(QApplication::focusWidget(), u"x"_s);
         QVERIFY(screen.showsText(u"No results"_s));
-        screen.press(u"Previous match (⇧↩)"_s);
+        screen.press(u"Previous match (Shift+Return)"_s);
         screen.part<QLineEdit>().clear();
         QVERIFY(!screen.showsText(u"No results"_s));
 
@@ -80,7 +80,7 @@ private Q_SLOTS:
         QTRY_VERIFY(screen.showsText(u"1 of 3"_s));
         screen.send(u"\n\nApple"_s);
         QTRY_VERIFY(screen.showsText(u"1 of 4"_s));
-        screen.press(u"Previous match (⇧↩)"_s);
+        screen.press(u"Previous match (Shift+Return)"_s);
         screen.answer(u"\nSEE_ALSO_JSON: [\"aaa\"]"_s);
         QVERIFY(screen.showsText(u"4 of 4"_s));
         screen.openSection(u"Kings"_s, u"Tarquinius"_s);

@@ -81,8 +81,8 @@ private Q_SLOTS:
         f.openSection(u"Republic"_s, u"[A link](https://a.b/)"_s + topics);
         f.model->setShowingFind(true);
         const QStringList once = {u"Find in entry"_s,
-                                  u"Previous match (⇧↩)"_s,
-                                  u"Next match (↩)"_s,
+                                  u"Previous match (Shift+Return)"_s,
+                                  u"Next match (Return)"_s,
                                   u"Close"_s,
                                   u"Kings"_s,
                                   u"Entry"_s,
@@ -91,7 +91,7 @@ private Q_SLOTS:
                                   u"Latin"_s,
                                   u"Search"_s,
                                   articleTitle,
-                                  u"Find in entry (⌘F)"_s,
+                                  u"Find in entry (Ctrl+F)"_s,
                                   u"Reload entry"_s,
                                   u"Settings"_s};
         QStringList names;

@@ -242,7 +242,9 @@ private Q_SLOTS:
         QVERIFY(shownText(f.view, u"⌘K  New search"_s));
         f.label = u"⌥⌘F"_s;
         f.show();
-        QVERIFY(shownText(f.view, u"⌘K  New search    ⌥⌘F  Open from anywhere"_s));
+        const auto* bar = shownText(f.view, u"⌘K  New search    ⌥⌘F  Open from anywhere"_s);
+        QVERIFY(bar);
+        QCOMPARE(bar->toolTip(), u"Ctrl+K  New search\nAlt+Super+F  Open from anywhere"_s);
         shownButton(f.view, u"Settings"_s)->click();
         QVERIFY(f.model->isShowingSettings());
         f.model->setFontSize(FontSize::large);

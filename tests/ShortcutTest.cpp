@@ -1,8 +1,8 @@
+#include "platform/KeyLabel.h"
 #include "platform/fake/FakeHotKeyEvents.h"
 #include "platform/fake/FakeKeyboard.h"
 #include "platform/fake/FakePreferencesStore.h"
 #include "platform/linux/XcbKeyCodes.h"
-#include "platform/KeyLabel.h"
 #include "shortcuts/KeyboardShortcuts.h"
 #include "tests/Test.h"
 
@@ -40,14 +40,19 @@ private Q_SLOTS:
         const Modifiers all = Modifier::function | Modifier::command | Modifier::shift |
                               Modifier::option | Modifier::control;
         const QString globe = QString::fromUcs4(U"\U0001F310\uFE0E");
-        for (const auto& [shortcut, text] : Rows<Shortcut, QString>{
-                 {optionCommandF, u"⌥⌘F"_s},
-                 {Shortcut(Key::returnKey, all), u"⌃⌥⇧⌘"_s + globe + u"↩"_s},
-                 {Shortcut(static_cast<int>(Key::j), 0x1200), u"⌃⇧J"_s},
-                 {Shortcut(Key::y, Modifier::command), u"⌘Z"_s}, // as the layout types
-                 {Shortcut(Key::minus, {}), u"ß"_s},             // no second letter
-                 {Shortcut(Key::space, {}), u"Space"_s}})
+        for (const auto& [shortcut, text, pcText] : Rows<Shortcut, QString, QString>{
+                 {optionCommandF, u"⌥⌘F"_s, u"Alt+Super+F"_s},
+                 {Shortcut(Key::returnKey, all), u"⌃⌥⇧⌘"_s + globe + u"↩"_s,
+                  u"Ctrl+Alt+Shift+Super+Fn+Return"_s},
+                 {Shortcut(static_cast<int>(Key::j), 0x1200), u"⌃⇧J"_s, u"Ctrl+Shift+J"_s},
+                 {Shortcut(Key::y, Modifier::command), u"⌘Z"_s, u"Super+Z"_s}, // as it types
+                 {Shortcut(Key::minus, {}), u"ß"_s, u"ß"_s},                   // no second letter
+                 {Shortcut(Key::space, {}), u"Space"_s, u"Space"_s}}) {
             QCOMPARE(shortcut.description(m_keyboard), text);
+            QCOMPARE(spelledOut(text), pcText);
+            QCOMPARE(pcName(shortcut.carbonKeyCode(), shortcut.carbonModifiers(), m_keyboard),
+                     pcText);
+        }
     }
 
     void everyKeyHasItsOwnLabelAndPlace()
