@@ -1,5 +1,6 @@
 #include "platform/linux/DesktopService.h"
 
+#include <QCoreApplication>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -32,6 +33,9 @@ void DesktopService::open()
     if (m_state != State::closed)
         return;
     m_state = State::connecting;
+    // Not beside the end of the process, which takes down what the first use of a bus sets up.
+    connect(QCoreApplication::instance(), &QObject::destroyed, this,
+            [this] { m_background.stop(); });
     // The first use of a bus waits for it, and may even start one.
     const bool started = m_background.start(
         [this, address = m_inbox.address(), connector = m_connector](const std::stop_token&) {
