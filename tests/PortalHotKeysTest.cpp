@@ -317,6 +317,7 @@ private Q_SLOTS:
                  {0x12, u"&"_s, optionCommand, u"ALT+LOGO+ampersand"_s, u"Alt+Super+&"_s},
                  {keyF, u"а"_s, optionCommand, u"ALT+LOGO+f"_s, u"Alt+Super+F"_s}, // Russian
                  {0x7B, u""_s, control, u"CTRL+Left"_s, u"Ctrl+Left"_s},
+                 {0x74, u""_s, control, u"CTRL+Prior"_s, u"Ctrl+PgUp"_s},
                  {0x57, u"5"_s, control, u"CTRL+KP_5"_s, u"Ctrl+Num+5"_s}}) {
             const InRow row(trigger);
             keyboard.setCharacters({{key, typed}});
