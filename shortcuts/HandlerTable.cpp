@@ -5,51 +5,28 @@
 
 namespace varno {
 
-HandlerTable::~HandlerTable()
+HandlerTable::Handle HandlerTable::add(const QString& name, Action action)
 {
-    m_entries->actions.clear(); // what is running sees it
+    return m_actions[name].emplaceBack(std::make_shared<const Action>(std::move(action)));
 }
 
-HandlerTable::Id HandlerTable::add(const QString& name, Action action)
+void HandlerTable::remove(const QString& name, const Handle& handle)
 {
-    const Id id = ++m_entries->lastId;
-    m_entries->actions[name].emplace(id, std::move(action));
-    return id;
+    QList<std::shared_ptr<const Action>>& actions = m_actions[name];
+    actions.removeAll(handle.lock());
+    if (actions.isEmpty())
+        m_actions.remove(name);
 }
 
-void HandlerTable::remove(const QString& name, Id id)
+void HandlerTable::run(const QString& name) const
 {
-    const auto found = m_entries->actions.find(name);
-    if (found == m_entries->actions.end())
-        return;
-    found->erase(id);
-    if (found->empty())
-        m_entries->actions.erase(found);
-}
-
-void HandlerTable::removeAll(const QString& name)
-{
-    m_entries->actions.remove(name);
-}
-
-bool HandlerTable::contains(const QString& name) const
-{
-    return m_entries->actions.contains(name);
-}
-
-void HandlerTable::run(const QString& name)
-{
-    const std::shared_ptr<Entries> entries = m_entries;
-    std::vector<Id> ids;
-    for (const auto& [id, action] : entries->actions.value(name))
-        ids.push_back(id);
-    for (const Id id : ids) {
-        const auto ofName = entries->actions.constFind(name);
-        if (ofName == entries->actions.constEnd())
-            return;
-        if (const auto found = ofName->find(id); found != ofName->end())
-            Action(found->second)(); // a copy: it may remove itself
-    }
+    // Their handles: what one of them removes, or destroys with the table, is gone for the rest.
+    std::vector<Handle> handles;
+    for (const auto& action : m_actions.value(name))
+        handles.emplace_back(action);
+    for (const Handle& handle : handles)
+        if (const auto action = handle.lock())
+            (*action)();
 }
 
 } // namespace varno

@@ -1,10 +1,10 @@
 #pragma once
 
 #include <QHash>
+#include <QList>
 #include <QString>
 
 #include <functional>
-#include <map>
 #include <memory>
 
 namespace varno {
@@ -14,25 +14,16 @@ namespace varno {
 class HandlerTable {
 public:
     using Action = std::function<void()>;
-    using Id = quint64;
+    using Handle = std::weak_ptr<const Action>;
 
-    HandlerTable() = default;
-    ~HandlerTable();
-    Q_DISABLE_COPY_MOVE(HandlerTable)
-
-    Id add(const QString& name, Action action);
-    void remove(const QString& name, Id id);
-    void removeAll(const QString& name);
-    [[nodiscard]] bool contains(const QString& name) const;
-    void run(const QString& name);
+    Handle add(const QString& name, Action action);
+    void remove(const QString& name, const Handle& handle);
+    void removeAll(const QString& name) { m_actions.remove(name); }
+    [[nodiscard]] bool contains(const QString& name) const { return m_actions.contains(name); }
+    void run(const QString& name) const;
 
 private:
-    struct Entries {
-        QHash<QString, std::map<Id, Action>> actions;
-        Id lastId = 0;
-    };
-
-    std::shared_ptr<Entries> m_entries = std::make_shared<Entries>();
+    QHash<QString, QList<std::shared_ptr<const Action>>> m_actions;
 };
 
 } // namespace varno

@@ -2,6 +2,7 @@
 
 #include "platform/Platform.h"
 #include "shortcuts/ShortcutEvents.h"
+#include "shortcuts/StoredShortcut.h"
 
 #include <QPointer>
 
@@ -24,7 +25,7 @@ KeyboardShortcuts::KeyboardShortcuts(PreferencesStore& preferences, HotKeyEvents
                                      Keyboard& keyboard)
     : m_events(events)
     , m_keyboard(keyboard)
-    , m_store(preferences)
+    , m_preferences(preferences)
     , m_center(events)
 {
     connect(this, &KeyboardShortcuts::recorderActiveStatusDidChange, this, [this](bool active) {
@@ -48,13 +49,19 @@ void KeyboardShortcuts::introduce(const Name& name)
 {
     m_names.removeAll(name);
     m_names.append(name);
-    if (name.defaultShortcut() && !m_store.contains(name.rawValue()))
+    if (name.defaultShortcut() && !m_preferences.contains(preferenceKey(name.rawValue())))
         setShortcut(name.defaultShortcut(), name);
 }
 
 std::optional<Shortcut> KeyboardShortcuts::getShortcut(const Name& name) const
 {
-    return m_store.read(name.rawValue());
+    return stored(name.rawValue());
+}
+
+std::optional<Shortcut> KeyboardShortcuts::stored(const QString& name) const
+{
+    const std::optional<QString> text = m_preferences.string(preferenceKey(name));
+    return text ? decoded(*text) : std::nullopt;
 }
 
 void KeyboardShortcuts::setShortcut(const std::optional<Shortcut>& shortcut, const Name& name)
@@ -78,12 +85,13 @@ void KeyboardShortcuts::store(const std::optional<Shortcut>& shortcut, const Nam
                               bool cleared)
 {
     const std::optional<Shortcut> old = getShortcut(name);
+    const QString key = preferenceKey(name.rawValue());
     if (shortcut)
-        m_store.write(name.rawValue(), *shortcut);
+        m_preferences.setString(key, encoded(*shortcut));
     else if (cleared)
-        m_store.writeCleared(name.rawValue());
+        m_preferences.setBoolean(key, false);
     else
-        m_store.remove(name.rawValue());
+        m_preferences.remove(key);
     if (hasHandler(name.rawValue()))
         m_live.insert(name.rawValue());
     for (const auto& changed : {old, shortcut})
@@ -177,7 +185,7 @@ bool KeyboardShortcuts::hasHandler(const QString& name) const
 bool KeyboardShortcuts::isWanted(const Shortcut& shortcut) const
 {
     return std::any_of(m_live.begin(), m_live.end(),
-                       [&](const QString& name) { return m_store.read(name) == shortcut; });
+                       [&](const QString& name) { return stored(name) == shortcut; });
 }
 
 void KeyboardShortcuts::setLive(const QString& name, bool live)
@@ -186,7 +194,7 @@ void KeyboardShortcuts::setLive(const QString& name, bool live)
         m_live.insert(name);
     else
         m_live.remove(name);
-    update(m_store.read(name));
+    update(stored(name));
 }
 
 void KeyboardShortcuts::handlersRemoved(const QString& name)
@@ -234,7 +242,7 @@ void KeyboardShortcuts::run(const Shortcut& shortcut, HandlerTable& legacy, Hand
 {
     const QPointer<KeyboardShortcuts> alive(this);
     for (const QString& name : QSet<QString>(m_live)) {
-        if (m_store.read(name) != shortcut)
+        if (stored(name) != shortcut)
             continue;
         legacy.run(name);
         if (!alive)

@@ -1,8 +1,9 @@
 #pragma once
 
+#include "platform/PreferencesStore.h"
 #include "shortcuts/HandlerTable.h"
 #include "shortcuts/HotKeyCenter.h"
-#include "shortcuts/ShortcutStore.h"
+#include "shortcuts/Shortcut.h"
 
 #include <QList>
 #include <QObject>
@@ -105,6 +106,7 @@ private:
     friend class ShortcutEvents;
 
     void introduce(const Name& name);
+    [[nodiscard]] std::optional<Shortcut> stored(const QString& name) const;
     [[nodiscard]] bool hasHandler(const QString& name) const;
     [[nodiscard]] bool isWanted(const Shortcut& shortcut) const;
     void setLive(const QString& name, bool live);
@@ -120,7 +122,7 @@ private:
 
     HotKeyEvents& m_events;
     Keyboard& m_keyboard;
-    ShortcutStore m_store;
+    PreferencesStore& m_preferences;
     QList<Name> m_names;
     HandlerTable m_legacyKeyDownHandlers;
     HandlerTable m_legacyKeyUpHandlers;

@@ -22,8 +22,8 @@ Q_SIGNALS:
 private:
     QPointer<KeyboardShortcuts> m_shortcuts;
     QString m_name;
-    HandlerTable::Id m_keyDown;
-    HandlerTable::Id m_keyUp;
+    HandlerTable::Handle m_keyDown;
+    HandlerTable::Handle m_keyUp;
 };
 
 } // namespace varno
