@@ -41,6 +41,11 @@ void LayerSurface::drop()
 {
     m_moving.reset();
     m_layer.reset();
+    if (m_parent) {
+        m_parent->setLayer(ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY);
+        m_parent->activate();
+        m_parent.clear();
+    }
     m_isAnswered = false;
     m_isPlaced = false;
 }
@@ -53,6 +58,9 @@ void LayerSurface::adopt(xdg_popup& popup)
 
 bool LayerSurface::take(wl_surface& surface, wl_event_queue& queue)
 {
+    m_parent = qobject_cast<LayerSurface*>(of(window().transientParent()));
+    if (m_parent)
+        m_parent->setLayer(ZWLR_LAYER_SHELL_V1_LAYER_TOP);
     const Within shell(*shells().layers, queue);
     m_layer.reset(zwlr_layer_shell_v1_get_layer_surface(
         shell.get(), &surface, nullptr, ZWLR_LAYER_SHELL_V1_LAYER_OVERLAY, "varno"));
@@ -89,8 +97,7 @@ void LayerSurface::choosePlace()
     const QSize size = window().size().boundedTo(m_room).expandedTo(window().minimumSize());
     window().resize(size);
     QRect place({}, size);
-    const auto* const parent = qobject_cast<LayerSurface*>(of(window().transientParent()));
-    const QRect around = parent ? parent->m_place : room();
+    const QRect around = m_parent ? m_parent->m_place : room();
     place.moveTopLeft(m_chosenCorner.value_or(
         around.topLeft() +
         QPoint(around.width() - size.width(), around.height() - size.height()) / 2));
@@ -156,6 +163,14 @@ void LayerSurface::activate()
     if (!m_layer || QGuiApplication::focusWindow() == &window())
         return;
     setKeyboard(ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE);
+}
+
+void LayerSurface::setLayer(zwlr_layer_shell_v1_layer layer)
+{
+    if (!m_layer)
+        return;
+    zwlr_layer_surface_v1_set_layer(m_layer.get(), layer);
+    wl_surface_commit(surface());
 }
 
 void LayerSurface::setKeyboard(zwlr_layer_surface_v1_keyboard_interactivity interactivity)

@@ -2,6 +2,7 @@
 
 #include "platform/linux/SurfaceRole.h"
 
+#include <QPointer>
 #include <QRect>
 
 #include <optional>
@@ -10,6 +11,9 @@ namespace varno {
 
 /// A window above all others, on the output that is in use, on every workspace. It is centred, in
 /// its parent if it has one, until it gets another place; that it keeps.
+///
+/// Compositors differ in which of two surfaces of one layer is above. So a parent goes to the layer
+/// below while its child is shown.
 class LayerSurface final : public SurfaceRole {
     Q_OBJECT
 
@@ -44,12 +48,14 @@ private:
     void sendPlace();
     void configure(quint32 serial, const QSize& size);
     void arrive();
+    void setLayer(zwlr_layer_shell_v1_layer layer);
     void setKeyboard(zwlr_layer_surface_v1_keyboard_interactivity interactivity);
 
     WaylandOwned<zwlr_layer_surface_v1> m_layer;
     WaylandOwned<wl_callback> m_moving;
-    bool m_isAnswered = false; ///< with the room
-    bool m_isPlaced = false;   ///< has the size that was asked for
+    QPointer<LayerSurface> m_parent; ///< while it is shown
+    bool m_isAnswered = false;       ///< with the room
+    bool m_isPlaced = false;         ///< has the size that was asked for
     QSize m_room;
     QRect m_place;
     std::optional<QPoint> m_chosenCorner; ///< the user's
