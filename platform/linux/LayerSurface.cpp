@@ -1,6 +1,7 @@
 #include "platform/linux/LayerSurface.h"
 
 #include <QGuiApplication>
+#include <QScreen>
 #include <QWindow>
 
 #include <algorithm>
@@ -30,6 +31,8 @@ LayerSurface::LayerSurface(QWindow& window, const WaylandShells& shells)
         if (m_layer && focused == &this->window())
             setKeyboard(ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND);
     });
+    connect(&window, &QWindow::screenChanged, this, &LayerSurface::watchScreen);
+    watchScreen();
 }
 
 LayerSurface::~LayerSurface()
@@ -70,7 +73,7 @@ bool LayerSurface::take(wl_surface& surface, wl_event_queue& queue)
     setKeyboard(ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE);
     const bool answered = wait(queue, m_isAnswered);
     leaveQueue(m_layer.get());
-    if (!answered)
+    if (!answered || m_room.isEmpty())
         return false;
     zwlr_layer_surface_v1_set_anchor(m_layer.get(), firstCorner);
     choosePlace();
@@ -90,6 +93,43 @@ void LayerSurface::listen()
                      zwlr_layer_surface_v1*) { static_cast<LayerSurface*>(role)->closeWindow(); },
     };
     zwlr_layer_surface_v1_add_listener(m_layer.get(), &listener, this);
+}
+
+/// Its output is gone. There may be another, or none, which is the answer to taking the role.
+void LayerSurface::lose()
+{
+    if (m_isAnswered)
+        return showAgain();
+    m_isAnswered = true;
+    m_room = {};
+}
+
+void LayerSurface::watchScreen()
+{
+    disconnect(m_screenResized);
+    QScreen* const screen = window().screen();
+    if (!screen)
+        return;
+    m_screenResized = connect(screen, &QScreen::geometryChanged, this,
+                              [this, before = screen->size()](const QRect& geometry) {
+                                  if (geometry.size() != before)
+                                      showAgain();
+                              });
+}
+
+/// Where there is room for it now; later, from the event loop.
+void LayerSurface::showAgain()
+{
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (!m_layer)
+                return;
+            watchScreen();
+            window().hide();
+            window().show();
+        },
+        Qt::QueuedConnection);
 }
 
 void LayerSurface::choosePlace()

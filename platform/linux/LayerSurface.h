@@ -44,6 +44,9 @@ protected:
 
 private:
     void listen();
+    void lose();
+    void watchScreen();
+    void showAgain();
     void choosePlace();
     void sendPlace();
     void configure(quint32 serial, const QSize& size);
@@ -56,6 +59,7 @@ private:
     QPointer<LayerSurface> m_parent; ///< while it is shown
     bool m_isAnswered = false;       ///< with the room
     bool m_isPlaced = false;         ///< has the size that was asked for
+    QMetaObject::Connection m_screenResized;
     QSize m_room;
     QRect m_place;
     std::optional<QPoint> m_chosenCorner; ///< the user's
