@@ -2,6 +2,7 @@
 
 #include <QList>
 #include <QString>
+#include <QWidget>
 
 #include <algorithm>
 
@@ -30,6 +31,15 @@ Qt::LayoutDirection scriptDirection(QStringView text)
     if (leftToRight == 0 && rightToLeft == 0)
         return Qt::LayoutDirectionAuto;
     return rightToLeft > leftToRight ? Qt::RightToLeft : Qt::LeftToRight;
+}
+
+void setWrittenDirection(QWidget& widget, QStringView text)
+{
+    const Qt::LayoutDirection direction = scriptDirection(text);
+    if (direction == Qt::LayoutDirectionAuto)
+        widget.unsetLayoutDirection();
+    else
+        widget.setLayoutDirection(direction);
 }
 
 bool hasRightToLeftLetters(QStringView text)

@@ -32,7 +32,6 @@ QLatin1StringView fileName(Symbol symbol)
         "checkmark"_L1,
         "checkmarkCircleFill"_L1,
         "chevronDown"_L1,
-        "chevronLeft"_L1,
         "chevronRight"_L1,
         "chevronUp"_L1,
         "chevronUpChevronDown"_L1,

@@ -17,7 +17,6 @@ enum class Symbol {
     checkmark,
     checkmarkCircleFill,
     chevronDown,
-    chevronLeft,
     chevronRight,
     chevronUp,
     chevronUpChevronDown,

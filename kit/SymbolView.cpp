@@ -5,6 +5,14 @@
 #include <cmath>
 
 namespace varno {
+namespace {
+
+bool pointsSideways(Symbol symbol)
+{
+    return symbol == Symbol::chevronRight || symbol == Symbol::arrowUpLeft;
+}
+
+} // namespace
 
 SymbolView::SymbolView(Symbol symbol, const SymbolStyle& style, QWidget* parent)
     : QWidget(parent)
@@ -26,6 +34,10 @@ void SymbolView::paintEvent(QPaintEvent*)
     box.moveCenter(QRectF(rect()).center());
     QPainter painter(this);
     const QColor color = inkColor(palette(), {.role = m_style.role, .opacity = m_style.opacity});
+    if (isRightToLeft() && pointsSideways(m_symbol)) {
+        painter.translate(width(), 0);
+        painter.scale(-1, 1);
+    }
     drawSymbol(painter, m_symbol, box, color, m_style.weight);
 }
 

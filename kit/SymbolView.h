@@ -6,8 +6,9 @@
 
 namespace varno {
 
-/// A symbol as a widget of a fixed size, in the colours of the inherited palette. Screen readers
-/// skip it: the text beside it says as much.
+/// A symbol as a widget of a fixed size, in the colours of the inherited palette; one that points
+/// to a side is mirrored with the interface. Screen readers skip it: the text beside it says as
+/// much.
 class SymbolView : public QWidget {
     Q_OBJECT
 

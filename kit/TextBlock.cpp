@@ -159,7 +159,7 @@ QPointF TextBlock::origin(const QTextLine& line, const QRectF& place, Qt::Alignm
     const double top = place.top() + (alignment.testFlag(Qt::AlignTop)      ? 0
                                       : alignment.testFlag(Qt::AlignBottom) ? spareHeight
                                                                             : spareHeight / 2);
-    const double spare = place.width() - line.naturalTextWidth();
+    const double spare = place.width() - (line.naturalTextWidth() - m_style.tracking);
     const double left = place.left() + (alignment.testFlag(Qt::AlignRight)     ? spare
                                         : alignment.testFlag(Qt::AlignHCenter) ? spare / 2
                                                                                : 0);
