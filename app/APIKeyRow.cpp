@@ -202,7 +202,8 @@ QString APIKeyRow::helpText(const QColor& linkColor) const
                               .replace(u'/', u"/\u2060"_s); // which may not be broken there
     const QString link = u"<a href=\"%1\" style=\"color: %2; text-decoration: none\">%3</a>"_s.arg(
         address.toHtmlEscaped(), linkColor.name(), shown.toHtmlEscaped());
-    return m_provider.help.toHtmlEscaped().arg(link);
+    return u"<div dir=\"%1\">%2</div>"_s.arg(isRightToLeft() ? u"rtl"_s : u"ltr"_s,
+                                             m_provider.help.toHtmlEscaped().arg(link));
 }
 
 void APIKeyRow::takeColors()

@@ -5,6 +5,7 @@
 #include <QClipboard>
 #include <QGuiApplication>
 #include <QMouseEvent>
+#include <QStyle>
 
 namespace varno {
 namespace {
@@ -97,9 +98,10 @@ void KeyField::resizeEvent(QResizeEvent* event)
 void KeyField::placeButton()
 {
     const QSize size = m_reveal.sizeHint();
-    m_reveal.setGeometry(
-        QRect(QPoint(width() - size.width() - 2, (height() - size.height()) / 2), size));
-    setTextMargins(6, 0, size.width(), 0);
+    const QRect place(QPoint(width() - size.width() - 2, (height() - size.height()) / 2), size);
+    m_reveal.setGeometry(QStyle::visualRect(layoutDirection(), rect(), place));
+    const bool isLeft = isRightToLeft();
+    setTextMargins(isLeft ? size.width() : 6, 0, isLeft ? 6 : size.width(), 0);
 }
 
 } // namespace varno

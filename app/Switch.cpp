@@ -50,7 +50,8 @@ void Switch::paintEvent(QPaintEvent*)
     fillRounded(painter, place, round, themeColor(palette(), ColorRole::accent, m_knob));
 
     const double side = place.height() - 2 * margin;
-    const double left = place.left() + margin + m_knob * (place.width() - 2 * margin - side);
+    const double way = place.width() - 2 * margin - side;
+    const double left = place.left() + margin + way * (isRightToLeft() ? 1 - m_knob : m_knob);
     fillRounded(painter, QRectF(left, place.top() + margin, side, side), side / 2,
                 themeColor(palette(), ColorRole::background));
 
