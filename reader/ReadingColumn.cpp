@@ -125,8 +125,7 @@ void ReadingColumn::turnFor(QStringView text)
 /// The page begins on the side where most of what is written begins.
 void ReadingColumn::turn()
 {
-    const Qt::LayoutDirection direction = scriptDirection(m_titleShown + u' ' + m_textStart);
-    m_page.setLayoutDirection(direction == Qt::RightToLeft ? direction : Qt::LeftToRight);
+    setWrittenDirection(m_page, m_titleShown + u' ' + m_textStart);
 }
 
 void ReadingColumn::setFontSize(int points)

@@ -23,7 +23,8 @@ ResizeDivider::ResizeDivider(QWidget* parent)
 void ResizeDivider::paintEvent(QPaintEvent* /*event*/)
 {
     const double thickness = wholePixels(lineWidth, devicePixelRatioF());
-    QPainter(this).fillRect(QRectF(0, 0, thickness, height()),
+    const double left = isRightToLeft() ? width() - thickness : 0;
+    QPainter(this).fillRect(QRectF(left, 0, thickness, height()),
                             themeColor(palette(), ColorRole::border));
 }
 
@@ -36,8 +37,9 @@ void ResizeDivider::mousePressEvent(QMouseEvent* event)
 
 void ResizeDivider::mouseMoveEvent(QMouseEvent* event)
 {
+    const double way = event->globalPosition().x() - m_pressedAt;
     if (event->buttons() & Qt::LeftButton)
-        Q_EMIT dragged(qRound(event->globalPosition().x() - m_pressedAt));
+        Q_EMIT dragged(qRound(isRightToLeft() ? -way : way));
 }
 
 void ResizeDivider::mouseReleaseEvent(QMouseEvent* event)

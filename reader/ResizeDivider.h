@@ -13,7 +13,7 @@ public:
     explicit ResizeDivider(QWidget* parent = nullptr);
 
 Q_SIGNALS:
-    /// The translation since the press, to the right, in points.
+    /// The translation since the press, away from the sidebar, in points.
     void dragged(int translation);
     void dragEnded();
 

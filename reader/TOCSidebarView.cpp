@@ -14,15 +14,6 @@
 #include <utility>
 
 namespace varno {
-namespace {
-
-bool isWrittenRightToLeft(const QStringList& sections)
-{
-    return scriptDirection(sections.join(u' ')) == Qt::RightToLeft;
-}
-
-} // namespace
-
 TOCSidebarView::TOCSidebarView(QWidget* parent)
     : Surface(BottomEdge::plain, parent)
     , m_heading(tr("CONTENTS"), {.size = 9,
@@ -60,7 +51,7 @@ void TOCSidebarView::setSections(const QStringList& sections)
         old->deleteLater(); // it may be calling us
     }
     m_entries.clear();
-    setLayoutDirection(isWrittenRightToLeft(m_sections) ? Qt::RightToLeft : Qt::LeftToRight);
+    setWrittenDirection(*this, m_sections.join(u' '));
     for (const QString& section : std::as_const(m_sections))
         m_entries.append(addEntry(int(m_entries.size()) + 1, section));
     setTabOrderAfter(m_list, {m_entries.begin(), m_entries.end()});
