@@ -3,6 +3,9 @@
 #include "platform/CarbonModifiers.h"
 #include "platform/KeyLabel.h"
 
+#include <QCoreApplication>
+
+#include <algorithm>
 #include <array>
 
 namespace varno {
@@ -20,6 +23,25 @@ constexpr std::array modifierForms = {
     ModifierForms{Modifier::command, carbonModifier::command},
     ModifierForms{Modifier::function, carbonModifier::function},
 };
+
+/// The words among the labels; the others are symbols.
+constexpr std::array words = {QT_TRANSLATE_NOOP("varno::KeyLabel", "Space"),
+                              QT_TRANSLATE_NOOP("varno::KeyLabel", "Help"),
+                              QT_TRANSLATE_NOOP("varno::KeyLabel", "Volume Up"),
+                              QT_TRANSLATE_NOOP("varno::KeyLabel", "Volume Down"),
+                              QT_TRANSLATE_NOOP("varno::KeyLabel", "Mute")};
+
+QString translated(QStringView label)
+{
+    constexpr QStringView keypad = u"Keypad ";
+    if (label.startsWith(keypad))
+        return QCoreApplication::translate("varno::KeyLabel", "Keypad %1")
+            .arg(label.sliced(keypad.size()));
+    const auto* const word = std::ranges::find_if(
+        words, [label](const char* text) { return label == QLatin1StringView(text); });
+    return word == words.end() ? label.toString()
+                               : QCoreApplication::translate("varno::KeyLabel", *word);
+}
 
 } // namespace
 
@@ -49,7 +71,7 @@ QString Shortcut::description(const Keyboard& keyboard) const
     const KeyLabel label = keyLabel(m_carbonKeyCode);
     return modifierSymbols(m_carbonModifiers) + (label.kind == KeyLabel::Kind::character
                                                      ? characterLabel(m_carbonKeyCode, keyboard)
-                                                     : label.text.toString());
+                                                     : translated(label.text));
 }
 
 } // namespace varno
