@@ -3,6 +3,7 @@
 #include "app/ApplicationService.h"
 #include "app/AtExit.h"
 #include "app/CommandLine.h"
+#include "app/Translation.h"
 #include "kit/TextCuts.h"
 #include "platform/Platform.h"
 #include "platform/ProcessSecrets.h"
@@ -141,10 +142,14 @@ int VarnoApp::run(int argc, char** argv, const Launch& launch)
 {
     keepSecrets();
     LaunchContext context = takeLaunchContext();
-    if (!chooseDisplay())
-        return fail(u"Varno needs a display, and there is none that it can reach."_s);
+    if (!chooseDisplay()) {
+        const QCoreApplication application(argc, argv); // to say so
+        loadTranslation();
+        return fail(tr("Varno needs a display, and there is none that it can reach."));
+    }
     QApplication application(argc, argv);
     prepare();
+    loadTranslation();
     if (application.isSessionRestored())
         context.panel = LaunchContext::Panel::hidden;
 
@@ -153,7 +158,7 @@ int VarnoApp::run(int argc, char** argv, const Launch& launch)
     case ApplicationService::Claim::handedOver:
         return 0;
     case ApplicationService::Claim::silent:
-        return fail(u"Varno is running already, but does not answer."_s);
+        return fail(tr("Varno is running already, but does not answer."));
     case ApplicationService::Claim::mine:
         break;
     }

@@ -26,6 +26,8 @@ public:
 
 /// The program, from its start to its exit status.
 class VarnoApp {
+    Q_DECLARE_TR_FUNCTIONS(varno::VarnoApp)
+
 public:
     struct Launch {
         QString busName; ///< there is one program of that name at a time
