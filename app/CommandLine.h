@@ -5,7 +5,7 @@
 namespace varno {
 
 /// Answers what the program was asked on its command line, if it was asked anything: its exit
-/// status then. Nothing if it is to start. Needs nothing of the program.
-[[nodiscard]] std::optional<int> answerCommandLine(int argc, const char* const* argv);
+/// status then. Nothing if it is to start. There is no application object by then.
+[[nodiscard]] std::optional<int> answerCommandLine(int argc, char** argv);
 
 } // namespace varno
