@@ -154,6 +154,31 @@ private Q_SLOTS:
         m_program.reset();
     }
 
+    void speaksTheLanguageOfItsUser()
+    {
+        const QTemporaryDir installed;
+        const QString translations = installed.filePath(u"share/varno/translations"_s);
+        QVERIFY(QDir(installed.path()).mkpath(u"bin"_s) && QDir().mkpath(translations));
+        QVERIFY(QFile::copy(QFINDTESTDATA("data/translations/varno_he.qm"),
+                            translations + u"/varno_he.qm"_s));
+        for (const auto& [languages, answer] : Rows<QString, QByteArray>{
+                 {u"fr:he"_s, "צריך מסך"}, {u"en_GB:he"_s, "needs a display"}}) {
+            const InRow row(languages);
+            RunningProgram asked(*m_desktop);
+            asked.path = installed.filePath(u"bin/varno"_s);
+            QFile::copy(QString::fromUtf8(VARNO), asked.path);
+            asked.unset("DISPLAY");
+            asked.unset("LC_ALL");
+            asked.set("LANG", u"he_IL.UTF-8"_s);
+            asked.set("LC_CTYPE", u"C.UTF-8"_s);
+            asked.set("LANGUAGE", languages);
+            asked.launch();
+            QCOMPARE(asked.waitForEnd(), 1);
+            QVERIFY(asked.console().contains(answer));
+        }
+        m_program.reset();
+    }
+
     void waylandSessionsAskThePortal()
     {
         PortalRecorder portal(QDBusConnection::SessionBus);
