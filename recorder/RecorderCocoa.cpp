@@ -9,6 +9,7 @@
 #include <QKeyEvent>
 #include <QMouseEvent>
 #include <QPainter>
+#include <QStyle>
 
 #include <algorithm>
 #include <utility>
@@ -253,8 +254,8 @@ void RecorderCocoa::hideEvent(QHideEvent* event)
 void RecorderCocoa::resizeEvent(QResizeEvent* event)
 {
     QWidget::resizeEvent(event);
-    m_clear.move(width() - m_clear.sizeHint().width(), 0);
-    m_clear.resize(m_clear.sizeHint());
+    const QRect place(QPoint(width() - m_clear.sizeHint().width(), 0), m_clear.sizeHint());
+    m_clear.setGeometry(QStyle::visualRect(layoutDirection(), rect(), place));
 }
 
 void RecorderCocoa::paintEvent(QPaintEvent*)
@@ -266,7 +267,8 @@ void RecorderCocoa::paintEvent(QPaintEvent*)
     const int right = isEmpty ? margin : clearWidth;
     const int width = fontMetrics().horizontalAdvance(shown);
     const int left = width > rect().width() - 2 * right ? margin : right; // in the middle if it can
-    const QRectF place = QRectF(rect()).adjusted(left, 0, -right, 0);
+    const QRectF place =
+        QStyle::visualRect(layoutDirection(), rect(), rect().adjusted(left, 0, -right, 0));
     const TextBlock block(shown, textStyle, font(), Overflow::elide, place.width());
     block.draw(painter, place, Qt::AlignCenter,
                themeColor(palette(), ColorRole::text, isEmpty ? 0.7 : 1));
