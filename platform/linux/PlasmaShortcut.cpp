@@ -77,7 +77,7 @@ PlasmaShortcut::PlasmaShortcut(const DesktopService& plasma, const DesktopHotKey
     , m_owner(plasma.owner())
     , m_action{program, u"key-%1-%2"_s.arg(wish.carbonKeyCode).arg(wish.carbonModifiers),
                QCoreApplication::applicationName(),
-               tr("Open %1").arg(QCoreApplication::applicationName())}
+               PlasmaShortcut::tr("Open %1").arg(QCoreApplication::applicationName())}
     , m_key(qtKey(wish, keyboard))
 {
     qDBusRegisterMetaType<KeyRow>();
