@@ -9,8 +9,6 @@
 namespace varno {
 namespace {
 
-constexpr const char* layerModule = "varno-layer-shell.so";
-
 bool& areLayersChosen()
 {
     static bool chosen = false;
@@ -18,9 +16,10 @@ bool& areLayersChosen()
 }
 
 template <typename Function>
-Function* moduleFunctionAs(const char* name)
+Function* moduleFunction(const char* name)
 {
-    return reinterpret_cast<Function*>(moduleFunction(layerModule, name));
+    static ModuleFile module("varno-layer-shell.so");
+    return reinterpret_cast<Function*>(module.function(name));
 }
 
 } // namespace
@@ -30,7 +29,7 @@ bool chooseLayers()
     if (!hasWaylandCompositor())
         return false;
     const auto recommends =
-        moduleFunctionAs<decltype(varnoRecommendsLayers)>("varnoRecommendsLayers");
+        moduleFunction<decltype(varnoRecommendsLayers)>("varnoRecommendsLayers");
     if (!recommends || !recommends())
         return false;
     qputenv("QT_WAYLAND_USE_BYPASSWINDOWMANAGERHINT",
@@ -44,7 +43,7 @@ LayerShell* layerShell()
     static LayerShell* const shell = []() -> LayerShell* {
         if (!areLayersChosen() || !QGuiApplication::platformName().startsWith(u"wayland"))
             return nullptr;
-        const auto make = moduleFunctionAs<decltype(varnoMakeLayerShell)>("varnoMakeLayerShell");
+        const auto make = moduleFunction<decltype(varnoMakeLayerShell)>("varnoMakeLayerShell");
         return make ? make() : nullptr;
     }();
     return shell;
