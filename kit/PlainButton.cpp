@@ -154,8 +154,9 @@ QString PlainButton::spelledToolTip() const
 bool PlainButton::event(QEvent* event)
 {
     if (event->type() == QEvent::ToolTipChange) {
-        const QString spelled = spelledToolTip();
-        text().isEmpty() ? setAccessibleName(spelled) : setAccessibleDescription(spelled);
+        setAccessibleDescription(spelledToolTip());
+        if (text().isEmpty())
+            setAccessibleName(spelledToolTip());
     }
     if (event->type() == QEvent::ToolTip && spelledToolTip() != toolTip()) {
         const QString keys = spelledToolTip().section(u'(', -1).remove(u')');

@@ -4,6 +4,8 @@
 #include "platform/Key.h"
 #include "platform/Keyboard.h"
 
+#include <QCoreApplication>
+
 #include <algorithm>
 #include <array>
 #include <optional>
@@ -125,6 +127,31 @@ constexpr std::array modifierLabels = {
     LabelledModifier{carbonModifier::function, u"\U0001F310\uFE0E", u"Fn"},
 };
 
+/// The PC's names above that are words, for translators.
+[[maybe_unused]] constexpr std::array words = {QT_TRANSLATE_NOOP("varno::KeyLabel", "Ctrl"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Alt"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Shift"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Super"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Fn"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Return"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Tab"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Backspace"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Del"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Esc"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Home"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "End"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "PgUp"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "PgDown"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Left"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Right"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Up"),
+                                               QT_TRANSLATE_NOOP("varno::KeyLabel", "Down")};
+
+QString translated(QStringView pcName)
+{
+    return QCoreApplication::translate("varno::KeyLabel", pcName.toLatin1());
+}
+
 template <typename Keys>
 std::optional<KeyLabel> labelIn(const Keys& keys, int carbonKeyCode, KeyLabel::Kind kind)
 {
@@ -199,11 +226,11 @@ QString spelledOut(QString text, QStringView command)
     for (const LabelledModifier& modifier : modifierLabels) {
         const bool isCommand = modifier.carbon == carbonModifier::command;
         text.replace(modifier.symbol.toString(),
-                     (isCommand ? command : modifier.pcName).toString() + u'+');
+                     translated(isCommand ? command : modifier.pcName) + u'+');
     }
     for (const LabelledKey& key : writingKeys)
         if (key.text.size() == 1)
-            text.replace(key.text.front(), key.pcName.toString());
+            text.replace(key.text.front(), translated(key.pcName));
     return text;
 }
 
