@@ -6,6 +6,7 @@
 #     make package                the package of this Debian, in build/package
 #     make test      make lint [ALL=1]      make bench      make fuzz [SECONDS=60]
 #     make bench-desktop      make instructions
+#     make desktops [SESSIONS="xfce sway"] [INSTALLED=/usr]     in real sessions of real desktops
 
 QUERY ?=
 MODEL ?=
@@ -13,8 +14,11 @@ SHOTS ?=
 SECONDS ?= 60
 PREFIX ?= /usr/local
 DESTDIR ?=
+SESSIONS ?=
+INSTALLED ?=
 
-.PHONY: demo run install uninstall package test lint bench bench-desktop instructions fuzz clean
+.PHONY: demo run install uninstall package test lint bench bench-desktop desktops instructions fuzz
+.PHONY: clean
 
 quoted = '$(subst ','\'',$(1))'
 ifneq ($(SHOTS),)
@@ -91,6 +95,15 @@ bench:
 bench-desktop:
 	@scripts/setup build desktop-bench
 	scripts/bench-desktop
+
+# What is installed there, or else what is built here.
+desktops:
+	@scripts/setup build desktops
+ifeq ($(INSTALLED),)
+	$(call build,varno)
+	@cmake --install build/demo --prefix build/desktops/installed >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
+endif
+	@scripts/desktops --prefix $(or $(INSTALLED),build/desktops/installed) $(SESSIONS)
 
 instructions:
 	@scripts/setup build bench
