@@ -10,7 +10,7 @@ import time
 PR_SET_CHILD_SUBREAPER = 36  # linux/prctl.h
 
 
-def until(condition, seconds=10.0, pause=0.1):
+def until(condition, seconds=10.0, pause=0.2):
     """What `condition` returns as soon as that is true, else its last answer after `seconds`."""
     end = time.monotonic() + seconds
     while True:
