@@ -1,5 +1,6 @@
 #include "app/VarnoPanel.h"
 
+#include "app/CloseButton.h"
 #include "app/ResizeGrip.h"
 #include "kit/Accessibility.h"
 #include "kit/Layout.h"
@@ -40,6 +41,8 @@ VarnoPanel::VarnoPanel(AppViewModel& viewModel, KeychainTasks& keys, const Panel
     setLayout(column({.horizontal = border, .vertical = border}, {grow(m_content)}));
     setFocusProxy(&m_content);
     addResizeGrips();
+    auto* close = new CloseButton(*this); // over the grips
+    connect(close, &CloseButton::clicked, this, &QWidget::hide);
     if (const QRect room = roomBeforeUser(); !room.isEmpty())
         move(room.center() + QPoint(1, 1) - QPoint(firstSize.width(), firstSize.height()) / 2);
     connect(&viewModel, &AppViewModel::changed, this, &VarnoPanel::takeNote);

@@ -1,3 +1,4 @@
+#include "app/CloseButton.h"
 #include "app/InAppSettingsView.h"
 #include "app/SearchView.h"
 #include "app/VarnoPanel.h"
@@ -89,6 +90,7 @@ private Q_SLOTS:
                                   u"Entry"_s, // a link in it
                                   u"Carthage"_s,
                                   u"Latin"_s,
+                                  u"Hide"_s, // the panel's own
                                   u"Search"_s,
                                   articleTitle,
                                   u"Find in entry (Ctrl+F)"_s,
@@ -123,6 +125,19 @@ private Q_SLOTS:
         QVERIFY(!f.claude.preparations.back().stop_requested());
         f.panel.close();
         QVERIFY(f.claude.preparations.back().stop_requested());
+    }
+
+    void hidesByTheCornerThatHoveringShows()
+    {
+        PanelFixture f;
+        auto& close = *f.panel.findChild<CloseButton*>();
+        const QImage quiet = f.panel.grab(close.geometry()).toImage();
+        for (const int y : {5, 200, 5}) {
+            QTest::mouseMove(f.panel.windowHandle(), {300, y});
+            QTRY_COMPARE(f.panel.grab(close.geometry()).toImage() != quiet, y == 5);
+        }
+        QTest::mouseClick(f.panel.windowHandle(), Qt::LeftButton, {}, close.geometry().center());
+        QVERIFY(!f.panel.isVisible());
     }
 
     void comesBackOntoTheScreen()
