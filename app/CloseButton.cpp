@@ -33,13 +33,14 @@ CloseButton::CloseButton(QWidget& window)
 /// Answers the hovering itself, for which the toolkit would paint the whole window.
 bool CloseButton::eventFilter(QObject* window, QEvent* event)
 {
+    const QEvent::Type type = event->type();
     if (const auto* hover = dynamic_cast<QHoverEvent*>(event)) {
-        setRevealed(hover->type() != QEvent::HoverLeave && hover->position().y() < upperEdge);
+        setRevealed(type != QEvent::HoverLeave && hover->position().y() < upperEdge);
         return true;
     }
-    if (event->type() == QEvent::Hide)
+    if (type == QEvent::Hide)
         setRevealed(false);
-    if (event->type() == QEvent::Resize)
+    if (type == QEvent::Resize)
         place();
     return PressableButton::eventFilter(window, event);
 }
