@@ -23,44 +23,61 @@ Qt::CursorShape cursorFor(Qt::Edges edges)
 
 } // namespace
 
-ResizeGrip::ResizeGrip(Qt::Edges edges, QWidget& window)
+ResizeGrip::ResizeGrip(QWidget& window)
     : QWidget(&window)
-    , m_edges(edges)
 {
-    setCursor(cursorFor(edges));
+    setMouseTracking(true);
     window.installEventFilter(this);
     place();
 }
 
 bool ResizeGrip::eventFilter(QObject* window, QEvent* event)
 {
-    if (window == parent() && event->type() == QEvent::Resize)
+    if (event->type() == QEvent::Resize)
         place();
     return QWidget::eventFilter(window, event);
 }
 
 void ResizeGrip::place()
 {
-    const QRect whole = parentWidget()->rect();
-    const bool isCorner =
-        m_edges & (Qt::LeftEdge | Qt::RightEdge) && m_edges & (Qt::TopEdge | Qt::BottomEdge);
-    const int depth = isCorner ? cornerSide : breadth;
-    QRect strip = whole;
-    if (m_edges & Qt::LeftEdge)
-        strip.setWidth(depth);
-    if (m_edges & Qt::RightEdge)
-        strip.setLeft(whole.right() + 1 - depth);
-    if (m_edges & Qt::TopEdge)
-        strip.setHeight(depth);
-    if (m_edges & Qt::BottomEdge)
-        strip.setTop(whole.bottom() + 1 - depth);
-    setGeometry(strip);
+    resize(parentWidget()->size());
+    QRegion frame = QRegion(rect()) - rect().adjusted(breadth, breadth, -breadth, -breadth);
+    QRect corner(0, 0, cornerSide, cornerSide);
+    for (const bool atRight : {false, true})
+        for (const bool atBottom : {false, true}) {
+            corner.moveLeft(atRight ? width() - cornerSide : 0);
+            corner.moveTop(atBottom ? height() - cornerSide : 0);
+            frame += corner;
+        }
+    setMask(frame);
+}
+
+/// One, or two that meet.
+Qt::Edges ResizeGrip::edgesAt(const QPoint& place) const
+{
+    const auto edges = [&](int depth) {
+        Qt::Edges found;
+        found.setFlag(Qt::LeftEdge, place.x() < depth);
+        found.setFlag(Qt::RightEdge, place.x() >= width() - depth);
+        found.setFlag(Qt::TopEdge, place.y() < depth);
+        found.setFlag(Qt::BottomEdge, place.y() >= height() - depth);
+        return found;
+    };
+    const Qt::Edges corner = edges(cornerSide);
+    return corner & (Qt::LeftEdge | Qt::RightEdge) && corner & (Qt::TopEdge | Qt::BottomEdge)
+               ? corner
+               : edges(breadth);
+}
+
+void ResizeGrip::mouseMoveEvent(QMouseEvent* event)
+{
+    setCursor(cursorFor(edgesAt(event->position().toPoint())));
 }
 
 void ResizeGrip::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton && isPointerPressed())
-        startResize(*window()->windowHandle(), m_edges);
+        startResize(*window()->windowHandle(), edgesAt(event->position().toPoint()));
 }
 
 } // namespace varno

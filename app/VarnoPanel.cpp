@@ -14,7 +14,6 @@
 #include <QWindow>
 
 #include <algorithm>
-#include <array>
 
 namespace varno {
 
@@ -40,30 +39,13 @@ VarnoPanel::VarnoPanel(AppViewModel& viewModel, KeychainTasks& keys, const Panel
     setTheme(*this, viewModel.theme());
     setLayout(column({.horizontal = border, .vertical = border}, {grow(m_content)}));
     setFocusProxy(&m_content);
-    addResizeGrips();
-    auto* close = new CloseButton(*this); // over the grips
+    new ResizeGrip(*this);
+    auto* close = new CloseButton(*this); // over its corner
     connect(close, &CloseButton::clicked, this, &QWidget::hide);
     if (const QRect room = roomBeforeUser(); !room.isEmpty())
         move(room.center() + QPoint(1, 1) - QPoint(firstSize.width(), firstSize.height()) / 2);
     connect(&viewModel, &AppViewModel::changed, this, &VarnoPanel::takeNote);
     connect(&m_content, &ContentView::hideRequested, this, &QWidget::hide);
-}
-
-/// Over all that the panel shows; the corners over the sides.
-void VarnoPanel::addResizeGrips()
-{
-    const std::array<Qt::Edges, 8> all = {
-        Qt::LeftEdge,
-        Qt::RightEdge,
-        Qt::TopEdge,
-        Qt::BottomEdge,
-        Qt::LeftEdge | Qt::TopEdge,
-        Qt::RightEdge | Qt::TopEdge,
-        Qt::LeftEdge | Qt::BottomEdge,
-        Qt::RightEdge | Qt::BottomEdge,
-    };
-    for (const Qt::Edges edges : all)
-        new ResizeGrip(edges, *this);
 }
 
 void VarnoPanel::takeNote(AppViewModel::Changes what)

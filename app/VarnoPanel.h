@@ -28,7 +28,6 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void addResizeGrips();
     void takeNote(AppViewModel::Changes what);
     void keepOnScreen();
 

@@ -140,6 +140,22 @@ private Q_SLOTS:
         QVERIFY(!f.panel.isVisible());
     }
 
+    void isHeldByEdgesAndCorners()
+    {
+        PanelFixture f;
+        const int right = f.panel.width() - 1;
+        const int bottom = f.panel.height() - 1;
+        for (const auto& [place, shape] : {std::pair(QPoint(1, 200), Qt::SizeHorCursor),
+                                           {QPoint(200, bottom), Qt::SizeVerCursor},
+                                           {QPoint(8, 8), Qt::SizeFDiagCursor},
+                                           {QPoint(8, bottom - 8), Qt::SizeBDiagCursor},
+                                           {QPoint(right - 2, 0), Qt::SizeBDiagCursor}}) {
+            const InRow row(place.x(), place.y());
+            QTest::mouseMove(f.panel.windowHandle(), place);
+            QTRY_COMPARE(f.panel.childAt(place)->cursor().shape(), shape);
+        }
+    }
+
     void comesBackOntoTheScreen()
     {
         PanelFixture f;
