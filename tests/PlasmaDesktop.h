@@ -1,35 +1,17 @@
 #pragma once
 
-#include <QDBusArgument>
+#include "platform/linux/PlasmaShortcut.h"
+
 #include <QDBusConnection>
+#include <QDBusContext>
+#include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QMap>
 #include <QSet>
-#include <QStringList>
 
 namespace varno {
 
 using namespace Qt::StringLiterals;
-
-/// A row of four keys, one after the other, as Plasma's service for shortcuts takes it.
-struct PlasmaKeys {
-    QList<int> keys;
-
-    friend QDBusArgument& operator<<(QDBusArgument& argument, const PlasmaKeys& row)
-    {
-        argument.beginStructure();
-        argument << row.keys;
-        argument.endStructure();
-        return argument;
-    }
-    friend const QDBusArgument& operator>>(const QDBusArgument& argument, PlasmaKeys& row)
-    {
-        argument.beginStructure();
-        argument >> row.keys;
-        argument.endStructure();
-        return argument;
-    }
-};
 
 class PlasmaComponent : public QObject {
     Q_OBJECT
@@ -47,7 +29,7 @@ Q_SIGNALS:
 };
 
 /// Does what Plasma's service for shortcuts was seen to do, for one program.
-class PlasmaDesktop : public QObject {
+class PlasmaDesktop : public QObject, protected QDBusContext {
     Q_OBJECT
     Q_CLASSINFO("D-Bus Interface", "org.kde.KGlobalAccel")
 
@@ -85,8 +67,8 @@ public Q_SLOTS:
     QList<varno::PlasmaKeys> setShortcutKeys(const QStringList& action,
                                              const QList<varno::PlasmaKeys>& wanted, uint flags)
     {
-        if (flags == 8) // the default, for the settings to show
-            return wanted;
+        if (flags == 8 || message().signature() != "asa(ai)u"_L1) // the default, only to be shown
+            return {};
         const int key = wanted.isEmpty() ? 0 : wanted.constFirst().keys.constFirst();
         if (flags == 6 || !keys.contains(action[1]))
             keys[action[1]] = taken.contains(key) ? 0 : key;

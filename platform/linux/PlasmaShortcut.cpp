@@ -5,7 +5,6 @@
 #include "platform/linux/DesktopService.h"
 
 #include <QCoreApplication>
-#include <QDBusArgument>
 #include <QDBusMessage>
 #include <QDBusMetaType>
 #include <QDBusPendingCallWatcher>
@@ -25,27 +24,6 @@ const QString program = u"com.kelbrin.varno"_s; // the desktop file, for its ico
 const QString programPath = u"/component/com_kelbrin_varno"_s;
 
 enum AssignmentFlag : uint { present = 2, noAutoloading = 4, isDefault = 8 };
-
-/// Up to four keys pressed one after the other; a place without one is 0.
-struct KeyRow {
-    QList<int> keys;
-};
-
-QDBusArgument& operator<<(QDBusArgument& argument, const KeyRow& row)
-{
-    argument.beginStructure();
-    argument << row.keys;
-    argument.endStructure();
-    return argument;
-}
-
-const QDBusArgument& operator>>(const QDBusArgument& argument, KeyRow& row)
-{
-    argument.beginStructure();
-    argument >> row.keys;
-    argument.endStructure();
-    return argument;
-}
 
 int qtKey(const DesktopHotKeyEvents::Wish& wish, const Keyboard& keyboard)
 {
@@ -69,6 +47,22 @@ QString labelOf(int key)
 
 } // namespace
 
+QDBusArgument& operator<<(QDBusArgument& argument, const PlasmaKeys& row)
+{
+    argument.beginStructure();
+    argument << row.keys;
+    argument.endStructure();
+    return argument;
+}
+
+const QDBusArgument& operator>>(const QDBusArgument& argument, PlasmaKeys& row)
+{
+    argument.beginStructure();
+    argument >> row.keys;
+    argument.endStructure();
+    return argument;
+}
+
 const QString PlasmaShortcut::service = u"org.kde.kglobalaccel"_s;
 
 PlasmaShortcut::PlasmaShortcut(const DesktopService& plasma, const DesktopHotKeyEvents::Wish& wish,
@@ -80,8 +74,8 @@ PlasmaShortcut::PlasmaShortcut(const DesktopService& plasma, const DesktopHotKey
                PlasmaShortcut::tr("Open %1").arg(QCoreApplication::applicationName())}
     , m_key(qtKey(wish, keyboard))
 {
-    qDBusRegisterMetaType<KeyRow>();
-    qDBusRegisterMetaType<QList<KeyRow>>();
+    qDBusRegisterMetaType<PlasmaKeys>();
+    qDBusRegisterMetaType<QList<PlasmaKeys>>();
     listen(path, interface, u"yourShortcutsChanged"_s, SLOT(takeChange(QDBusMessage)));
     listen(programPath, componentInterface, u"globalShortcutPressed"_s,
            SLOT(takePressed(QDBusMessage)));
@@ -122,9 +116,9 @@ QDBusMessage PlasmaShortcut::call(const QString& method) const
 
 void PlasmaShortcut::assign(uint flags)
 {
-    QList<KeyRow> keys;
+    QList<PlasmaKeys> keys;
     if (m_key != 0)
-        keys << KeyRow{{m_key, 0, 0, 0}};
+        keys << PlasmaKeys{{m_key, 0, 0, 0}};
     auto* answer = new QDBusPendingCallWatcher(
         m_bus.asyncCall(call(u"setShortcutKeys"_s) << QVariant::fromValue(keys) << flags), this);
     if ((flags & present) == 0)
@@ -138,11 +132,11 @@ void PlasmaShortcut::assign(uint flags)
 void PlasmaShortcut::take(const QVariant& argument)
 {
     const auto list = argument.value<QDBusArgument>();
-    QList<KeyRow> rows;
+    QList<PlasmaKeys> rows;
     if (list.currentSignature() == "a(ai)"_L1)
-        rows = qdbus_cast<QList<KeyRow>>(list);
-    rows.removeIf([](const KeyRow& row) { return row.keys.value(0) == 0; });
-    const auto isAsked = [this](const KeyRow& row) {
+        rows = qdbus_cast<QList<PlasmaKeys>>(list);
+    rows.removeIf([](const PlasmaKeys& row) { return row.keys.value(0) == 0; });
+    const auto isAsked = [this](const PlasmaKeys& row) {
         return row.keys.value(0) == m_key && row.keys.value(1) == 0;
     };
     if (rows.isEmpty()) // somebody else has it, or the user wants none

@@ -2,6 +2,7 @@
 
 #include "platform/linux/DesktopHotKeyEvents.h"
 
+#include <QDBusArgument>
 #include <QDBusConnection>
 #include <QStringList>
 
@@ -10,6 +11,14 @@ class QDBusMessage;
 namespace varno {
 
 class Keyboard;
+
+/// Four keys pressed one after the other, as Qt encodes them; a place without one is 0.
+struct PlasmaKeys {
+    QList<int> keys;
+};
+
+QDBusArgument& operator<<(QDBusArgument& argument, const PlasmaKeys& row);
+const QDBusArgument& operator>>(const QDBusArgument& argument, PlasmaKeys& row);
 
 /// A shortcut of Plasma's own service, which the user finds in the system settings. What is chosen
 /// there goes before what we ask for, but for a wish that is new.
