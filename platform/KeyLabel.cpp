@@ -5,6 +5,7 @@
 #include "platform/Keyboard.h"
 
 #include <QCoreApplication>
+#include <QList>
 
 #include <algorithm>
 #include <array>

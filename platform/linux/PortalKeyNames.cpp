@@ -3,6 +3,8 @@
 #include "platform/Key.h"
 #include "platform/KeyLabel.h"
 
+#include <QList>
+
 #include <xkbcommon/xkbcommon.h>
 
 #include <algorithm>
