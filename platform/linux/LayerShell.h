@@ -1,10 +1,18 @@
 #pragma once
 
+#include <QByteArray>
 #include <Qt>
+
+#include <functional>
 
 class QWindow;
 
 namespace varno {
+
+struct KeyboardWatcher {
+    std::function<void(const QByteArray&)> keymap; ///< as xkbcommon reads it
+    std::function<void(quint32)> layout;           ///< its number in the keymap
+};
 
 /// Shows the windows of the program as layers of a Wayland compositor's screen. Main thread only.
 class LayerShell {
@@ -26,6 +34,9 @@ public:
 
     /// Of the pointer's left button.
     [[nodiscard]] virtual bool isPointerPressed() const = 0;
+
+    /// Tells of the keyboard from now on, in the event loop, as long as this lives.
+    virtual void watchKeyboard(KeyboardWatcher watcher) = 0;
 };
 
 } // namespace varno

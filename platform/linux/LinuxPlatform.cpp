@@ -1,6 +1,8 @@
 #include "platform/Platform.h"
+#include "platform/linux/CompositorKeyboard.h"
 #include "platform/linux/IniPreferencesStore.h"
 #include "platform/linux/LoadedBackends.h"
+#include "platform/linux/LoadedLayerShell.h"
 #include "platform/linux/PlasmaShortcut.h"
 #include "platform/linux/PortalAnimationSetting.h"
 #include "platform/linux/PortalShortcutSession.h"
@@ -30,6 +32,13 @@ bool isWaylandSession()
 bool isPlasma()
 {
     return qEnvironmentVariable("XDG_CURRENT_DESKTOP").split(u':').contains(u"KDE"_s);
+}
+
+std::unique_ptr<Keyboard> makeKeyboard()
+{
+    if (LayerShell* const layers = layerShell()) // the X server need not even run
+        return std::make_unique<CompositorKeyboard>(*layers);
+    return std::make_unique<XcbKeyboard>(keyboardConnection());
 }
 
 std::unique_ptr<HotKeyEvents> makeHotKeyEvents()
@@ -73,8 +82,8 @@ KeyStore& systemKeyStore()
 
 Keyboard& systemKeyboard()
 {
-    static XcbKeyboard keyboard(keyboardConnection());
-    return keyboard;
+    static const std::unique_ptr<Keyboard> keyboard = makeKeyboard();
+    return *keyboard;
 }
 
 std::unique_ptr<PreferencesStore> makeSystemPreferencesStore()

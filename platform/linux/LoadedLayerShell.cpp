@@ -4,8 +4,6 @@
 #include "platform/linux/Module.h"
 #include "platform/linux/WaylandSocket.h"
 
-#include <QGuiApplication>
-
 namespace varno {
 namespace {
 
@@ -41,7 +39,7 @@ bool chooseLayers()
 LayerShell* layerShell()
 {
     static LayerShell* const shell = []() -> LayerShell* {
-        if (!areLayersChosen() || !QGuiApplication::platformName().startsWith(u"wayland"))
+        if (!areLayersChosen())
             return nullptr;
         const auto make = moduleFunction<decltype(varnoMakeLayerShell)>("varnoMakeLayerShell");
         return make ? make() : nullptr;

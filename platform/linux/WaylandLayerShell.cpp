@@ -9,6 +9,8 @@
 #include <QPlatformSurfaceEvent>
 #include <QWindow>
 
+#include <utility>
+
 namespace varno {
 namespace {
 
@@ -66,6 +68,12 @@ void WaylandLayerShell::activate(QWindow& window)
 {
     if (LayerSurface* const layer = layerOf(window))
         layer->activate();
+}
+
+void WaylandLayerShell::watchKeyboard(KeyboardWatcher watcher)
+{
+    m_keyboard = std::make_unique<WaylandKeyboard>(
+        WaylandGlobals(*m_shells.display).bind<wl_seat>(wl_seat_interface, 1), std::move(watcher));
 }
 
 void WaylandLayerShell::startMove(QWindow& window)

@@ -2,6 +2,7 @@
 
 #include "platform/linux/LayerShell.h"
 #include "platform/linux/SurfaceRole.h"
+#include "platform/linux/WaylandKeyboard.h"
 #include "platform/linux/WaylandPointer.h"
 
 #include <memory>
@@ -21,12 +22,14 @@ public:
     void startMove(QWindow& window) override;
     void startResize(QWindow& window, Qt::Edges edges) override;
     [[nodiscard]] bool isPointerPressed() const override { return m_pointer->isPressed(); }
+    void watchKeyboard(KeyboardWatcher watcher) override;
 
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
     WaylandShells m_shells;
     std::unique_ptr<WaylandPointer> m_pointer;
+    std::unique_ptr<WaylandKeyboard> m_keyboard; ///< if anybody watches
 };
 
 } // namespace varno

@@ -16,6 +16,7 @@ struct WaylandDestroy {
     void operator()(wl_registry* owned) const { wl_registry_destroy(owned); }
     void operator()(wl_callback* owned) const { wl_callback_destroy(owned); }
     void operator()(wl_seat* owned) const { wl_seat_destroy(owned); }
+    void operator()(wl_keyboard* owned) const { wl_keyboard_destroy(owned); }
     void operator()(wl_pointer* owned) const { wl_pointer_destroy(owned); }
     void operator()(zwp_relative_pointer_v1* owned) const
     {
