@@ -35,7 +35,7 @@ public:
     /// Of the pointer's left button.
     [[nodiscard]] virtual bool isPointerPressed() const = 0;
 
-    /// Tells of the keyboard from now on, in the event loop, as long as this lives.
+    /// Tells of the keyboard, as long as this lives: what is known at once, and what changes.
     virtual void watchKeyboard(KeyboardWatcher watcher) = 0;
 };
 

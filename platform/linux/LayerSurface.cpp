@@ -5,6 +5,7 @@
 #include <QWindow>
 
 #include <algorithm>
+#include <utility>
 
 namespace varno {
 namespace {
@@ -27,10 +28,6 @@ QRect movedInto(const QRect& room, QRect place)
 LayerSurface::LayerSurface(QWindow& window, const WaylandShells& shells)
     : SurfaceRole(window, shells)
 {
-    connect(qGuiApp, &QGuiApplication::focusWindowChanged, this, [this](const QWindow* focused) {
-        if (m_layer && focused == &this->window())
-            setKeyboard(ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND);
-    });
     connect(&window, &QWindow::screenChanged, this, &LayerSurface::watchScreen);
     watchScreen();
 }
@@ -70,6 +67,7 @@ bool LayerSurface::take(wl_surface& surface, wl_event_queue& queue)
     listen();
     // What is held by all sides is told how much room there is.
     zwlr_layer_surface_v1_set_anchor(m_layer.get(), allSides);
+    m_hasYielded = false;
     setKeyboard(ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE);
     const bool answered = wait(queue, m_isAnswered);
     leaveQueue(m_layer.get());
@@ -197,12 +195,29 @@ void LayerSurface::configure(quint32 serial, const QSize& size)
     }
 }
 
-/// Nothing else has the keyboard until it has come; then others may get it as usual.
 void LayerSurface::activate()
 {
     if (!m_layer || QGuiApplication::focusWindow() == &window())
         return;
+    m_hasYielded = false;
     setKeyboard(ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_EXCLUSIVE);
+}
+
+/// sway keeps the keyboard for a layer that may have it, whatever window the user chooses.
+void LayerSurface::yieldKeyboard()
+{
+    if (!m_layer || std::exchange(m_hasYielded, true))
+        return;
+    static const bool isSway = qEnvironmentVariableIsSet("SWAYSOCK");
+    setKeyboard(isSway ? ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_NONE
+                       : ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND);
+}
+
+void LayerSurface::offerKeyboard()
+{
+    if (m_layer && m_hasYielded)
+        setKeyboard(ZWLR_LAYER_SURFACE_V1_KEYBOARD_INTERACTIVITY_ON_DEMAND);
+    m_hasYielded = false;
 }
 
 void LayerSurface::setLayer(zwlr_layer_shell_v1_layer layer)

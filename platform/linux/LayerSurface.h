@@ -23,8 +23,12 @@ public:
 
     void adopt(xdg_popup& popup) override;
 
-    /// Asks for the keyboard.
+    /// Asks for the keyboard, and has it for itself.
     void activate();
+    /// Lets other windows have it: the pointer has gone to them.
+    void yieldKeyboard();
+    /// Lets the user choose it for the keyboard: the pointer has come back.
+    void offerKeyboard();
 
     /// Within the room that windows have on its output.
     [[nodiscard]] QRect place() const { return m_place; }
@@ -58,6 +62,7 @@ private:
     WaylandOwned<wl_callback> m_moving;
     QPointer<LayerSurface> m_parent; ///< while it is shown
     bool m_isAnswered = false;       ///< with the room
+    bool m_hasYielded = false;       ///< the keyboard
     bool m_isPlaced = false;         ///< has the size that was asked for
     QMetaObject::Connection m_screenResized;
     QSize m_room;

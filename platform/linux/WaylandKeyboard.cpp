@@ -8,9 +8,8 @@
 
 namespace varno {
 
-WaylandKeyboard::WaylandKeyboard(WaylandOwned<wl_seat> seat, KeyboardWatcher watcher)
+WaylandKeyboard::WaylandKeyboard(WaylandOwned<wl_seat> seat)
     : m_seat(std::move(seat))
-    , m_watcher(std::move(watcher))
 {
     // These listeners have what the first version of the seat tells, and no more.
     static constexpr wl_seat_listener listener = {
@@ -24,6 +23,14 @@ WaylandKeyboard::WaylandKeyboard(WaylandOwned<wl_seat> seat, KeyboardWatcher wat
         .name = nullptr,
     };
     wl_seat_add_listener(m_seat.get(), &listener, this);
+}
+
+void WaylandKeyboard::setWatcher(KeyboardWatcher watcher)
+{
+    m_watcher = std::move(watcher);
+    m_watcher.layout(m_layout);
+    if (!m_keymap.isEmpty())
+        m_watcher.keymap(m_keymap);
 }
 
 void WaylandKeyboard::listen()
@@ -59,12 +66,13 @@ void WaylandKeyboard::takeKeymap(int file, quint32 size)
     if (keymap == m_keymap)
         return;
     m_keymap = keymap;
-    m_watcher.keymap(keymap);
+    if (m_watcher.keymap)
+        m_watcher.keymap(keymap);
 }
 
 void WaylandKeyboard::takeLayout(quint32 group)
 {
-    if (group != std::exchange(m_layout, group))
+    if (group != std::exchange(m_layout, group) && m_watcher.layout)
         m_watcher.layout(group);
 }
 

@@ -5,13 +5,16 @@
 
 namespace varno {
 
-/// Tells what a seat's keyboard is, when it changes.
+/// A seat's keyboard, as the compositor reports it; the toolkit hears of it as well.
 class WaylandKeyboard {
 public:
-    /// The seat's events are for this alone. It tells in the event loop.
-    WaylandKeyboard(WaylandOwned<wl_seat> seat, KeyboardWatcher watcher);
+    /// The seat's events are for this alone.
+    explicit WaylandKeyboard(WaylandOwned<wl_seat> seat);
     ~WaylandKeyboard() = default;
     Q_DISABLE_COPY_MOVE(WaylandKeyboard)
+
+    /// Tells what is known, and what changes.
+    void setWatcher(KeyboardWatcher watcher);
 
 private:
     void listen();

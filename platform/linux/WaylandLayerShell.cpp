@@ -38,7 +38,24 @@ WaylandLayerShell::WaylandLayerShell(wl_display& display)
     m_pointer = std::make_unique<WaylandPointer>(*m_shells.seat,
                                                  globals.bind<zwp_relative_pointer_manager_v1>(
                                                      zwp_relative_pointer_manager_v1_interface, 1));
+    m_keyboard = std::make_unique<WaylandKeyboard>(globals.bind<wl_seat>(wl_seat_interface, 1));
+    shareKeyboard();
     QGuiApplication::instance()->installEventFilter(this);
+}
+
+/// A surface that has asked for the keyboard has it for itself: so that other windows can be used
+/// beside it, it lets go when the pointer leaves it.
+void WaylandLayerShell::shareKeyboard()
+{
+    const auto forAll = [](void (LayerSurface::*act)()) {
+        for (const QWindow* const window : QGuiApplication::topLevelWindows())
+            if (LayerSurface* const layer = layerOf(*window))
+                (layer->*act)();
+    };
+    connect(m_pointer.get(), &WaylandPointer::left, this,
+            [forAll] { forAll(&LayerSurface::yieldKeyboard); });
+    connect(m_pointer.get(), &WaylandPointer::entered, this,
+            [forAll] { forAll(&LayerSurface::offerKeyboard); });
 }
 
 void WaylandLayerShell::adopt(QWindow& window)
@@ -72,8 +89,7 @@ void WaylandLayerShell::activate(QWindow& window)
 
 void WaylandLayerShell::watchKeyboard(KeyboardWatcher watcher)
 {
-    m_keyboard = std::make_unique<WaylandKeyboard>(
-        WaylandGlobals(*m_shells.display).bind<wl_seat>(wl_seat_interface, 1), std::move(watcher));
+    m_keyboard->setWatcher(std::move(watcher));
 }
 
 void WaylandLayerShell::startMove(QWindow& window)

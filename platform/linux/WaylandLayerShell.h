@@ -27,9 +27,11 @@ public:
     bool eventFilter(QObject* object, QEvent* event) override;
 
 private:
+    void shareKeyboard();
+
     WaylandShells m_shells;
     std::unique_ptr<WaylandPointer> m_pointer;
-    std::unique_ptr<WaylandKeyboard> m_keyboard; ///< if anybody watches
+    std::unique_ptr<WaylandKeyboard> m_keyboard;
 };
 
 } // namespace varno

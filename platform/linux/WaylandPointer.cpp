@@ -38,15 +38,20 @@ void WaylandPointer::listen()
     static constexpr auto move = [](void* pointer, wl_fixed_t x, wl_fixed_t y) {
         static_cast<WaylandPointer*>(pointer)->m_position = pointOf(x, y);
     };
+    static constexpr auto enter = [](void* pointer, wl_pointer*, quint32, wl_surface*, wl_fixed_t x,
+                                     wl_fixed_t y) {
+        static_cast<WaylandPointer*>(pointer)->setInside(true);
+        move(pointer, x, y);
+    };
     static constexpr auto setPressed = [](void* pointer, bool isPressed) {
         static_cast<WaylandPointer*>(pointer)->setPressed(isPressed);
     };
     static constexpr wl_pointer_listener listener = [] {
         wl_pointer_listener told = {};
-        told.enter = [](void* pointer, wl_pointer*, quint32, wl_surface*, wl_fixed_t x,
-                        wl_fixed_t y) { move(pointer, x, y); };
+        told.enter = enter;
         told.leave = [](void* pointer, wl_pointer*, quint32, wl_surface*) {
             setPressed(pointer, false);
+            static_cast<WaylandPointer*>(pointer)->setInside(false);
         };
         told.motion = [](void* pointer, wl_pointer*, quint32, wl_fixed_t x, wl_fixed_t y) {
             move(pointer, x, y);
@@ -61,6 +66,23 @@ void WaylandPointer::listen()
     }();
     m_pointer.reset(wl_seat_get_pointer(&m_seat));
     wl_pointer_add_listener(m_pointer.get(), &listener, this);
+}
+
+/// Later, since the next event tells whether it goes from one surface to another.
+void WaylandPointer::setInside(bool isInside)
+{
+    m_isInside = isInside;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            if (m_isInside == std::exchange(m_isToldInside, m_isInside))
+                return;
+            if (m_isInside)
+                Q_EMIT entered();
+            else
+                Q_EMIT left();
+        },
+        Qt::QueuedConnection);
 }
 
 void WaylandPointer::tellMotions()

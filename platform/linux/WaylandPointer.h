@@ -29,10 +29,14 @@ Q_SIGNALS:
     void moved(const QPointF& way);
     /// Or it is lost.
     void released();
+    /// Surfaces of this program, all of them.
+    void entered();
+    void left();
 
 private:
     void listen();
     void setPressed(bool isPressed);
+    void setInside(bool isInside);
 
     wl_seat& m_seat;
     WaylandOwned<zwp_relative_pointer_manager_v1> m_motions;
@@ -40,6 +44,8 @@ private:
     WaylandOwned<zwp_relative_pointer_v1> m_motion;
     QPointF m_position;
     bool m_isPressed = false;
+    bool m_isInside = false;
+    bool m_isToldInside = false;
 };
 
 } // namespace varno
