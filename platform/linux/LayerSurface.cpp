@@ -29,6 +29,10 @@ LayerSurface::LayerSurface(QWindow& window, const WaylandShells& shells)
     : SurfaceRole(window, shells)
 {
     connect(&window, &QWindow::screenChanged, this, &LayerSurface::watchScreen);
+    connect(qGuiApp, &QGuiApplication::screenRemoved, this, [this](const QScreen* screen) {
+        if (screen == this->window().screen())
+            showAgain(); // not every compositor says that the surface is lost
+    });
     watchScreen();
 }
 
@@ -58,6 +62,8 @@ void LayerSurface::adopt(xdg_popup& popup)
 
 bool LayerSurface::take(wl_surface& surface, wl_event_queue& queue)
 {
+    if (!window().screen() || window().screen()->geometry().isEmpty())
+        return false; // sway ends when it is asked for one without an output
     m_parent = qobject_cast<LayerSurface*>(of(window().transientParent()));
     if (m_parent)
         m_parent->setLayer(ZWLR_LAYER_SHELL_V1_LAYER_TOP);
