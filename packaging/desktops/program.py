@@ -10,6 +10,7 @@ from processes import until
 from session import NAME
 
 ASIDE = (40, 400)
+PATIENCE = 10  # seconds: what comes late on a busy machine must not be taken for missing
 FADE = 0.7    # seconds until a screen has given way to another
 CLICKS = 0.8  # seconds between two clicks that are not one double click
 
@@ -39,10 +40,10 @@ class Program:
         """Its theme and rectangle, when it is on the screen."""
         return picture.panel(self.seat.picture())
 
-    def is_shown(self, seconds=5):
+    def is_shown(self, seconds=PATIENCE):
         return bool(until(self.panel, seconds))
 
-    def is_hidden(self, seconds=5):
+    def is_hidden(self, seconds=PATIENCE):
         return bool(until(lambda: not self.panel(), seconds))
 
     def icon(self, seconds=8):
@@ -54,9 +55,9 @@ class Program:
         """Brings about that it runs and is hidden, by whatever way works."""
         if self.panel():
             self.start_again()
-        if not self.is_hidden(3):
+        if not self.is_hidden():
             self.seat.key("Escape")
-        if not self.is_hidden(3):
+        if not self.is_hidden():
             self.end()
             self.start()
             self.session.settle()
@@ -69,7 +70,7 @@ class Program:
     def takes_text(self, text):
         """Whether what is typed now arrives in the search field; empties the field again."""
         self.seat.type(text)
-        arrived = until(lambda: self.query() == text, 3)
+        arrived = until(lambda: self.query() == text, PATIENCE / 2)
         self.seat.key("ctrl+a")
         self.seat.key("BackSpace")
         return bool(arrived)

@@ -21,6 +21,9 @@ NAME = "com.kelbrin.varno"
 WATCHER = ("org.kde.StatusNotifierWatcher", "/StatusNotifierWatcher", "org.kde.StatusNotifierWatcher")
 
 
+AT_LOGIN = "env VARNO_PANEL=hidden varno"  # for sessions that open nothing by themselves
+
+
 class Session:
     """What the kinds of sessions have in common; each says what is different."""
 
@@ -66,16 +69,11 @@ class Session:
         raise NotImplementedError
 
     def open_at_login(self):
-        """Has the next session start the program."""
-        folder = self.config / "autostart"
-        folder.mkdir(exist_ok=True)
-        entry = folder / f"{NAME}.desktop"
-        entry.unlink(missing_ok=True)
-        for offered in (self.prefix / "etc/xdg/autostart", self.prefix / "share/varno/autostart",
-                        self.prefix / "share/applications"):
-            if (offered / entry.name).exists():
-                entry.write_bytes((offered / entry.name).read_bytes())
-                return
+        """Has the next session start the program, in the way that the package offers."""
+        entry = f"etc/xdg/autostart/{NAME}.desktop"
+        offered = pathlib.Path("/" if self.prefix == pathlib.Path("/usr") else self.prefix, entry)
+        self.write(f".config/autostart/{NAME}.desktop",
+                   offered.read_text(encoding="utf-8").replace("Hidden=true\n", ""))
 
     def log_out(self):
         """Ends the session as a user does; the display goes with it, as a display manager has it."""

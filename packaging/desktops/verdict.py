@@ -51,7 +51,7 @@ class OtherWindow:
         """Whether what is typed now arrives in it; empties it again."""
         seat = self._program.seat
         seat.type(text)
-        arrived = until(lambda: self.text() == text, 3)
+        arrived = until(lambda: self.text() == text, 5)
         seat.key("ctrl+a")
         seat.key("BackSpace")
         until(lambda: not self.text(), 2)
@@ -74,6 +74,6 @@ def show(program):
         if program.is_shown():
             return
     program.seat.key(ITS_KEYS)
-    if not program.is_shown(3):
+    if not program.is_shown():
         program.start_again()
         expect(program.is_shown(), "nothing shows the panel")

@@ -1,16 +1,15 @@
 """Openbox with a panel of the user's choice; its end is the end of the session."""
 
-from session import Session
-from xfce import PANEL
 import processes
+from session import AT_LOGIN, Session
+from xfce import PANEL
 
 
 class Openbox(Session):
     desktop = "openbox"
 
     def start_shell(self):
-        self.manager = self.spawn("openbox", "--startup", f"{self.prefix}/bin/varno") \
-            if self.opens_at_login else self.spawn("openbox")
+        self.manager = self.spawn("openbox", *(["--startup", AT_LOGIN] if self.opens_at_login else []))
         self.need(lambda: self.run("wmctrl", "-m"), "openbox")
 
     def open_at_login(self):

@@ -3,7 +3,7 @@
 import json
 
 import processes
-from session import SIZE, Session
+from session import AT_LOGIN, SIZE, Session
 
 CONFIG = """output * mode --custom {}x{}
 output * bg #505050 solid_color
@@ -25,7 +25,7 @@ class Sway(Session):
     bound_key = "it gives no shortcuts; a key bound to `varno` in its configuration"
 
     def prepare(self):
-        login = f"exec {self.prefix}/bin/varno" if self.opens_at_login else ""
+        login = f"exec {AT_LOGIN}" if self.opens_at_login else ""
         self.write(".config/sway/config", CONFIG.format(*SIZE, login))
 
     def start_shell(self):
