@@ -98,10 +98,9 @@ bench-desktop:
 
 # What is installed there, or else what is built here.
 desktops:
-	@scripts/setup build desktops
+	@scripts/setup desktops
 ifeq ($(INSTALLED),)
-	$(call build,varno)
-	@cmake --install build/demo --prefix build/desktops/installed >build/demo.log 2>&1 || { cat build/demo.log; exit 1; }
+	@$(MAKE) install PREFIX=build/desktops/installed
 endif
 	@scripts/desktops --prefix $(or $(INSTALLED),build/desktops/installed) $(SESSIONS)
 
