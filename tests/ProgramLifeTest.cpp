@@ -74,6 +74,14 @@ private Q_SLOTS:
         }
     }
 
+    void firstStartShowsSomethingWithoutABus()
+    {
+        m_program->unset("VARNO_PANEL");
+        m_program->set("DBUS_SESSION_BUS_ADDRESS", u"unix:path=/dev/null"_s);
+        m_program->launch();
+        QTRY_VERIFY(m_program->isShown());
+    }
+
     void secondStartTogglesOrShows()
     {
         QVERIFY(m_program->start());

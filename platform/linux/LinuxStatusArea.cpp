@@ -31,13 +31,19 @@ bool isOnXServer()
 
 void askForStatusArea(QObject& context, std::function<void(bool)> answer)
 {
+    const QDBusConnection bus = QDBusConnection::sessionBus();
+    if (!bus.isConnected()) { // which its calls would not tell
+        QMetaObject::invokeMethod(
+            &context, [answer = std::move(answer)] { answer(isOnXServer()); },
+            Qt::QueuedConnection);
+        return;
+    }
     QDBusMessage call = QDBusMessage::createMethodCall(
         u"org.kde.StatusNotifierWatcher"_s, u"/StatusNotifierWatcher"_s,
         u"org.freedesktop.DBus.Properties"_s, u"Get"_s);
     call << u"org.kde.StatusNotifierWatcher"_s << u"IsStatusNotifierHostRegistered"_s;
     call.setAutoStartService(false);
-    auto* reply = new QDBusPendingCallWatcher(
-        QDBusConnection::sessionBus().asyncCall(call, patience), &context);
+    auto* reply = new QDBusPendingCallWatcher(bus.asyncCall(call, patience), &context);
     QObject::connect(
         reply, &QDBusPendingCallWatcher::finished, &context, [reply, answer = std::move(answer)] {
             reply->deleteLater();
