@@ -1,7 +1,7 @@
 #include "app/VarnoPanel.h"
 
 #include "app/CloseButton.h"
-#include "app/ResizeGrip.h"
+#include "app/WindowFrame.h"
 #include "kit/Accessibility.h"
 #include "kit/Layout.h"
 #include "kit/Theme.h"
@@ -9,7 +9,6 @@
 
 #include <QApplication>
 #include <QMouseEvent>
-#include <QPainter>
 #include <QScreen>
 #include <QWindow>
 
@@ -23,7 +22,6 @@ namespace {
 
 constexpr QSize firstSize(860, 620);
 constexpr QSize leastSize(640, 440);
-constexpr int border = 1;
 
 } // namespace
 
@@ -37,9 +35,9 @@ VarnoPanel::VarnoPanel(AppViewModel& viewModel, KeychainTasks& keys, const Panel
     setMinimumSize(leastSize);
     resize(firstSize);
     setTheme(*this, viewModel.theme());
-    setLayout(column({.horizontal = border, .vertical = border}, {grow(m_content)}));
+    setLayout(column({}, {grow(m_content)}));
     setFocusProxy(&m_content);
-    new ResizeGrip(*this);
+    new WindowFrame(*this);
     auto* close = new CloseButton(*this); // over its corner
     connect(close, &CloseButton::clicked, this, &QWidget::hide);
     if (const QRect room = roomBeforeUser(); !room.isEmpty())
@@ -110,13 +108,6 @@ void VarnoPanel::mouseMoveEvent(QMouseEvent* event)
     m_pressedAt.reset();
     if (isPointerPressed())
         startMove(*windowHandle());
-}
-
-void VarnoPanel::paintEvent(QPaintEvent*)
-{
-    QPainter painter(this);
-    painter.setPen(themeColor(palette(), ColorRole::border));
-    painter.drawRect(rect().adjusted(0, 0, -1, -1));
 }
 
 } // namespace varno

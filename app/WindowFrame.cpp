@@ -1,9 +1,11 @@
-#include "app/ResizeGrip.h"
+#include "app/WindowFrame.h"
 
+#include "kit/Rule.h"
 #include "platform/WindowPlacement.h"
 
 #include <QEvent>
 #include <QMouseEvent>
+#include <QPainter>
 #include <QWindow>
 
 namespace varno {
@@ -23,7 +25,7 @@ Qt::CursorShape cursorFor(Qt::Edges edges)
 
 } // namespace
 
-ResizeGrip::ResizeGrip(QWidget& window)
+WindowFrame::WindowFrame(QWidget& window)
     : QWidget(&window)
 {
     setMouseTracking(true);
@@ -31,14 +33,14 @@ ResizeGrip::ResizeGrip(QWidget& window)
     place();
 }
 
-bool ResizeGrip::eventFilter(QObject* window, QEvent* event)
+bool WindowFrame::eventFilter(QObject* window, QEvent* event)
 {
     if (event->type() == QEvent::Resize)
         place();
     return QWidget::eventFilter(window, event);
 }
 
-void ResizeGrip::place()
+void WindowFrame::place()
 {
     resize(parentWidget()->size());
     QRegion frame = QRegion(rect()) - rect().adjusted(breadth, breadth, -breadth, -breadth);
@@ -53,7 +55,7 @@ void ResizeGrip::place()
 }
 
 /// One, or two that meet.
-Qt::Edges ResizeGrip::edgesAt(const QPoint& place) const
+Qt::Edges WindowFrame::edgesAt(const QPoint& place) const
 {
     const auto edges = [&](int depth) {
         Qt::Edges found;
@@ -69,12 +71,24 @@ Qt::Edges ResizeGrip::edgesAt(const QPoint& place) const
                : edges(breadth);
 }
 
-void ResizeGrip::mouseMoveEvent(QMouseEvent* event)
+void WindowFrame::mouseMoveEvent(QMouseEvent* event)
 {
     setCursor(cursorFor(edgesAt(event->position().toPoint())));
 }
 
-void ResizeGrip::mousePressEvent(QMouseEvent* event)
+void WindowFrame::paintEvent(QPaintEvent*)
+{
+    const double line = wholePixels(1, devicePixelRatioF());
+    const QRectF inside = QRectF(rect()).adjusted(line, line, -line, -line);
+    const QColor color = themeColor(palette(), ColorRole::border);
+    QPainter painter(this);
+    painter.fillRect(QRectF(0, 0, width(), line), color);
+    painter.fillRect(QRectF(0, inside.bottom(), width(), line), color);
+    painter.fillRect(QRectF(0, 0, line, height()), color);
+    painter.fillRect(QRectF(inside.right(), 0, line, height()), color);
+}
+
+void WindowFrame::mousePressEvent(QMouseEvent* event)
 {
     if (event->button() == Qt::LeftButton && isPointerPressed())
         startResize(*window()->windowHandle(), edgesAt(event->position().toPoint()));
