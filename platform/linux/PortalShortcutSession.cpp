@@ -8,6 +8,7 @@
 #include <QDBusObjectPath>
 #include <QPointer>
 
+#include <algorithm>
 #include <utility>
 
 namespace varno {
@@ -117,14 +118,15 @@ void PortalShortcutSession::takeBound(bool granted, const QVariantMap& results)
 
 bool PortalShortcutSession::take(const QList<PortalShortcut>& shortcuts)
 {
-    for (const PortalShortcut& shortcut : shortcuts) {
-        if (shortcut.id != m_shortcut.id)
-            continue;
-        const QVariant trigger = shortcut.properties.value(u"trigger_description"_s);
-        Q_EMIT answered({.trigger = trigger.toString().trimmed()});
-        return true;
-    }
-    return false;
+    const auto ours =
+        std::find_if(shortcuts.begin(), shortcuts.end(), [this](const PortalShortcut& shortcut) {
+            return shortcut.id == m_shortcut.id;
+        });
+    if (ours == shortcuts.end())
+        return false;
+    const QVariant trigger = ours->properties.value(u"trigger_description"_s);
+    Q_EMIT answered({.trigger = trigger.toString().trimmed()});
+    return true;
 }
 
 void PortalShortcutSession::end()
