@@ -17,6 +17,7 @@
 #include <QPixmapCache>
 
 #include <cstdio>
+#include <optional>
 
 namespace varno {
 
@@ -142,12 +143,14 @@ int VarnoApp::run(int argc, char** argv, const Launch& launch)
 {
     keepSecrets();
     LaunchContext context = takeLaunchContext();
-    if (!chooseDisplay()) {
+    std::optional<DisplayChoice> display(std::in_place);
+    if (!display->hasDisplay()) {
         const QCoreApplication application(argc, argv); // to say so
         loadTranslation();
         return fail(tr("Varno needs a display, and there is none that it can reach."));
     }
     QApplication application(argc, argv);
+    display.reset();
     prepare();
     loadTranslation();
     if (application.isSessionRestored())

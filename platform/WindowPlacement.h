@@ -9,11 +9,25 @@ namespace varno {
 
 struct UserAction;
 
-/// Chooses where windows will be opened: where the program may place them, if there is such a
-/// place, which in a Wayland session is the X server beside it. What the user's environment says of
-/// it stands. To be called before there is an application object, which would end the process if
-/// there is no display; then this returns false.
-[[nodiscard]] bool chooseDisplay();
+/// Chooses where the windows of the application object are opened that is made while this lives:
+/// where the program may place them, if there is such a place, which in a Wayland session is the X
+/// server beside it. What the user's environment says of it stands, and is what programs that are
+/// started later find there.
+class DisplayChoice {
+public:
+    DisplayChoice();
+    ~DisplayChoice();
+    Q_DISABLE_COPY_MOVE(DisplayChoice)
+
+    /// Whether there is a display; an application object would end the process if there is none.
+    [[nodiscard]] bool hasDisplay() const { return m_hasDisplay; }
+
+private:
+    void choose(const char* platforms);
+
+    bool m_hasDisplay = true;
+    bool m_hasChosen = false; ///< by the environment
+};
 
 /// The work area of the screen that the user looks at: where the window with the keyboard is, or
 /// else the pointer. Empty where there is no screen.

@@ -1,4 +1,5 @@
 #include "providers/KeychainService.h"
+#include "tests/FileContents.h"
 #include "tests/ProgramFixture.h"
 #include "tests/Test.h"
 
@@ -37,6 +38,26 @@ private:
     }
 
 private Q_SLOTS:
+    void linksOpenInTheEnvironmentOfTheUser()
+    {
+        const QString browser = m_program->home() + u"/xdg-open"_s;
+        setContents(browser, "#!/bin/sh\n"
+                             "echo \"$1 ${QT_QPA_PLATFORM-unset} $(ulimit -Hc)\" >~/opened\n");
+        QVERIFY(QFile::setPermissions(browser, QFile::ReadOwner | QFile::ExeOwner));
+        m_program->set("PATH", m_program->home() + u':' + qEnvironmentVariable("PATH"));
+        QVERIFY(m_program->start());
+        openSettings();
+        for (int steps = 0; steps < 4; ++steps) // from “Done” to the first link
+            m_desktop->type(pcKey::tab);
+        m_desktop->type(pcKey::enter);
+        QProcess shell;
+        shell.start(u"/bin/sh"_s, {u"-c"_s, u"ulimit -Hc"_s});
+        QVERIFY(shell.waitForFinished());
+        const QByteArray limit = shell.readAll();
+        QTRY_COMPARE(contents(m_program->home() + u"/opened"_s),
+                     "https://console.anthropic.com/settings/keys unset " + limit);
+    }
+
     void cleanup()
     {
         ProgramFixture::cleanup();

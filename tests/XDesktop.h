@@ -18,6 +18,7 @@ namespace varno {
 namespace pcKey {
 inline constexpr quint8 escape = 9;
 inline constexpr quint8 q = 24;
+inline constexpr quint8 tab = 23;
 inline constexpr quint8 y = 29;
 inline constexpr quint8 enter = 36;
 inline constexpr quint8 control = 37;

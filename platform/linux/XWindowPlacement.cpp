@@ -83,20 +83,31 @@ quint32 timeOf(const UserAction& action)
 
 } // namespace
 
-bool chooseDisplay()
+DisplayChoice::DisplayChoice()
 {
     const QString platform = qEnvironmentVariable("QT_QPA_PLATFORM");
     if ((platform.isEmpty() || platform.startsWith(u"wayland")) && chooseLayers()) {
         if (platform.isEmpty())
-            qputenv("QT_QPA_PLATFORM", "wayland;xcb");
-        return true;
+            choose("wayland;xcb");
+    } else if (!platform.isEmpty()) {
+        m_hasDisplay = !platform.startsWith(u"xcb") || hasXServer();
+    } else if (hasXServer()) {
+        choose("xcb;wayland");
+    } else {
+        m_hasDisplay = hasWaylandCompositor();
     }
-    if (!platform.isEmpty())
-        return !platform.startsWith(u"xcb") || hasXServer();
-    const bool placeable = hasXServer();
-    if (placeable)
-        qputenv("QT_QPA_PLATFORM", "xcb;wayland");
-    return placeable || hasWaylandCompositor();
+}
+
+DisplayChoice::~DisplayChoice()
+{
+    if (m_hasChosen)
+        qunsetenv("QT_QPA_PLATFORM");
+}
+
+void DisplayChoice::choose(const char* platforms)
+{
+    qputenv("QT_QPA_PLATFORM", platforms);
+    m_hasChosen = true;
 }
 
 void prepareFloatingPanel(QWindow& window)
