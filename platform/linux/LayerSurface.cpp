@@ -31,7 +31,11 @@ LayerSurface::LayerSurface(QWindow& window, const WaylandShells& shells)
     connect(&window, &QWindow::screenChanged, this, &LayerSurface::watchScreen);
     connect(qGuiApp, &QGuiApplication::screenRemoved, this, [this](const QScreen* screen) {
         if (screen == this->window().screen())
-            showAgain(); // not every compositor says that the surface is lost
+            loseScreen();
+    });
+    connect(qGuiApp, &QGuiApplication::screenAdded, this, [this] {
+        if (m_isLost)
+            showAgain();
     });
     watchScreen();
 }
@@ -51,6 +55,7 @@ void LayerSurface::drop()
         m_parent.clear();
     }
     m_isAnswered = false;
+    m_isLost = false;
     m_isPlaced = false;
 }
 
@@ -99,13 +104,25 @@ void LayerSurface::listen()
     zwlr_layer_surface_v1_add_listener(m_layer.get(), &listener, this);
 }
 
-/// Its output is gone. There may be another, or none, which is the answer to taking the role.
-void LayerSurface::lose()
+/// Or there is no output for it.
+void LayerSurface::close()
 {
     if (m_isAnswered)
         return showAgain();
     m_isAnswered = true;
     m_room = {};
+}
+
+/// Not every compositor tells the surface. It stays as it is while there is no other screen: sway
+/// ends, at the next one, when a surface goes in between.
+void LayerSurface::loseScreen()
+{
+    m_isLost = m_layer != nullptr;
+    const QList<QScreen*> screens = QGuiApplication::screens();
+    if (std::any_of(screens.begin(), screens.end(), [this](const QScreen* screen) {
+            return screen != window().screen() && !screen->geometry().isEmpty();
+        }))
+        showAgain();
 }
 
 void LayerSurface::watchScreen()
@@ -124,10 +141,11 @@ void LayerSurface::watchScreen()
 /// Where there is room for it now; later, from the event loop.
 void LayerSurface::showAgain()
 {
+    m_isLost = m_layer != nullptr;
     QMetaObject::invokeMethod(
         this,
         [this] {
-            if (!m_layer)
+            if (!m_isLost)
                 return;
             watchScreen();
             window().hide();

@@ -48,7 +48,8 @@ protected:
 
 private:
     void listen();
-    void lose();
+    void close();
+    void loseScreen();
     void watchScreen();
     void showAgain();
     void choosePlace();
@@ -63,7 +64,8 @@ private:
     QPointer<LayerSurface> m_parent; ///< while it is shown
     bool m_isAnswered = false;       ///< with the room
     bool m_hasYielded = false;       ///< the keyboard
-    bool m_isPlaced = false;         ///< has the size that was asked for
+    bool m_isLost = false;   ///< with its screen, or where there is not the room for it any more
+    bool m_isPlaced = false; ///< has the size that was asked for
     QMetaObject::Connection m_screenResized;
     QSize m_room;
     QRect m_place;
