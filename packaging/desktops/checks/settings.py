@@ -53,14 +53,14 @@ def alert(program):
     time.sleep(0.5)
     before = program.seat.picture()
     program.seat.key("ctrl+k")
-    asked = until(lambda: program.widget("alert", None) or program.widget("dialog", None), 3)
+    asked = until(lambda: program.widget("alert message", None), 3)
     expect(asked, "a key of the panel is not refused")
     time.sleep(FADE)
     program.keep_picture("alert")
     expect(picture.change(before, program.seat.picture()), "no alert is to be seen")
     expect(not program.session.task_bar_entries(), "the alert has an entry in the task bar")
     program.seat.key("Return")
-    expect(until(lambda: not (program.widget("alert", None) or program.widget("dialog", None)), 3),
+    expect(until(lambda: not (program.widget("alert message", None)), 3),
            "Return does not close the alert")
     program.seat.key("Escape")
     program.seat.key("Escape")
