@@ -8,6 +8,7 @@ CHECKS = {
     "icon seen": icon.icon_seen,
     "click toggles, six times": icon.click_toggles,
     "pointer free after a click": icon.pointer_free,
+    "centred at the first showing": panel.centred,
     "shortcut from another window": panel.shortcut_from_another_window,
     "shortcut over a full-screen window": panel.shortcut_over_full_screen,
     "focus after showing": panel.focus_after_showing,

@@ -34,7 +34,7 @@ def cell(answer, notes):
     return WORDS[state] + (f" ({notes.number(reason)})" if reason else "")
 
 
-def table(kinds, checks, answers):
+def table(kinds, checks, answers, program):
     """`answers` has, by session and check, a state and a reason."""
     notes = Notes()
     titles = [kind.title for kind in kinds.values()]
@@ -43,6 +43,6 @@ def table(kinds, checks, answers):
         row = [cell(answers.get(name, {}).get(check), notes) for name in kinds]
         lines.append(f"| {check} | " + " | ".join(row) + " |")
     system = pathlib.Path("/etc/debian_version").read_text(encoding="utf-8").strip()
-    lines += ["", f"Debian {system}. A dash: not possible here.", "", *notes.lines(), "",
+    lines += ["", f"{program}, Debian {system}. A dash: not possible here.", "", *notes.lines(), "",
               *(f"- {kind.title}: {versions(kind.packages)}" for kind in kinds.values())]
     return "\n".join(lines) + "\n"

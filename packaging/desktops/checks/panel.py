@@ -7,6 +7,19 @@ from processes import until
 from program import FADE
 from verdict import ITS_KEYS, OtherWindow, expect, show
 
+BAR = 80  # pixels that bars take from one side at most
+
+
+def centred(program):
+    """On the screen but for its bars."""
+    program.end()
+    program.start()
+    program.hide()
+    show(program)
+    screen, middle = program.seat.picture().size, program.middle()
+    expect(all(abs(2 * here - size) <= BAR for here, size in zip(middle, screen)),
+           f"its middle is at {middle[0]}, {middle[1]} of {screen[0]}, {screen[1]}")
+
 
 def shortcut_from_another_window(program):
     program.hide()
