@@ -63,6 +63,27 @@ void measureShow(benchmark::State& state, const Program& program, Desktop& deskt
     }
 }
 
+/// Of a launcher that lives from its key to the choice: a desktop starts it for each showing.
+void measureLauncher(benchmark::State& state, const Program& program, Desktop& desktop)
+{
+    for ([[maybe_unused]] auto iteration : state) {
+        if (!desktop.screen.waitForColors(0))
+            state.SkipWithError("the screen is not empty");
+        RunningProgram launcher(desktop.screen);
+        launcher.path = program.path;
+        launcher.arguments = program.arguments;
+        launcher.set("HOME", program.home);
+        const auto begin = Clock::now();
+        launcher.launch();
+        const auto painted = desktop.screen.waitForColors(program.colors);
+        QTest::qWait(settling / 4);
+        launcher.end();
+        state.counters["shown"] =
+            figure(painted ? std::optional(std::chrono::duration<double>(*painted - begin).count())
+                           : std::nullopt);
+    }
+}
+
 void measureIdling(benchmark::State& state, const Program& program, Desktop& desktop)
 {
     for ([[maybe_unused]] auto iteration : state) {
@@ -119,7 +140,11 @@ void addPrograms(const QString& varno, const QString& bareTray, const QDir& home
                      .path = QStandardPaths::findExecutable(u"copyq"_s),
                      .opensWhen = Program::Key::pressed,
                      .colors = 3};
-    for (Program* program : {&ours, &full, &bare, &copyQ}) {
+    Program rofi = {.name = "rofi",
+                    .path = QStandardPaths::findExecutable(u"rofi"_s),
+                    .arguments = {u"-show"_s, u"run"_s},
+                    .colors = 3};
+    for (Program* program : {&ours, &full, &bare, &copyQ, &rofi}) {
         program->home = homes.filePath(QString::fromLatin1(program->name));
         homes.mkpath(program->home);
     }
@@ -142,6 +167,8 @@ void addPrograms(const QString& varno, const QString& bareTray, const QDir& home
         add("show", program, measureShow);
         add("idle", program, measureIdling)->Repetitions(1);
     }
+    if (!rofi.path.isEmpty())
+        add("show", rofi, measureLauncher);
 }
 
 Table table()
@@ -167,10 +194,13 @@ Table table()
     add("the same, against CopyQ", M::bytes, "show/varno:proportional", "show/CopyQ:proportional");
     add("key until painted, first time, against a bare one", M::time, "show/varno:first",
         "show/bare:first", ratioAtMost(1.6));
+    add("the same by itself", M::time, "show/varno:first", "", withinFrame);
     add("the same, against CopyQ", M::time, "show/varno:first", "show/CopyQ:first");
     add("key until painted, later, against a bare one", M::time, "show/varno:later",
         "show/bare:later", ratioAtMost(1.2));
+    add("the same by itself", M::time, "show/varno:later", "", atMost(8.3e-3));
     add("the same, against CopyQ", M::time, "show/varno:later", "show/CopyQ:later");
+    add("the same, against rofi, started anew", M::time, "show/varno:later", "show/rofi:shown");
     add("hidden for 20 s: processor time in ticks; CopyQ", M::number, "idle/varno:ticks",
         "idle/CopyQ:ticks", atMost(0));
     add("the same: wake-ups a second; CopyQ", M::number, "idle/varno:switches",
