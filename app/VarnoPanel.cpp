@@ -20,7 +20,6 @@ using namespace Qt::StringLiterals;
 
 namespace {
 
-constexpr QSize firstSize(860, 620);
 constexpr QSize leastSize(640, 440);
 
 } // namespace

@@ -14,6 +14,8 @@ class VarnoPanel final : public QWidget {
     Q_OBJECT
 
 public:
+    static constexpr QSize firstSize{860, 620};
+
     /// The view model and the key tasks outlive the panel. It is centred on the screen at first,
     /// and keeps the position and the size that the user gives it.
     VarnoPanel(AppViewModel& viewModel, KeychainTasks& keys, const PanelShortcut& shortcut);
