@@ -14,6 +14,8 @@ QList<MenuItem> panelKeys(const Keyboard& keyboard)
         {typing(u'f'), QT_TRANSLATE_NOOP("PanelKeys", "Find in entry")},
         {typing(u','), QT_TRANSLATE_NOOP("PanelKeys", "Settings")},
         {typing(u'q'), QT_TRANSLATE_NOOP("PanelKeys", "Quit")},
+        {typing(u'r'), QT_TRANSLATE_NOOP("PanelKeys", "Reload entry")},
+        {static_cast<int>(Key::returnKey), QT_TRANSLATE_NOOP("PanelKeys", "Full Entry")},
         {static_cast<int>(Key::leftArrow), QT_TRANSLATE_NOOP("PanelKeys", "Back")},
     };
     QList<MenuItem> items;
