@@ -33,7 +33,7 @@ public:
     /// Within the room that windows have on its output.
     [[nodiscard]] QRect place() const { return m_place; }
     [[nodiscard]] QSize leastSize() const;
-    [[nodiscard]] QRect room() const { return QRect({}, m_room); }
+    [[nodiscard]] QRect room() const { return {QPoint(), m_room}; }
     void setPlace(const QRect& place);
     /// Whether the compositor has not shown it yet where it was placed last.
     [[nodiscard]] bool isMoving() const { return m_moving != nullptr; }

@@ -70,9 +70,10 @@ void WaylandLayerShell::adopt(QWindow& window)
 
 bool WaylandLayerShell::eventFilter(QObject* object, QEvent* event)
 {
-    if (event->type() != QEvent::PlatformSurface ||
-        static_cast<QPlatformSurfaceEvent*>(event)->surfaceEventType() !=
-            QPlatformSurfaceEvent::SurfaceCreated)
+    const auto* const change = event->type() == QEvent::PlatformSurface
+                                   ? dynamic_cast<const QPlatformSurfaceEvent*>(event)
+                                   : nullptr;
+    if (!change || change->surfaceEventType() != QPlatformSurfaceEvent::SurfaceCreated)
         return false;
     // What is dragged is shown by the compositor.
     if (auto* const window = qobject_cast<QWindow*>(object);
