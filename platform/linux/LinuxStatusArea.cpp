@@ -1,6 +1,5 @@
 #include "platform/StatusItem.h"
-#include "platform/linux/XConnection.h"
-#include "platform/linux/XcbReply.h"
+#include "platform/linux/TrayStatusItem.h"
 
 #include <QDBusConnection>
 #include <QDBusMessage>
@@ -17,16 +16,6 @@ using namespace Qt::StringLiterals;
 
 constexpr int patience = 2000; // milliseconds, which no area that works takes
 
-bool isOnXServer()
-{
-    xcb_connection_t* connection = xConnection();
-    if (!connection)
-        return false;
-    const XcbReply<xcb_get_selection_owner_reply_t> reply(xcb_get_selection_owner_reply(
-        connection, xcb_get_selection_owner(connection, xAtom("_NET_SYSTEM_TRAY_S0")), nullptr));
-    return reply && reply->owner != XCB_NONE;
-}
-
 } // namespace
 
 void askForStatusArea(QObject& context, std::function<void(bool)> answer)
@@ -34,7 +23,7 @@ void askForStatusArea(QObject& context, std::function<void(bool)> answer)
     const QDBusConnection bus = QDBusConnection::sessionBus();
     if (!bus.isConnected()) { // which its calls would not tell
         QMetaObject::invokeMethod(
-            &context, [answer = std::move(answer)] { answer(isOnXServer()); },
+            &context, [answer = std::move(answer)] { answer(hasTrayOnX11()); },
             Qt::QueuedConnection);
         return;
     }
@@ -48,7 +37,7 @@ void askForStatusArea(QObject& context, std::function<void(bool)> answer)
         reply, &QDBusPendingCallWatcher::finished, &context, [reply, answer = std::move(answer)] {
             reply->deleteLater();
             const QDBusPendingReply<QDBusVariant> host = *reply;
-            answer((host.isValid() && host.value().variant().toBool()) || isOnXServer());
+            answer((host.isValid() && host.value().variant().toBool()) || hasTrayOnX11());
         });
 }
 

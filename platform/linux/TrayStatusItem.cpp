@@ -12,9 +12,6 @@
 #include <utility>
 
 namespace varno {
-namespace {
-
-using namespace Qt::StringLiterals;
 
 bool hasTrayOnX11()
 {
@@ -25,8 +22,6 @@ bool hasTrayOnX11()
         connection, xcb_get_selection_owner(connection, xAtom("_NET_SYSTEM_TRAY_S0")), nullptr));
     return reply && reply->owner != XCB_NONE;
 }
-
-} // namespace
 
 TrayStatusItem::TrayStatusItem(QIcon icon, QString name)
     : m_image(std::move(icon))

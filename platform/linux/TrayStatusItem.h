@@ -11,6 +11,9 @@
 
 namespace varno {
 
+/// Whether the X server has a status area of the older kind.
+[[nodiscard]] bool hasTrayOnX11();
+
 /// An icon on the session bus for as long as that has a host, and otherwise, when that is known, in
 /// the older status area of the X server: by the toolkit, which would ask for a host itself and
 /// wait for the answer.
