@@ -22,4 +22,4 @@ def sheet(pictures, path):
         if os.path.exists(file):
             with Image.open(file) as picture:
                 whole.paste(picture.convert("RGB").resize(CELL, Image.Resampling.LANCZOS), (x, y + CAPTION))
-    whole.quantize(COLORS, dither=Image.Dither.NONE).save(path, optimize=True)
+    whole.quantize(COLORS, Image.Quantize.FASTOCTREE, dither=Image.Dither.NONE).save(path, optimize=True)

@@ -7,11 +7,10 @@ WORDS = {"met": "met", "missed": "**missed**", "impossible": "–"}
 
 
 def versions(packages):
-    """What is installed of them, one for each source."""
-    found = subprocess.run(["dpkg-query", "-W", "-f", "${Package} ${Version}\n", *packages],
+    """What is installed of them."""
+    found = subprocess.run(["dpkg-query", "-W", "-f", "${Package} ${source:Upstream-Version}\n", *packages],
                            text=True, capture_output=True, check=False).stdout
-    return ", ".join(line.partition("-")[0] if line.count("-") == 1 else line.rpartition("-")[0]
-                     for line in found.splitlines())
+    return ", ".join(found.splitlines())
 
 
 class Notes:

@@ -50,36 +50,37 @@ def pointer_free(program):
     expect(program.seat.pointer(left + 60, bottom - 80) == usual, "the pointer is busy")
 
 
+def shows_after_host(program, with_watcher):
+    """Whether the icon of a program comes that was there before what shows it."""
+    session = program.session
+    program.end()
+    session.stop_status_area()
+    try:
+        if with_watcher:
+            session.start_watcher()
+            session.need(session.has_watcher, "the watcher")
+        if session.has_watcher() and session.has_host():
+            raise RuntimeError("a status area is there already")
+        program.start()
+        time.sleep(2)  # a start is over by then
+        program.hide()
+    finally:
+        session.start_status_area()
+        session.settle()
+    expect(program.icon(), "no icon for the whole session")
+
+
 def status_area_late(program):
     if program.session.no_status_area:
         raise Impossible(program.session.no_status_area)
-    program.end()
-    program.session.stop_status_area()
-    try:
-        program.start()
-        time.sleep(2)
-        program.hide()
-    finally:
-        program.session.start_status_area()
-        program.session.settle()
-    expect(program.icon(), "no icon for the whole session")
+    shows_after_host(program, with_watcher=False)
 
 
 def watcher_before_host(program):
-    if program.session.no_status_area or program.session.no_lone_watcher:
-        raise Impossible(program.session.no_status_area or program.session.no_lone_watcher)
-    program.end()
-    program.session.stop_status_area()
-    try:
-        program.session.start_watcher()
-        program.session.need(program.session.has_watcher, "the watcher")
-        program.start()
-        time.sleep(2)
-        program.hide()
-    finally:
-        program.session.start_status_area()
-        program.session.settle()
-    expect(program.icon(), "no icon for the whole session")
+    reason = program.session.no_status_area or program.session.no_lone_watcher
+    if reason:
+        raise Impossible(reason)
+    shows_after_host(program, with_watcher=True)
 
 
 def login(program):
