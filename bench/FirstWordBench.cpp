@@ -5,7 +5,7 @@
 #include "kit/Theme.h"
 #include "platform/Background.h"
 #include "platform/fake/FakePreferencesStore.h"
-#include "platform/linux/CurlHttpSession.h"
+#include "platform/posix/CurlHttpSession.h"
 #include "platform/linux/SecretServiceKeyStore.h"
 #include "reader/EntryView.h"
 #include "reader/text/MarkdownContentView.h"

@@ -1,6 +1,6 @@
 #include "demo/SlowRelay.h"
 #include "demo/StandInService.h"
-#include "platform/linux/CurlHttpSession.h"
+#include "platform/posix/CurlHttpSession.h"
 #include "tests/BothClients.h"
 #include "tests/ScriptedServer.h"
 #include "tests/Test.h"

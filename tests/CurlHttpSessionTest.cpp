@@ -1,4 +1,4 @@
-#include "platform/linux/CurlHttpSession.h"
+#include "platform/posix/CurlHttpSession.h"
 
 #include "demo/StandInService.h"
 #include "tests/ScriptedServer.h"

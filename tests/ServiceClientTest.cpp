@@ -1,6 +1,6 @@
 #include "demo/StandInService.h"
 #include "demo/WireText.h"
-#include "platform/linux/CurlHttpSession.h"
+#include "platform/posix/CurlHttpSession.h"
 #include "tests/BothClients.h"
 #include "tests/Scarcity.h"
 #include "tests/Test.h"

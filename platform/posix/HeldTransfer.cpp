@@ -1,4 +1,4 @@
-#include "platform/linux/HeldTransfer.h"
+#include "platform/posix/HeldTransfer.h"
 
 #include <netinet/in.h>
 #include <poll.h>

@@ -1,4 +1,4 @@
-#include "platform/linux/CurlTransfer.h"
+#include "platform/posix/CurlTransfer.h"
 
 #include <algorithm>
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/CurlTransfer.h"
+#include "platform/posix/CurlTransfer.h"
 
 #include <condition_variable>
 #include <mutex>

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "platform/linux/HeldTransfer.h"
+#include "platform/posix/HeldTransfer.h"
 
 #include <QString>
 
