@@ -9,6 +9,12 @@
 namespace varno {
 namespace {
 
+#ifdef POLLRDHUP
+constexpr short closedByPeer = POLLRDHUP;
+#else
+constexpr short closedByPeer = POLLHUP; // where that tells of one direction alone, too
+#endif
+
 /// Zero for what is no socket of the internet.
 int localPort(int socket)
 {
@@ -24,10 +30,12 @@ int localPort(int socket)
     return 0;
 }
 
+/// There may be something to read all the same: what TLS tells of itself.
 bool isOpenAtBothEnds(int socket)
 {
-    pollfd wanted = {.fd = socket, .events = POLLRDHUP, .revents = 0};
-    return ::poll(&wanted, 1, 0) == 0;
+    pollfd wanted = {.fd = socket, .events = POLLIN | closedByPeer, .revents = 0};
+    return ::poll(&wanted, 1, 0) >= 0 &&
+           (wanted.revents & (closedByPeer | POLLHUP | POLLERR | POLLNVAL)) == 0;
 }
 
 } // namespace
