@@ -26,11 +26,23 @@ extern "C" void onSignal(int)
     errno = savedError;
 }
 
+/// In two steps for each end: not every system can do both at once.
+bool openPipe(std::array<int, 2>& ends)
+{
+    if (::pipe(ends.data()) != 0)
+        return false;
+    for (const int end : ends) {
+        ::fcntl(end, F_SETFD, FD_CLOEXEC);
+        ::fcntl(end, F_SETFL, O_NONBLOCK);
+    }
+    return true;
+}
+
 class PosixTerminationSignals final : public TerminationSignals {
 public:
     PosixTerminationSignals()
     {
-        if (::pipe2(m_pipe.data(), O_CLOEXEC | O_NONBLOCK) != 0)
+        if (!openPipe(m_pipe))
             return;
         writingEnd = m_pipe[1];
         m_notifier = std::make_unique<QSocketNotifier>(m_pipe[0], QSocketNotifier::Read);
