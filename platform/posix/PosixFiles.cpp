@@ -1,4 +1,5 @@
 #include "platform/Files.h"
+#include "platform/posix/FileSystem.h"
 
 #include <QDir>
 #include <QFile>
@@ -78,7 +79,7 @@ bool writeWhole(const Descriptor& file, const char* bytes, qsizetype length)
 
 bool sync(const Descriptor& file)
 {
-    return retried([&] { return ::fsync(file.number()); }) == 0;
+    return retried([&] { return flushToMedium(file.number()); }) == 0;
 }
 
 /// Makes a rename in `directory` survive a loss of power. Some file systems cannot; they say so.
@@ -199,11 +200,12 @@ std::optional<FileStamp> fileStamp(const QString& path)
     struct stat status = {};
     if (::lstat(QFile::encodeName(path).constData(), &status) != 0)
         return std::nullopt;
-    return FileStamp{.device = status.st_dev,
+    const timespec changed = changeTime(status);
+    return FileStamp{.device = static_cast<quint64>(status.st_dev),
                      .number = status.st_ino,
                      .size = status.st_size,
-                     .seconds = status.st_mtim.tv_sec,
-                     .nanoseconds = status.st_mtim.tv_nsec};
+                     .seconds = changed.tv_sec,
+                     .nanoseconds = changed.tv_nsec};
 }
 
 FolderLock::FolderLock(const QString& folder, std::chrono::milliseconds patience)
