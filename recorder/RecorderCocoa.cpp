@@ -144,7 +144,11 @@ bool RecorderCocoa::eventFilter(QObject* watched, QEvent* event)
 void RecorderCocoa::take(const QKeyEvent& event)
 {
     const Keyboard& keyboard = m_shortcuts.keyboard();
-    const std::optional<int> keyCode = keyboard.carbonKeyCode(event.nativeScanCode());
+    const std::optional<int> keyCode = keyboard.carbonKeyCode({
+        .scanCode = event.nativeScanCode(),
+        .virtualKey = event.nativeVirtualKey(),
+        .key = event.key(),
+    });
     if (!keyCode || event.isAutoRepeat())
         return;
     const Shortcut shortcut(*keyCode, keyboard.carbonModifiers(event.modifiers()));

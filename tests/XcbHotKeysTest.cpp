@@ -208,7 +208,7 @@ private Q_SLOTS:
         QVERIFY(!events.isReserved(3, 0x100));
         const XcbKeyboard keyboard(connection);
         QVERIFY(keyboard.character(3).isEmpty());
-        QCOMPARE(keyboard.carbonKeyCode(pcKey::f), std::optional(3));
+        QCOMPARE(keyboard.carbonKeyCode({.scanCode = pcKey::f}), std::optional(3));
     }
 };
 

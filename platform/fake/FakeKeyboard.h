@@ -25,11 +25,10 @@ public:
         return m_characters.value(carbonKeyCode);
     }
 
-    [[nodiscard]] std::optional<int> carbonKeyCode(quint32 nativeScanCode) const override
+    [[nodiscard]] std::optional<int> carbonKeyCode(const NativeKey& key) const override
     {
-        return nativeScanCode == modifierScanCode
-                   ? std::nullopt
-                   : std::optional(static_cast<int>(nativeScanCode) - 1);
+        return key.scanCode == modifierScanCode ? std::nullopt
+                                                : std::optional(static_cast<int>(key.scanCode) - 1);
     }
 
     [[nodiscard]] int carbonModifiers(Qt::KeyboardModifiers modifiers) const override

@@ -18,9 +18,9 @@ QString XkbKeyboard::character(int carbonKeyCode) const
     return QChar::isPrint(character) ? QString::fromUcs4(&character, 1) : QString();
 }
 
-std::optional<int> XkbKeyboard::carbonKeyCode(quint32 nativeScanCode) const
+std::optional<int> XkbKeyboard::carbonKeyCode(const NativeKey& key) const
 {
-    return carbonKeyCodeOf(nativeScanCode);
+    return carbonKeyCodeOf(key.scanCode);
 }
 
 int XkbKeyboard::carbonModifiers(Qt::KeyboardModifiers modifiers) const

@@ -11,7 +11,7 @@ class XkbKeyboard : public Keyboard {
 
 public:
     [[nodiscard]] QString character(int carbonKeyCode) const final;
-    [[nodiscard]] std::optional<int> carbonKeyCode(quint32 nativeScanCode) const final;
+    [[nodiscard]] std::optional<int> carbonKeyCode(const NativeKey& key) const final;
     [[nodiscard]] int carbonModifiers(Qt::KeyboardModifiers modifiers) const final;
 
 protected:
