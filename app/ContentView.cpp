@@ -3,6 +3,7 @@
 #include "app/InAppSettingsView.h"
 #include "app/ScreenTransition.h"
 #include "app/SearchView.h"
+#include "kit/CommandKeys.h"
 #include "reader/EntryView.h"
 
 #include <QShortcut>
@@ -42,7 +43,7 @@ void ContentView::bindKeys()
 void ContentView::bind(const QList<QKeySequence>& keys, void (ContentView::*action)())
 {
     auto* shortcut = new QShortcut(this);
-    shortcut->setKeys(keys);
+    shortcut->setKeys(commandKeys(keys));
     shortcut->setAutoRepeat(false); // a key that is held goes one step
     connect(shortcut, &QShortcut::activated, this, action);
 }

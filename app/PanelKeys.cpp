@@ -1,10 +1,22 @@
 #include "app/PanelKeys.h"
 
 #include "platform/KeyLabel.h"
+#include "platform/ProgramKeys.h"
 
 #include <QCoreApplication>
 
 namespace varno {
+namespace {
+
+Shortcut shortcutOf(const MenuKey& key, const Keyboard& keyboard)
+{
+    Modifiers modifiers(QFlag(static_cast<int>(key.modifiers)));
+    if (key.character.isUpper())
+        modifiers |= Modifier::shift;
+    return {carbonKeyCodeTyping(key.character.toLower(), keyboard), carbonModifiersOf(modifiers)};
+}
+
+} // namespace
 
 QList<MenuItem> panelKeys(const Keyboard& keyboard)
 {
@@ -18,11 +30,16 @@ QList<MenuItem> panelKeys(const Keyboard& keyboard)
         {static_cast<int>(Key::returnKey), QT_TRANSLATE_NOOP("PanelKeys", "Full Entry")},
         {static_cast<int>(Key::leftArrow), QT_TRANSLATE_NOOP("PanelKeys", "Back")},
     };
+    QList<Modifier> modifiers = {Modifier::command};
+    if (controlStandsForCommand())
+        modifiers.prepend(Modifier::control);
     QList<MenuItem> items;
     for (const auto& [keyCode, title] : actions)
-        for (const Modifier modifier : {Modifier::control, Modifier::command})
+        for (const Modifier modifier : modifiers)
             items.append({.title = QCoreApplication::translate("PanelKeys", title),
                           .shortcut = Shortcut(keyCode, carbonModifiersOf(modifier))});
+    for (const MenuKey& key : menuKeys())
+        items.append({.title = key.title, .shortcut = shortcutOf(key, keyboard)});
     return items;
 }
 

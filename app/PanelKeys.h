@@ -4,7 +4,8 @@
 
 namespace varno {
 
-/// The panel's own keys, which stand in for a menu's: each is pressed with Control or Command.
+/// The panel's own keys, which stand in for a menu's, and those of the menu that the system keeps
+/// for the program.
 [[nodiscard]] QList<MenuItem> panelKeys(const Keyboard& keyboard);
 
 } // namespace varno

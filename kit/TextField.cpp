@@ -1,6 +1,7 @@
 #include "kit/TextField.h"
 
 #include "kit/Menu.h"
+#include "platform/ProgramKeys.h"
 
 #include <QContextMenuEvent>
 #include <QKeyEvent>
@@ -16,7 +17,8 @@ std::unique_ptr<QKeyEvent> asControlKey(const QKeyEvent& event)
     constexpr std::array keys = {Qt::Key_A, Qt::Key_C, Qt::Key_V, Qt::Key_X, Qt::Key_Z};
     const Qt::KeyboardModifiers others = event.modifiers() & ~Qt::MetaModifier;
     const bool isKnown = std::ranges::find(keys, event.key()) != keys.end();
-    if (others == event.modifiers() || (others & ~Qt::ShiftModifier) != Qt::NoModifier || !isKnown)
+    if (!controlStandsForCommand() || others == event.modifiers() ||
+        (others & ~Qt::ShiftModifier) != Qt::NoModifier || !isKnown)
         return nullptr;
     return std::make_unique<QKeyEvent>(event.type(), event.key(), others | Qt::ControlModifier,
                                        QString(), event.isAutoRepeat());
@@ -34,7 +36,7 @@ void TextField::keyPressEvent(QKeyEvent* event)
 {
     if (const auto control = asControlKey(*event))
         QLineEdit::keyPressEvent(control.get());
-    else if (event->modifiers().testFlag(Qt::MetaModifier))
+    else if (controlStandsForCommand() && event->modifiers().testFlag(Qt::MetaModifier))
         event->ignore();
     else
         QLineEdit::keyPressEvent(event);

@@ -1,5 +1,6 @@
 #include "reader/EntryView.h"
 
+#include "kit/CommandKeys.h"
 #include "kit/Layout.h"
 #include "reader/CopiedEntry.h"
 #include "reader/EntryState.h"
@@ -99,7 +100,7 @@ void EntryView::bindKeys()
 QShortcut& EntryView::bind(const QList<QKeySequence>& keys, const std::function<void()>& action)
 {
     auto* shortcut = new QShortcut(this);
-    shortcut->setKeys(keys);
+    shortcut->setKeys(commandKeys(keys));
     shortcut->setContext(Qt::WidgetWithChildrenShortcut);
     connect(shortcut, &QShortcut::activated, this, action);
     return *shortcut;

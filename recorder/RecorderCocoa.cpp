@@ -3,6 +3,7 @@
 #include "kit/FieldFrame.h"
 #include "kit/TextBlock.h"
 #include "platform/KeyLabel.h"
+#include "platform/ProgramKeys.h"
 #include "recorder/RefusalAlert.h"
 
 #include <QCoreApplication>
@@ -108,6 +109,7 @@ void RecorderCocoa::clear()
 
 void RecorderCocoa::watch(bool watching)
 {
+    suspendMenuKeys(watching); // so that they come here, to be told of
     if (watching) {
         QCoreApplication::instance()->installEventFilter(this);
         grabKeyboard(); // so that combinations of other programs come here, to be told of
