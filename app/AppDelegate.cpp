@@ -56,6 +56,7 @@ AppDelegate::AppDelegate(const AppViewModel::Dependencies& dependencies,
 
 void AppDelegate::applicationDidFinishLaunching()
 {
+    becomeAccessory();
     setupStatusItem();
     setupHotkey();
     QTimer::singleShot(startingTime, this, &AppDelegate::warmUp);
