@@ -107,6 +107,7 @@ int live(QApplication& application, ApplicationService& service, Owners& owners,
                      &QCoreApplication::quit);
     delegate.applicationDidFinishLaunching();
     owners.started(delegate);
+    onStartedAgain(delegate, [&delegate] { delegate.showWindow(); });
     showIfDue(context, delegate);
     // Libraries take themselves down when the process exits: nothing may run with them by then.
     const auto end = [&delegate, &owners] {

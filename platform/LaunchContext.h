@@ -4,6 +4,10 @@
 
 #include <QByteArray>
 
+#include <functional>
+
+class QObject;
+
 namespace varno {
 
 /// What a desktop gives along when it starts a program, or calls one that runs, for its user.
@@ -29,5 +33,10 @@ struct LaunchContext {
 /// Takes it out of the environment, so that children are not started like this. To be called while
 /// there is no other thread, and before there is an application.
 [[nodiscard]] LaunchContext takeLaunchContext();
+
+/// Calls `action`, from the event loop and while `context` lives, each time that the user starts
+/// the program again and the system tells the one that runs. Where a second process tells it,
+/// never.
+void onStartedAgain(QObject& context, std::function<void()> action);
 
 } // namespace varno

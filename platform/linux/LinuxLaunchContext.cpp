@@ -48,4 +48,6 @@ LaunchContext takeLaunchContext()
     return context;
 }
 
+void onStartedAgain(QObject& /*context*/, std::function<void()> /*action*/) {}
+
 } // namespace varno
