@@ -1,0 +1,39 @@
+#include "platform/LaunchContext.h"
+#include "platform/macos/ActionTarget.h"
+
+#include <QPointer>
+
+#include <utility>
+
+namespace varno {
+
+UserAction ActivationMarks::action() const
+{
+    return {};
+}
+
+LaunchContext takeLaunchContext()
+{
+    return {};
+}
+
+/// Once the event loop runs: before, the system's own handler would take its place.
+void onStartedAgain(QObject& context, std::function<void()> action)
+{
+    const auto guarded = [weak = QPointer(&context), action = std::move(action)] {
+        if (weak)
+            action();
+    };
+    const auto install = [guarded] {
+        static VarnoActionTarget* target = nil;
+        target = [[VarnoActionTarget alloc] initWithAction:guarded];
+        [NSAppleEventManager.sharedAppleEventManager
+            setEventHandler:target
+                andSelector:@selector(reopen:reply:)
+              forEventClass:'aevt'
+                 andEventID:'rapp'];
+    };
+    QMetaObject::invokeMethod(&context, install, Qt::QueuedConnection);
+}
+
+} // namespace varno
