@@ -1,19 +1,13 @@
-#include "providers/KeychainService.h"
-
 #include "platform/linux/GLibOwned.h"
 #include "platform/linux/SecretServiceKeyStore.h"
+#include "tests/KeyStoreCases.h"
 #include "tests/PrivateBus.h"
-#include "tests/Test.h"
 
 #include <QDataStream>
 #include <QLocalSocket>
 #include <QProcess>
 
-#include <array>
 #include <atomic>
-#include <future>
-
-using namespace std::chrono_literals;
 
 namespace {
 
@@ -70,7 +64,7 @@ void unlock()
 /// Stands where the desktop's prompter would, and for its user, who refuses or never answers.
 class Prompter {
 public:
-    enum class User { refuses, silent };
+    using User = KeyStoreDesk::User;
 
     explicit Prompter(User user)
         : m_user(user)
@@ -153,6 +147,14 @@ private:
     const QString m_account = m_keychain.anthropicAccount;
     const QString m_other = m_keychain.geminiAccount;
     const QByteArray m_bus = qgetenv(busVariable);
+    const KeyStoreDesk m_desk{.store = m_store,
+                              .itemCount = &itemCount,
+                              .lock = &lock,
+                              .unlock = &unlock,
+                              .meetUser = [](Prompter::User user) {
+                                  const auto prompter = std::make_shared<Prompter>(user);
+                                  return [prompter] { return prompter->askedCount(); };
+                              }};
 
 private Q_SLOTS:
     void init()
@@ -166,76 +168,20 @@ private Q_SLOTS:
         QCOMPARE(m_keychain.load(m_account), Key());
     }
 
-    void keyIsKeptAsItIs()
-    {
-        m_keychain.save(u"other"_s, m_other);
-        for (const QString& key :
-             {u"sk-ant-api03-abc_DEF"_s, u""_s, u"  one\r\ntwo\t\n "_s, u"\uFEFFключ 🔑 é"_s,
-              u"a"_s + QChar(0) + u"b"_s, QString(100000, u'k')}) {
-            m_keychain.save(u"before"_s, m_account);
-            m_keychain.save(key, m_account);
-            QCOMPARE(itemCount(), 1);
-            QCOMPARE(m_keychain.load(m_account), Key(key));
-            QCOMPARE(m_keychain.presence(m_account),
-                     key.isEmpty() ? KeyPresence::absent : KeyPresence::present);
-            m_keychain.remove(m_account);
-            QCOMPARE(itemCount(), 0);
-            QCOMPARE(m_keychain.load(m_account), Key());
-            QCOMPARE(m_keychain.presence(m_account), KeyPresence::absent);
-        }
-        QCOMPARE(m_keychain.load(m_other), Key(u"other"_s));
+    void keyIsKeptAsItIs() { verifyKeysAreKeptAsTheyAre(m_desk); }
 
-        const QByteArray noText = "key\xe2\x82";
-        m_store.replace({.service = m_keychain.service, .account = m_account}, noText, {});
-        QCOMPARE(itemCount(), 1);
-        QCOMPARE(m_keychain.load(m_account), Key());
-        QCOMPARE(m_keychain.presence(m_account), KeyPresence::absent);
-    }
+    void withoutThePasswordNothingChanges() { verifyNothingChangesWithoutLeave(m_desk); }
 
-    void withoutThePasswordNothingChanges()
+    void withoutAPrompterNothingIsFound()
     {
         m_keychain.save(u"old"_s, m_account);
         lock();
-        QCOMPARE(m_keychain.load(m_account), Key()); // without a display there is no prompter
-        const Prompter prompter(Prompter::User::refuses);
-        auto first = m_keychain.request(m_account);
-        auto second = m_keychain.request(m_account);
-        QCOMPARE(KeychainService::load(std::move(first), {}), Key());
-        QCOMPARE(KeychainService::load(std::move(second), {}), Key());
-        QCOMPARE(prompter.askedCount(), 1); // for what was asked together
         QCOMPARE(m_keychain.load(m_account), Key());
-        m_keychain.save(u"new"_s, m_account);
-        m_keychain.save(u"new"_s, m_other);
-        m_keychain.remove(m_account);
-        QCOMPARE(prompter.askedCount(), 5); // each time, since the user may know better later
-        unlock();
-        QCOMPARE(m_keychain.load(m_account), Key(u"old"_s));
-        QCOMPARE(m_keychain.load(m_other), Key());
     }
 
     void waitForTheUserHoldsUpNobodyAndCanBeStopped()
     {
-        m_keychain.save(u"key"_s, m_account);
-        const Prompter prompter(Prompter::User::silent);
-        lock();
-        QCOMPARE(m_keychain.presence(m_account), KeyPresence::present);
-        QCOMPARE(m_keychain.presence(m_other), KeyPresence::absent);
-        QCOMPARE(prompter.askedCount(), 0); // for a glance never
-        std::array<std::stop_source, 2> stops;
-        std::array<std::future<Key>, 2> keys;
-        for (std::size_t i = 0; i < keys.size(); ++i)
-            keys[i] = std::async(std::launch::async, [&, i] {
-                return m_keychain.load(m_account, stops[i].get_token());
-            });
-        QTRY_COMPARE(prompter.askedCount(), 1);
-        QCOMPARE(m_keychain.presence(m_account), KeyPresence::present);
-        for (std::size_t i = 0; i < keys.size(); ++i) { // each stop is for one alone
-            QCOMPARE(keys[i].wait_for(0s), std::future_status::timeout);
-            stops[i].request_stop();
-            // Without an event loop: at its end, the program waits here.
-            QCOMPARE(keys[i].wait_for(30s), std::future_status::ready);
-            QCOMPARE(keys[i].get(), Key());
-        }
+        verifyWaitHoldsUpNobodyAndCanBeStopped(m_desk);
         QVERIFY(isLocked());
     }
 

@@ -2,7 +2,7 @@
 #include "platform/linux/XcbHotKeyEvents.h"
 #include "platform/linux/XcbKeyboard.h"
 #include "shortcuts/Shortcut.h"
-#include "tests/Test.h"
+#include "tests/HotKeyCases.h"
 #include "tests/XDesktop.h"
 
 #include <QProcess>
@@ -121,6 +121,26 @@ private Q_SLOTS:
             for (const quint8 lock : locks)
                 m_other->type(lock);
         }
+    }
+
+    void contract()
+    {
+        m_events->removeEventTypes(HotKeyEvents::hotKeyEvents);
+        verifyHotKeys(
+            {.events = *m_events,
+             .type =
+                 [this] { // once the server has done what it was asked for
+                     const XcbReply<xcb_get_input_focus_reply_t> done(xcb_get_input_focus_reply(
+                         m_connection->get(), xcb_get_input_focus(m_connection->get()), nullptr));
+                     m_other->typeShortcut();
+                 },
+             .takeForAnother =
+                 [this](bool taken) {
+                     if (taken)
+                         QVERIFY(m_other->grab(pcKey::f, pcKey::altSuper));
+                     else
+                         QVERIFY(m_other->isFree()); // which gives it back
+                 }});
     }
 
     void holdingFiresOnce()
