@@ -3,7 +3,8 @@
 #     make demo SHOTS=folder      pictures of the panel instead, in every state and theme
 #     make run                    the application itself, with your own keys
 #     make install [PREFIX=~/.local] [DESTDIR=folder]      make uninstall (likewise)
-#     make package                the package of this Debian, in build/package
+#     make package                the package of this Debian or macOS, in build/package
+#     make check-macos            compiles and links the program for macOS, elsewhere
 #     make test      make lint [ALL=1]      make bench      make fuzz [SECONDS=60]
 #     make bench-desktop      make instructions
 #     make desktops [SESSIONS="xfce sway"] [INSTALLED=/usr]     in real sessions of real desktops
@@ -18,8 +19,9 @@ SESSIONS ?=
 INSTALLED ?=
 
 .PHONY: demo run install uninstall package test lint bench bench-desktop desktops instructions fuzz
-.PHONY: clean
+.PHONY: check-macos clean
 
+mac = $(filter Darwin,$(shell uname -s))
 quoted = '$(subst ','\'',$(1))'
 ifneq ($(SHOTS),)
 demo_needs = build shots
@@ -56,7 +58,7 @@ demo:
 run:
 	@scripts/setup program window
 	$(call program,varno)
-	@build/program/app/varno
+	@build/program/app/varno$(if $(mac),.app/Contents/MacOS/varno)
 
 install:
 	@scripts/setup program
@@ -76,7 +78,11 @@ uninstall:
 
 package:
 	@scripts/setup package
-	@scripts/package
+	@scripts/package$(if $(mac),-macos)
+
+check-macos:
+	@scripts/setup program macos
+	@scripts/check-macos
 
 test:
 	@scripts/setup build test
