@@ -32,11 +32,9 @@ add_library(varno_platform STATIC
     macos/DefaultsPreferencesStore.h
     macos/KeychainKeyStore.cpp
     macos/KeychainKeyStore.h
-    macos/MacFileSystem.cpp
     macos/MacPlatform.cpp
-    macos/MacProcessSecrets.cpp
     macos/MacProgramKeys.mm
-    macos/MacThreads.cpp
+    macos/MacSystem.cpp
     macos/WorkspaceAnimationSetting.mm
     posix/FileSystem.h
     posix/PosixFiles.cpp

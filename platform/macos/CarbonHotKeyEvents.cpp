@@ -17,15 +17,12 @@ constexpr int combinable = carbonModifier::command | carbonModifier::shift |
 std::vector<EventTypeSpec> specificationsOf(HotKeyEvents::EventTypes types)
 {
     std::vector<EventTypeSpec> specifications;
-    const auto add = [&](UInt32 kind) { specifications.push_back({kEventClassKeyboard, kind}); };
-    if (types.testFlag(HotKeyEvents::hotKeyEvents)) {
-        add(hotKeyPressed);
-        add(hotKeyReleased);
-    }
-    if (types.testFlag(HotKeyEvents::keyboardEvents)) {
-        add(rawKeyDown);
-        add(rawKeyUp);
-    }
+    for (const auto& [type, kind] : {std::pair(HotKeyEvents::hotKeyEvents, hotKeyPressed),
+                                     std::pair(HotKeyEvents::hotKeyEvents, hotKeyReleased),
+                                     std::pair(HotKeyEvents::keyboardEvents, rawKeyDown),
+                                     std::pair(HotKeyEvents::keyboardEvents, rawKeyUp)})
+        if (types.testFlag(type))
+            specifications.push_back({kEventClassKeyboard, kind});
     return specifications;
 }
 

@@ -53,9 +53,8 @@ QString CarbonKeyboard::character(int carbonKeyCode) const
     const QString text = QString::fromUtf16(reinterpret_cast<const char16_t*>(typed.data()),
                                             static_cast<qsizetype>(count));
     const QList<uint> characters = text.toUcs4();
-    const bool isShown = std::all_of(characters.begin(), characters.end(),
-                                     [](uint character) { return QChar::isPrint(character); });
-    return isShown ? text : QString();
+    const auto isShown = [](uint character) { return QChar::isPrint(character); };
+    return std::ranges::all_of(characters, isShown) ? text : QString();
 }
 
 std::optional<int> CarbonKeyboard::carbonKeyCode(const NativeKey& key) const

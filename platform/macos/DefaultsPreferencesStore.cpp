@@ -21,7 +21,7 @@ CFOwned<CFTypeRef> cfValue(const QVariant& value)
     }
 }
 
-QVariant valueOf(CFTypeRef value)
+QVariant variantOf(CFTypeRef value)
 {
     if (const auto boolean = booleanOf(value))
         return *boolean;
@@ -32,13 +32,6 @@ QVariant valueOf(CFTypeRef value)
     return {};
 }
 
-template <typename Value>
-std::optional<Value> typed(const QVariant& value)
-{
-    return value.typeId() == QMetaType::fromType<Value>().id() ? std::optional(value.value<Value>())
-                                                               : std::nullopt;
-}
-
 } // namespace
 
 DefaultsPreferencesStore::DefaultsPreferencesStore(QString domain)
@@ -47,45 +40,10 @@ DefaultsPreferencesStore::DefaultsPreferencesStore(QString domain)
 {
 }
 
-bool DefaultsPreferencesStore::contains(const QString& key) const
-{
-    return m_values.contains(key);
-}
-
-std::optional<bool> DefaultsPreferencesStore::boolean(const QString& key) const
-{
-    return typed<bool>(m_values.value(key));
-}
-
-std::optional<QString> DefaultsPreferencesStore::string(const QString& key) const
-{
-    return typed<QString>(m_values.value(key));
-}
-
-std::optional<QStringList> DefaultsPreferencesStore::stringArray(const QString& key) const
-{
-    return typed<QStringList>(m_values.value(key));
-}
-
-void DefaultsPreferencesStore::setBoolean(const QString& key, bool value)
-{
-    change(key, [value](const QVariant&) { return value; });
-}
-
-void DefaultsPreferencesStore::setString(const QString& key, const QString& value)
-{
-    change(key, [value](const QVariant&) { return value; });
-}
-
-void DefaultsPreferencesStore::setStringArray(const QString& key, const QStringList& value)
-{
-    change(key, [value](const QVariant&) { return value; });
-}
-
 void DefaultsPreferencesStore::editStringArray(const QString& key, const ListEdit& edit)
 {
     change(key, [edit](const QVariant& value) {
-        return edit(typed<QStringList>(value).value_or(QStringList()));
+        return edit(valueOf<QStringList>(value).value_or(QStringList()));
     });
 }
 
@@ -103,9 +61,9 @@ void DefaultsPreferencesStore::refresh()
     });
 }
 
-void DefaultsPreferencesStore::waitForDone()
+void DefaultsPreferencesStore::set(const QString& key, const QVariant& value)
 {
-    m_lane.waitForDone();
+    change(key, [value](const QVariant&) { return value; });
 }
 
 /// Here at once, and then again in the domain, as others have left it by then.
@@ -121,7 +79,7 @@ void DefaultsPreferencesStore::change(const QString& key, const Edit& edit)
         CFPreferencesAppSynchronize(domain.get());
         const CFOwned<CFTypeRef> before(CFPreferencesCopyValue(
             name.get(), domain.get(), kCFPreferencesCurrentUser, kCFPreferencesAnyHost));
-        const auto after = cfValue(edit(valueOf(before.get())));
+        const auto after = cfValue(edit(variantOf(before.get())));
         CFPreferencesSetAppValue(name.get(), after.get(), domain.get()); // null removes it
         CFPreferencesAppSynchronize(domain.get());
         tell(number);
@@ -151,7 +109,7 @@ QVariantMap DefaultsPreferencesStore::read() const
     QVariantMap values;
     if (all)
         for (const QString& key : keysOf(all.get()))
-            values.insert(key, valueOf(CFDictionaryGetValue(all.get(), cfString(key).get())));
+            values.insert(key, variantOf(CFDictionaryGetValue(all.get(), cfString(key).get())));
     return values;
 }
 

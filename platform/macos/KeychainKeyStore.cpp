@@ -18,8 +18,6 @@ struct Found {
     std::optional<QByteArray> secret; ///< nothing for what is not bytes
 };
 
-enum class Asking : bool { allowed, refused };
-
 /// The attributes that name an item, and whatever else a call has to say.
 CFOwned<CFDictionaryRef> itemOf(const KeyName& name, const CFEntries& more = {})
 {
@@ -32,10 +30,10 @@ CFOwned<CFDictionaryRef> itemOf(const KeyName& name, const CFEntries& more = {})
     return cfDictionary(entries);
 }
 
-Found copyMatching(const KeyName& name, Asking asking)
+Found copyMatching(const KeyName& name, bool mayAsk)
 {
     CFEntries wanted = {{kSecReturnData, kCFBooleanTrue}, {kSecMatchLimit, kSecMatchLimitOne}};
-    if (asking == Asking::refused)
+    if (!mayAsk)
         wanted.emplace_back(kSecUseAuthenticationUI, kSecUseAuthenticationUIFail);
     CFTypeRef result = nullptr;
     const OSStatus status = SecItemCopyMatching(itemOf(name, wanted).get(), &result);
@@ -98,14 +96,14 @@ void KeychainKeyStore::remove(const KeyName& name, std::stop_token stop)
 
 std::optional<QByteArray> KeychainKeyStore::find(const KeyName& name, std::stop_token stop) const
 {
-    const auto found = answerTo([name] { return copyMatching(name, Asking::allowed); }, stop);
+    const auto found = answerTo([name] { return copyMatching(name, true); }, stop);
     return found && found->status == errSecSuccess ? found->secret : std::nullopt;
 }
 
 KeyGlance KeychainKeyStore::look(const KeyName& name, std::stop_token stop) const
 {
     using State = KeyGlance::State;
-    const auto found = answerTo([name] { return copyMatching(name, Asking::refused); }, stop);
+    const auto found = answerTo([name] { return copyMatching(name, false); }, stop);
     if (!found)
         return {};
     switch (found->status) {

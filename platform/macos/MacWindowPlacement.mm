@@ -28,19 +28,15 @@ NSPanel* panelOf(const QWindow& window)
     return static_cast<NSPanel*>(view.window);
 }
 
-BOOL always(id, SEL)
-{
-    return YES;
-}
-
 /// The toolkit's panels, but that they always take the keyboard.
 Class panelClass(Class toolkitClass)
 {
     static const Class made = [&] {
         const Class panels = objc_allocateClassPair(toolkitClass, "Varno.VarnoPanel", 0);
         const std::string type = std::string(@encode(BOOL)) + "@:";
+        const auto always = +[](id, SEL) -> BOOL { return YES; };
         for (const SEL question : {@selector(canBecomeKeyWindow), @selector(canBecomeMainWindow)})
-            class_addMethod(panels, question, reinterpret_cast<IMP>(&always), type.c_str());
+            class_addMethod(panels, question, reinterpret_cast<IMP>(always), type.c_str());
         objc_registerClassPair(panels);
         return panels;
     }();
