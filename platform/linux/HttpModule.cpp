@@ -1,5 +1,5 @@
-#include "platform/posix/CurlHttpSession.h"
 #include "platform/linux/Module.h"
+#include "platform/posix/CurlHttpSession.h"
 
 varno::HttpSession* varnoMakeHttpSession()
 {

@@ -41,7 +41,7 @@ std::optional<QString> stringOf(CFTypeRef value)
 {
     if (!value || CFGetTypeID(value) != CFStringGetTypeID())
         return std::nullopt;
-    const auto string = static_cast<CFStringRef>(value);
+    const auto* const string = static_cast<CFStringRef>(value);
     QString text(CFStringGetLength(string), Qt::Uninitialized);
     CFStringGetCharacters(string, {.location = 0, .length = text.size()},
                           reinterpret_cast<UniChar*>(text.data()));
@@ -52,7 +52,7 @@ std::optional<QByteArray> bytesOf(CFTypeRef value)
 {
     if (!value || CFGetTypeID(value) != CFDataGetTypeID())
         return std::nullopt;
-    const auto data = static_cast<CFDataRef>(value);
+    const auto* const data = static_cast<CFDataRef>(value);
     return QByteArray(reinterpret_cast<const char*>(CFDataGetBytePtr(data)), CFDataGetLength(data));
 }
 
@@ -76,7 +76,7 @@ std::optional<QStringList> stringsOf(CFTypeRef value)
 {
     if (!value || CFGetTypeID(value) != CFArrayGetTypeID())
         return std::nullopt;
-    const auto array = static_cast<CFArrayRef>(value);
+    const auto* const array = static_cast<CFArrayRef>(value);
     QStringList texts;
     for (CFIndex i = 0; i < CFArrayGetCount(array); ++i) {
         const std::optional<QString> text = stringOf(CFArrayGetValueAtIndex(array, i));
