@@ -97,34 +97,6 @@ private Q_SLOTS:
         QCOMPARE(m_shortcuts->lastEventTime(), 4711U);
     }
 
-    void eventsOfOthers()
-    {
-        m_shortcuts->onKeyDown(open(), calls(u"down"_s));
-        constexpr HotKeyIdentity ours{.signature = 0x53534B53, .id = 1};
-        QCOMPARE(m_events.send({.kind = pressed, .parameterStatus = -9870, .identity = ours}),
-                 std::optional(-9870));
-        for (const HotKeyIdentity other : {HotKeyIdentity{0x53534B54, 1}, {0x53534B53, 2}})
-            QCOMPARE(m_events.send({.kind = pressed, .identity = other}), std::optional(-9874));
-        QVERIFY(m_calls.isEmpty());
-    }
-
-    void keyboardEventsOfOldSystems()
-    {
-        for (const auto& [version, answer] :
-             Rows<int, std::optional<int>>{{14, std::nullopt}, {13, 0}}) {
-            HotKeyCenter center(m_events, {QOperatingSystemVersion::MacOS, version, 6});
-            QVERIFY(center.add(controlJ, {.keyDown = calls(u"down"_s), .keyUp = calls(u"up"_s)}));
-            for (const quint32 kind : {1U, 3U}) {
-                QCOMPARE(m_events.send({.eventClass = HotKeyEventClass::keyboard,
-                                        .kind = kind,
-                                        .carbonKeyCode = controlJ.carbonKeyCode(),
-                                        .carbonModifiers = controlJ.carbonModifiers()}),
-                         answer);
-            }
-        }
-        QCOMPARE(takeCalls(), QStringList({u"down"_s, u"up"_s}));
-    }
-
     void changesAreLiveAtOnce()
     {
         const Name name = open();

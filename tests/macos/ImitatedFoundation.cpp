@@ -89,14 +89,21 @@ void CFRelease(CFTypeRef value)
     --living;
 }
 
+#define IMITATED_TYPE(Function, Content)                                                           \
+    CFTypeID Function()                                                                            \
+    {                                                                                              \
+        return typeOf<Content>();                                                                  \
+    }
+IMITATED_TYPE(CFStringGetTypeID, QString)
+IMITATED_TYPE(CFDataGetTypeID, QByteArray)
+IMITATED_TYPE(CFNumberGetTypeID, SInt32)
+IMITATED_TYPE(CFBooleanGetTypeID, bool)
+IMITATED_TYPE(CFArrayGetTypeID, Value::List)
+IMITATED_TYPE(CFDictionaryGetTypeID, Value::Table)
+
 CFTypeID CFGetTypeID(CFTypeRef value)
 {
     return valueOf(value).content.index() + 1;
-}
-
-CFTypeID CFStringGetTypeID()
-{
-    return typeOf<QString>();
 }
 
 CFStringRef __CFStringMakeConstantString(const char* text)
@@ -129,11 +136,6 @@ void CFStringGetCharacters(CFStringRef string, CFRange range, UniChar* character
                 static_cast<std::size_t>(range.length) * sizeof *characters);
 }
 
-CFTypeID CFDataGetTypeID()
-{
-    return typeOf<QByteArray>();
-}
-
 CFDataRef CFDataCreate(CFAllocatorRef, const UInt8* bytes, CFIndex length)
 {
     return make<CFDataRef>(QByteArray(reinterpret_cast<const char*>(bytes), length));
@@ -149,30 +151,15 @@ const UInt8* CFDataGetBytePtr(CFDataRef data)
     return reinterpret_cast<const UInt8*>(contentOf<QByteArray>(data).constData());
 }
 
-CFTypeID CFNumberGetTypeID()
-{
-    return typeOf<SInt32>();
-}
-
 Boolean CFNumberGetValue(CFNumberRef number, CFNumberType, void* value)
 {
     *static_cast<SInt32*>(value) = contentOf<SInt32>(number);
     return 1;
 }
 
-CFTypeID CFBooleanGetTypeID()
-{
-    return typeOf<bool>();
-}
-
 Boolean CFBooleanGetValue(CFBooleanRef boolean)
 {
     return contentOf<bool>(boolean) ? 1 : 0;
-}
-
-CFTypeID CFArrayGetTypeID()
-{
-    return typeOf<Value::List>();
 }
 
 CFArrayRef CFArrayCreate(CFAllocatorRef, const void** values, CFIndex count,
@@ -192,11 +179,6 @@ CFIndex CFArrayGetCount(CFArrayRef array)
 const void* CFArrayGetValueAtIndex(CFArrayRef array, CFIndex index)
 {
     return contentOf<Value::List>(array).at(static_cast<std::size_t>(index));
-}
-
-CFTypeID CFDictionaryGetTypeID()
-{
-    return typeOf<Value::Table>();
 }
 
 CFDictionaryRef CFDictionaryCreate(CFAllocatorRef, const void** keys, const void** values,
