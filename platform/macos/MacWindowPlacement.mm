@@ -45,10 +45,8 @@ Class panelClass(Class toolkitClass)
 
 } // namespace
 
-bool chooseDisplay()
-{
-    return true;
-}
+DisplayChoice::DisplayChoice() = default;
+DisplayChoice::~DisplayChoice() = default;
 
 /// The system counts upwards from the lower left corner of the first screen.
 QRect roomBeforeUser()
