@@ -12,33 +12,10 @@
 #include <QHelpEvent>
 #include <QImage>
 #include <QLineEdit>
-#include <QPainter>
 #include <QSignalSpy>
 #include <QToolTip>
 
 namespace {
-
-/// A white picture in which `symbol` was drawn in black in the middle, in a box half as wide.
-QImage pictureOf(Symbol symbol, double ratio, QFont::Weight weight)
-{
-    QImage image(QSize(48, 48) * ratio, QImage::Format_RGB32);
-    image.setDevicePixelRatio(ratio);
-    image.fill(Qt::white);
-    QPainter painter(&image);
-    drawSymbol(painter, symbol, {12.3, 12.3, 24, 24}, Qt::black, weight);
-    return image;
-}
-
-/// Where the picture is not white, in its pixels.
-QRect inkBounds(const QImage& image)
-{
-    QRect bounds;
-    for (int y = 0; y < image.height(); ++y)
-        for (int x = 0; x < image.width(); ++x)
-            if (image.pixel(x, y) != qRgb(255, 255, 255))
-                bounds |= QRect(x, y, 1, 1);
-    return bounds;
-}
 
 int pixelsOf(const QImage& image, const QColor& color)
 {
@@ -176,26 +153,6 @@ private Q_SLOTS:
         };
         for (const QString& digits : {u"111"_s, u"777"_s})
             QCOMPARE(width(digits), width(u"000"_s));
-    }
-
-    void symbolsStayInTheirBox()
-    {
-        for (const auto& [ratio, weight] : {std::pair(1.0, QFont::Normal), {2.0, QFont::Bold}}) {
-            const QRect box(QPoint(qRound(12.3 * ratio), qRound(12.3 * ratio)),
-                            QSize(24, 24) * ratio);
-            for (int index = 0; index <= static_cast<int>(Symbol::xmarkCircleFill); ++index) {
-                const InRow row(ratio, index);
-                const QImage image = pictureOf(static_cast<Symbol>(index), ratio, weight);
-                // There is something, and nothing is cut off at its edge.
-                QVERIFY(box.adjusted(1, 1, -1, -1).contains(inkBounds(image)));
-                QVERIFY(inkBounds(image).width() > 4);
-            }
-        }
-        const auto ink = [](QFont::Weight weight) {
-            return pixelsOf(pictureOf(Symbol::xmark, 2, weight), Qt::black);
-        };
-        QVERIFY(ink(QFont::Medium) > ink(QFont::Normal));
-        QVERIFY(ink(QFont::DemiBold) > ink(QFont::Medium));
     }
 
     void buttonHasTheSizeOfItsContent()

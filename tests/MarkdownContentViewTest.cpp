@@ -211,15 +211,6 @@ private Q_SLOTS:
         QCOMPARE(shown.view.selectedText(), QString());
     }
 
-    void looksAsItIsMarked()
-    {
-        MarkdownContentView view;
-        view.setText(u"**a** *b* ~~c~~ `d`"_s);
-        const QString html = view.document().toHtml();
-        for (const auto look : {"font-weight:700"_L1, "italic"_L1, "line-through"_L1})
-            QCOMPARE(html.count(look), 1);
-    }
-
     void opensOnlySomeLinks()
     {
         const QStringList schemes = {u"http"_s, u"https"_s, u"mailto"_s, u"file"_s,
