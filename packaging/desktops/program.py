@@ -53,6 +53,8 @@ class Program:
 
     def hide(self):
         """Brings about that it runs and is hidden, by whatever way works."""
+        if not self.session.bus.has(NAME):
+            self.start()
         if self.panel():
             self.start_again()
         if not self.is_hidden():

@@ -50,6 +50,7 @@ class Plasma(Session):
         self.need_name(SHELL)
 
     def start_watcher(self):
+        """It says that there is a host whether or not there is one."""
         self._kded("loadModule")
 
     def start_status_area(self):
