@@ -59,10 +59,8 @@ def surrounds(picture):
     return bool(mask.getpixel((2, middle)) and mask.getpixel((picture.width - 3, middle)))
 
 
-def difference(before, after, box=None):
-    """The share of the pixels that changed, in a rectangle or in all of it."""
-    if box:
-        before, after = before.crop(box), after.crop(box)
+def difference(before, after):
+    """The share of the pixels that changed."""
     changed = ImageChops.difference(before, after).convert("L").point(lambda value: 255 if value > 8 else 0)
     return changed.histogram()[255] / (changed.width * changed.height)
 
