@@ -44,7 +44,7 @@ private:
         .meetUser =
             [](KeyStoreDesk::User user) {
                 keychain().user = static_cast<Keychain::User>(user);
-                return [before = keychain().asked] { return keychain().asked - before; };
+                return [before = keychain().asked.load()] { return keychain().asked - before; };
             },
     };
     inline static const QString anthropic = u"com.kelbrin.varno/anthropic-api-key"_s;
@@ -62,6 +62,13 @@ private Q_SLOTS:
         keychain().reset();
         preferences().reset();
         m_valuesBefore = livingValues();
+    }
+
+    void cleanup()
+    {
+        keychain().reset();
+        preferences().reset();
+        QTRY_COMPARE(livingValues(), m_valuesBefore); // all is released
     }
 
     void hotKeys()
@@ -211,11 +218,7 @@ private Q_SLOTS:
 
     void withoutLeaveNothingChanges() { verifyNothingChangesWithoutLeave(m_desk); }
 
-    void waitCanBeStopped()
-    {
-        verifyWaitHoldsUpNobodyAndCanBeStopped(m_desk);
-        keychain().answer();
-    }
+    void waitCanBeStopped() { verifyWaitHoldsUpNobodyAndCanBeStopped(m_desk); }
 
     void keychainCallsInTheirOrder()
     {
@@ -229,7 +232,6 @@ private Q_SLOTS:
                      attributes(u" data=bytes:6b6579 accessible=after first unlock"_s) +
                      "\nSecItemCopyMatching " + attributes(find) + "\nSecItemCopyMatching " +
                      attributes(find + u" dialog=fail"_s) + "\nSecItemDelete " + attributes({}));
-        QTRY_COMPARE(livingValues(), m_valuesBefore);
     }
 
     void refusals()
@@ -277,9 +279,11 @@ private Q_SLOTS:
 
     void preferencesOfOtherTypes()
     {
-        const void* mixed[] = {CFSTR("a"), kCFBooleanTrue};
-        preferences().set(u"number"_s, number(1));
-        preferences().set(u"mixed"_s, CFArrayCreate(nullptr, mixed, 2, nullptr));
+        std::array<const void*, 2> elements = {CFSTR("a"), kCFBooleanTrue};
+        const CFOwned<CFArrayRef> mixed(CFArrayCreate(nullptr, elements.data(), 2, nullptr));
+        const CFOwned<CFTypeRef> one(number(1));
+        preferences().set(u"number"_s, one.get());
+        preferences().set(u"mixed"_s, mixed.get());
         preferences().set(u"text"_s, CFSTR("true"));
         preferences().set(u"switch"_s, kCFBooleanTrue);
         DefaultsPreferencesStore store;

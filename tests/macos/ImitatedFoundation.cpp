@@ -1,7 +1,5 @@
 #include "tests/macos/Imitation.h"
 
-#include <QVariant>
-
 #include <atomic>
 #include <cstring>
 #include <variant>
@@ -45,6 +43,22 @@ CFTypeID typeOf()
 CFTypeRef retained(CFTypeRef value)
 {
     return value ? CFRetain(value) : nullptr;
+}
+
+using Domain = std::map<QString, CFTypeRef>;
+
+void put(Domain& domain, const QString& key, CFTypeRef value)
+{
+    const CFTypeRef before = std::exchange(domain[key], retained(value));
+    if (before)
+        CFRelease(before);
+}
+
+void clear(Domain& domain)
+{
+    for (const auto& [key, value] : std::exchange(domain, {}))
+        if (value)
+            CFRelease(value);
 }
 
 struct Observer {
@@ -109,14 +123,14 @@ CFTypeID CFGetTypeID(CFTypeRef value)
 CFStringRef __CFStringMakeConstantString(const char* text)
 {
     static std::mutex mutex;
-    static std::map<QString, CFStringRef> all;
+    static auto& all = *new std::map<QString, CFStringRef>; // for ever
     const std::scoped_lock lock(mutex);
     const QString string = QString::fromLatin1(text);
     const auto known = all.find(string);
     if (known != all.end())
         return known->second;
     const auto made = make<CFStringRef>(string);
-    --living; // for ever
+    --living;
     return all[string] = made;
 }
 
@@ -261,7 +275,7 @@ void CFPreferencesSetAppValue(CFStringRef key, CFPropertyListRef value, CFString
     using namespace varno::imitation;
     const std::scoped_lock lock(preferences().mutex);
     preferences().calls << described(application) + u' ' + described(key) + u' ' + described(value);
-    preferences().pending[contentOf<QString>(key)] = retained(value);
+    put(preferences().pending, contentOf<QString>(key), value);
 }
 
 Boolean CFPreferencesAppSynchronize(CFStringRef)
@@ -271,8 +285,8 @@ Boolean CFPreferencesAppSynchronize(CFStringRef)
     if (!store.isWritable)
         return 0;
     for (const auto& [key, value] : store.pending)
-        store.values[key] = value;
-    store.pending.clear();
+        put(store.values, key, value);
+    clear(store.pending);
     return 1;
 }
 
@@ -328,14 +342,14 @@ Preferences& preferences()
 void Preferences::set(const QString& key, CFTypeRef value)
 {
     const std::scoped_lock lock(mutex);
-    values[key] = value;
+    put(values, key, value);
 }
 
 void Preferences::reset()
 {
     calls.clear();
-    values.clear();
-    pending.clear();
+    clear(values);
+    clear(pending);
     isWritable = true;
 }
 

@@ -7,7 +7,7 @@
 #include <Carbon/Carbon.h>
 #include <Security/Security.h>
 
-#include <functional>
+#include <atomic>
 #include <map>
 #include <mutex>
 #include <optional>
@@ -63,7 +63,7 @@ struct Keychain {
     bool isLocked = false;
     OSStatus failure = errSecSuccess; ///< of every call
     User user = User::refuses;
-    int asked = 0;
+    std::atomic<int> asked = 0;
 
     /// Lets those go on who wait for the silent user: refused.
     void answer();
