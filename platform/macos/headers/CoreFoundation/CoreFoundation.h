@@ -41,7 +41,6 @@ struct CFRange {
 CFTypeRef CFRetain(CFTypeRef value);
 void CFRelease(CFTypeRef value);
 CFTypeID CFGetTypeID(CFTypeRef value);
-Boolean CFEqual(CFTypeRef one, CFTypeRef other);
 
 CFTypeID CFStringGetTypeID();
 CFStringRef __CFStringMakeConstantString(const char* text);
