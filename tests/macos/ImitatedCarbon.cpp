@@ -1,7 +1,6 @@
 #include "tests/macos/Imitation.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 
 struct OpaqueEventRef {
@@ -16,9 +15,19 @@ namespace {
 
 using varno::imitation::eventManager;
 
-std::array<char, 4> marks; ///< for references that nobody looks behind
-const auto dispatcher = reinterpret_cast<EventTargetRef>(&marks[0]);
-const auto handlerReference = reinterpret_cast<EventHandlerRef>(&marks[1]);
+// Behind these references nobody looks.
+EventTargetRef dispatcher()
+{
+    static char mark = 0;
+    return reinterpret_cast<EventTargetRef>(&mark);
+}
+
+EventHandlerRef handlerReference()
+{
+    static char mark = 0;
+    return reinterpret_cast<EventHandlerRef>(&mark);
+}
+
 constexpr OSStatus wrongCall = -50;
 
 void log(const char* call, ItemCount count, const EventTypeSpec* types)
@@ -34,18 +43,18 @@ void log(const char* call, ItemCount count, const EventTypeSpec* types)
 
 EventTargetRef GetEventDispatcherTarget()
 {
-    return dispatcher;
+    return dispatcher();
 }
 
 OSStatus InstallEventHandler(EventTargetRef target, EventHandlerUPP handler, ItemCount count,
                              const EventTypeSpec* types, void* user, EventHandlerRef* made)
 {
     log("InstallEventHandler", count, types);
-    if (target != dispatcher || eventManager().handler)
+    if (target != dispatcher() || eventManager().handler)
         return wrongCall;
     eventManager().handler = handler;
     eventManager().user = user;
-    *made = handlerReference;
+    *made = handlerReference();
     return noErr;
 }
 
@@ -63,7 +72,7 @@ OSStatus AddEventTypesToHandler(EventHandlerRef handler, ItemCount count,
     log("AddEventTypesToHandler", count, types);
     for (const EventTypeSpec* type = types; type != types + count; ++type)
         eventManager().kinds.insert(type->eventKind);
-    return handler == handlerReference ? OSStatus(noErr) : wrongCall;
+    return handler == handlerReference() ? OSStatus(noErr) : wrongCall;
 }
 
 OSStatus RemoveEventTypesFromHandler(EventHandlerRef handler, ItemCount count,
@@ -72,7 +81,7 @@ OSStatus RemoveEventTypesFromHandler(EventHandlerRef handler, ItemCount count,
     log("RemoveEventTypesFromHandler", count, types);
     for (const EventTypeSpec* type = types; type != types + count; ++type)
         eventManager().kinds.erase(type->eventKind);
-    return handler == handlerReference ? OSStatus(noErr) : wrongCall;
+    return handler == handlerReference() ? OSStatus(noErr) : wrongCall;
 }
 
 UInt32 GetEventKind(EventRef event)
@@ -101,7 +110,7 @@ OSStatus RegisterEventHotKey(UInt32 keyCode, UInt32 modifiers, EventHotKeyID ide
                                 .arg(identity.signature, 0, 16)
                                 .arg(identity.id)
                                 .arg(options);
-    if (target != dispatcher)
+    if (target != dispatcher())
         return wrongCall;
     if (eventManager().taken.contains({keyCode, modifiers}))
         return eventHotKeyExistsErr;
@@ -128,7 +137,8 @@ OSStatus CopySymbolicHotKeys(CFArrayRef* hotKeys)
 
 TISInputSourceRef TISCopyCurrentKeyboardLayoutInputSource()
 {
-    const auto empty = reinterpret_cast<const UInt8*>("layout");
+    const auto* const empty = reinterpret_cast<const UInt8*>("layout");
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): sources are values, too
     return const_cast<TISInputSourceRef>(
         reinterpret_cast<const TISInputSource*>(CFDataCreate(nullptr, empty, 6)));
 }
@@ -183,8 +193,8 @@ void EventManager::type(UInt32 keyCode, UInt32 modifiers) const
     for (const UInt32 kind : {5U, 6U})
         for (const auto& [reference, hotKey] : std::map(hotKeys))
             if (hotKey.first == std::pair(keyCode, modifiers))
-                send(kind,
-                     {{kEventParamDirectObject, {hotKey.second.signature, hotKey.second.id}}});
+                static_cast<void>(send(kind, {{kEventParamDirectObject,
+                                               {hotKey.second.signature, hotKey.second.id}}}));
 }
 
 } // namespace varno::imitation

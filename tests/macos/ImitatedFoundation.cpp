@@ -14,6 +14,7 @@ struct Value {
     mutable std::atomic<int> references = 1;
 };
 
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a service has a state
 std::atomic<int> living = 0;
 
 template <typename Reference, typename Content>
@@ -62,10 +63,11 @@ void clear(Domain& domain)
 }
 
 struct Observer {
-    const void* observer;
+    void* observer;
     CFNotificationCallback callback;
     CFStringRef name;
 };
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a service has a state
 std::vector<Observer> observers;
 
 } // namespace
@@ -123,13 +125,14 @@ CFTypeID CFGetTypeID(CFTypeRef value)
 CFStringRef __CFStringMakeConstantString(const char* text)
 {
     static std::mutex mutex;
+    // NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a service has a state
     static auto& all = *new std::map<QString, CFStringRef>; // for ever
     const std::scoped_lock lock(mutex);
     const QString string = QString::fromLatin1(text);
     const auto known = all.find(string);
     if (known != all.end())
         return known->second;
-    const auto made = make<CFStringRef>(string);
+    const auto* const made = make<CFStringRef>(string);
     --living;
     return all[string] = made;
 }
@@ -233,7 +236,8 @@ void CFNotificationCenterAddObserver(CFNotificationCenterRef, const void* observ
                                      CFNotificationCallback callback, CFStringRef name, const void*,
                                      CFNotificationSuspensionBehavior)
 {
-    observers.push_back({observer, callback, name});
+    // NOLINTNEXTLINE(cppcoreguidelines-pro-type-const-cast): a callback may change it
+    observers.push_back({const_cast<void*>(observer), callback, name});
 }
 
 void CFNotificationCenterRemoveObserver(CFNotificationCenterRef, const void* observer,
@@ -330,7 +334,7 @@ void Layout::change(const QHash<int, QString>& newCharacters)
     characters = newCharacters;
     for (const Observer& each : std::vector(observers))
         if (each.name == kTISNotifySelectedKeyboardInputSourceChanged)
-            each.callback(nullptr, const_cast<void*>(each.observer), each.name, nullptr, nullptr);
+            each.callback(nullptr, each.observer, each.name, nullptr, nullptr);
 }
 
 Preferences& preferences()

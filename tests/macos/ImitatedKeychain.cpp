@@ -22,6 +22,7 @@ using varno::imitation::described;
 using varno::imitation::Keychain;
 using varno::imitation::keychain;
 
+// NOLINTNEXTLINE(cppcoreguidelines-avoid-non-const-global-variables): a service has a state
 std::condition_variable answered;
 
 QString nameOf(CFDictionaryRef query)

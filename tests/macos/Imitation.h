@@ -37,7 +37,7 @@ struct EventManager {
     std::set<UInt32> kinds; ///< that the handler gets
 
     /// What the handler answers.
-    OSStatus send(UInt32 kind, const Parameters& parameters) const;
+    [[nodiscard]] OSStatus send(UInt32 kind, const Parameters& parameters) const;
     /// As somebody at the keyboard; each is sent to nobody if it is not registered.
     void type(UInt32 keyCode, UInt32 modifiers) const;
 };
