@@ -224,13 +224,6 @@ private Q_SLOTS:
 
     void crumbsShareTheirRoom()
     {
-        for (const auto& [widths, available, shared] :
-             Rows<QList<int>, int, QList<int>>{{{40, 60}, 100, {40, 60}},
-                                               {{80, 90, 20}, 100, {40, 40, 20}},
-                                               {{80, 90}, -5, {0, 0}}}) {
-            const InRow row(widths, available);
-            QCOMPARE(sharedWidths(widths, available), shared);
-        }
         Screen screen;
         screen.writeArticle(u"an endless question "_s.repeated(30), {});
         QTRY_VERIFY(screen.button(u"Settings"_s)->geometry().right() < 700);

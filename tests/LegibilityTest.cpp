@@ -1,5 +1,4 @@
 #include "kit/Rule.h"
-#include "kit/ScriptDirection.h"
 #include "kit/Theme.h"
 #include "reader/ReadingColumn.h"
 #include "tests/Test.h"
@@ -84,18 +83,6 @@ private Q_SLOTS:
         for (int y = 0; y < image.height(); ++y)
             column += image.pixelColor(image.width() / 2, y) == ground ? u' ' : u'#';
         QCOMPARE(column.simplified(), u"# "_s.repeated(8).trimmed());
-    }
-
-    void directionOfText()
-    {
-        for (const auto& [text, direction] :
-             Rows<QString, Qt::LayoutDirection>{{u"Tides"_s, Qt::LeftToRight},
-                                                {u"المد والجزر"_s, Qt::RightToLeft},
-                                                {u"Fresnel צרפתי שבנה עדשות"_s, Qt::RightToLeft},
-                                                {u"1822 …"_s, Qt::LayoutDirectionAuto}}) {
-            const InRow row(text);
-            QCOMPARE(scriptDirection(text), direction);
-        }
     }
 
     void pageTurns()

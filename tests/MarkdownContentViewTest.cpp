@@ -3,7 +3,6 @@
 #include "tests/PageText.h"
 #include "tests/Test.h"
 
-#include <QClipboard>
 #include <QDesktopServices>
 #include <QGuiApplication>
 #include <QTextLayout>
@@ -170,19 +169,6 @@ private Q_SLOTS:
         QVERIFY(hasInk(0, 2, 6));
         QVERIFY(hasInk(2, 4, 20));
         QVERIFY(hasInk(3, shown.view.width() - 8, 6));
-    }
-
-    void copiesCleanText()
-    {
-        ShownView shown;
-        shown.view.setText(
-            u"# A *b*\nc  \nd\n\n- e\n- **f**\n\n2. g\n\n2024 was quite a year. Yes"_s);
-        surfaceOf(shown.view).selectAll();
-        QTest::keySequence(&surfaceOf(shown.view), QKeySequence::Copy);
-        QCOMPARE(QGuiApplication::clipboard()->text(),
-                 u"A b\n\nc\nd\n\n- e\n- f\n\n2. g\n\n2024 was quite a year. Yes"_s);
-        select(shown.view, 2, 9); // "b", "c", "d", and into the list
-        QCOMPARE(shown.view.selectedText(), u"b\n\nc\nd\n\n- e"_s);
     }
 
     void keepsSelection()
