@@ -128,8 +128,12 @@ bool StandInService::Implementation::makeServer(const Settings& settings)
     const TestCertificate certificate;
     auto server =
         std::make_unique<httplib::SSLServer>(certificate.certificate(), certificate.key());
-    if (settings.isOldTls && server->is_valid())
+    if (settings.isOldTls && server->is_valid()) {
+#pragma GCC diagnostic push
+#pragma GCC diagnostic ignored "-Wdeprecated-declarations" // older versions know no other
         SSL_CTX_set_max_proto_version(server->ssl_context(), TLS1_2_VERSION);
+#pragma GCC diagnostic pop
+    }
     m_server = std::move(server);
     m_folder.emplace();
     QFile file(certificateFile());

@@ -142,7 +142,12 @@ StatusNotifier::StatusNotifier(const QIcon& icon, const QString& name)
     m_properties = propertiesOf(icon, name);
     m_bus.registerVirtualObject(itemPath, this);
     connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
-            &StatusNotifier::meetWatcher);
+            [this](const QString&, const QString&, const QString& owner) {
+                if (owner.isEmpty()) // what is sent to nobody may reach the next one
+                    Q_EMIT hostFound(false);
+                else
+                    meetWatcher();
+            });
     for (const QString& change :
          {u"StatusNotifierHostRegistered"_s, u"StatusNotifierHostUnregistered"_s})
         m_bus.connect({}, watcherPath, watcherService, change, this, SLOT(askForHost()));
@@ -154,7 +159,6 @@ StatusNotifier::~StatusNotifier()
     m_bus.unregisterObject(itemPath);
 }
 
-/// Also when it is there no more, which is answered by an error.
 void StatusNotifier::meetWatcher()
 {
     m_isAnnounced = false;
