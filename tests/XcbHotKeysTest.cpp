@@ -139,7 +139,7 @@ private Q_SLOTS:
                      if (taken)
                          QVERIFY(m_other->grab(pcKey::f, pcKey::altSuper));
                      else
-                         QVERIFY(m_other->isFree()); // which gives it back
+                         QTRY_VERIFY(m_other->isFree()); // which gives it back
                  }});
     }
 
