@@ -3,6 +3,7 @@
 #include "tests/Test.h"
 
 #include <QDBusArgument>
+#include <QVersionNumber>
 
 namespace {
 
@@ -122,7 +123,8 @@ private Q_SLOTS:
             replaceProgram(*m_desktop);
             StatusHost host(first);
             QVERIFY(m_program->start());
-            QTRY_COMPARE(area.icons(), icons);
+            if (QVersionNumber::fromString(qVersion()) < QVersionNumber(6, 8)) // which asks no host
+                QTRY_COMPARE(area.icons(), icons);
             for (int time = 0; time < 2; ++time) {
                 host.setAnswer(Answer::yes);
                 QTRY_COMPARE(area.icons(), 0);
