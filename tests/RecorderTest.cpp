@@ -282,9 +282,11 @@ private Q_SLOTS:
         otherProgram.typeShortcut(); // its own: reaches the recorder and does not fire
         QTRY_COMPARE(m_changes, QList{std::optional(optionCommandF)});
         QCOMPARE(opened, 0);
+        const XcbReply<xcb_get_input_focus_reply_t> heard(
+            xcb_get_input_focus_reply( // by the server
+                connection.get(), xcb_get_input_focus(connection.get()), nullptr));
         otherProgram.typeShortcut();
         QTRY_COMPARE(opened, 1);
-
         QTRY_VERIFY(m_screen->window.isActiveWindow());
         click();
         otherProgram.typeShortcut(pcKey::j); // another program's: reaches it all the same

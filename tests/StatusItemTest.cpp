@@ -123,14 +123,14 @@ private Q_SLOTS:
             replaceProgram(*m_desktop);
             StatusHost host(first);
             QVERIFY(m_program->start());
-            if (QVersionNumber::fromString(qVersion()) < QVersionNumber(6, 8)) // which asks no host
-                QTRY_COMPARE(area.icons(), icons);
+            const bool isOld = QVersionNumber::fromString(qVersion()) < QVersionNumber(6, 8);
+            QTRY_COMPARE(area.icons(), isOld ? icons : 0); // newer ones take a watcher for a host
             for (int time = 0; time < 2; ++time) {
                 host.setAnswer(Answer::yes);
                 QTRY_COMPARE(area.icons(), 0);
                 verifyItem(host);
                 host.setAnswer(Answer::no);
-                QTRY_COMPARE(area.icons(), 1);
+                QTRY_COMPARE(area.icons(), isOld ? 1 : 0);
             }
         }
     }

@@ -9,6 +9,7 @@
 #include <QDBusVariant>
 #include <QIcon>
 #include <QImage>
+#include <QVersionNumber>
 #include <QtEndian>
 
 #include <array>
@@ -130,6 +131,18 @@ void ask(const QDBusConnection& bus, const QDBusMessage& call, QObject* receiver
     });
 }
 
+bool isThere(const QDBusPendingCall& answer)
+{
+    return answer.error().type() != QDBusError::ServiceUnknown;
+}
+
+/// Whether the toolkit's icon goes there beside a watcher without a host: from 6.8 on it would
+/// announce itself to that one, beside ours.
+bool isOlderAreaFree()
+{
+    return QVersionNumber::fromString(QLatin1StringView(qVersion())) < QVersionNumber(6, 8);
+}
+
 } // namespace
 
 StatusNotifier::StatusNotifier(const QIcon& icon, const QString& name)
@@ -173,7 +186,8 @@ void StatusNotifier::askForHost()
                       callOfWatcher(propertiesInterface, u"Get"_s,
                                     {watcherService, u"IsStatusNotifierHostRegistered"_s}),
                       this, [this](const QDBusPendingReply<QDBusVariant>& reply) {
-                          Q_EMIT hostFound(reply.isValid() && reply.value().variant().toBool());
+                          const bool isSaid = reply.isValid() && reply.value().variant().toBool();
+                          Q_EMIT hostFound(isSaid || (isThere(reply) && !isOlderAreaFree()));
                       });
 }
 
