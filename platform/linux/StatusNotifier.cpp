@@ -133,7 +133,8 @@ void ask(const QDBusConnection& bus, const QDBusMessage& call, QObject* receiver
 
 bool isThere(const QDBusPendingCall& answer)
 {
-    return answer.error().type() != QDBusError::ServiceUnknown;
+    const QString error = answer.error().name();
+    return !error.endsWith(".ServiceUnknown"_L1) && !error.endsWith(".NameHasNoOwner"_L1);
 }
 
 /// Whether the toolkit's icon goes there beside a watcher without a host: from 6.8 on it would
