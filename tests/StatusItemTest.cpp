@@ -167,6 +167,11 @@ private Q_SLOTS:
         QVERIFY(m_program->settles());
         QVERIFY(m_program->isShown());
         QCOMPARE(area.icons(), 1);
+        replaceProgram(*m_desktop);
+        QTRY_COMPARE(area.icons(), 0);
+        takeBusAway();
+        m_program->launch();
+        QTRY_COMPARE(area.icons(), 1);
     }
 };
 

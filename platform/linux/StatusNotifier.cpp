@@ -9,7 +9,6 @@
 #include <QDBusVariant>
 #include <QIcon>
 #include <QImage>
-#include <QVersionNumber>
 #include <QtEndian>
 
 #include <array>
@@ -119,32 +118,45 @@ QDBusMessage callOfWatcher(const QString& interface, const QString& method,
     return call;
 }
 
-/// Sends a call, without a limit to how late the answer may come.
+constexpr int forever = std::numeric_limits<int>::max();
+
 template <typename... Reply, typename Action>
-void ask(const QDBusConnection& bus, const QDBusMessage& call, QObject* receiver, Action then)
+void ask(const QDBusMessage& call, QObject& receiver, int patience, Action then)
 {
-    constexpr int forever = std::numeric_limits<int>::max();
-    auto* answer = new QDBusPendingCallWatcher(bus.asyncCall(call, forever), receiver);
-    QObject::connect(answer, &QDBusPendingCallWatcher::finished, receiver, [answer, then] {
+    auto* answer = new QDBusPendingCallWatcher(
+        QDBusConnection::sessionBus().asyncCall(call, patience), &receiver);
+    QObject::connect(answer, &QDBusPendingCallWatcher::finished, &receiver, [answer, then] {
         answer->deleteLater();
         then(QDBusPendingReply<Reply...>(*answer));
     });
 }
 
-bool isThere(const QDBusPendingCall& answer)
+NotifierArea areaOf(const QDBusPendingReply<QDBusVariant>& reply)
 {
-    const QString error = answer.error().name();
-    return !error.endsWith(".ServiceUnknown"_L1) && !error.endsWith(".NameHasNoOwner"_L1);
-}
-
-/// Whether the toolkit's icon goes there beside a watcher without a host: from 6.8 on it would
-/// announce itself to that one, beside ours.
-bool isOlderAreaFree()
-{
-    return QVersionNumber::fromString(QLatin1StringView(qVersion())) < QVersionNumber(6, 8);
+    if (reply.isValid())
+        return reply.value().variant().toBool() ? NotifierArea::shown : NotifierArea::listOnly;
+    const QString error = reply.error().name();
+    const bool isNobody =
+        error.endsWith(".ServiceUnknown"_L1) || error.endsWith(".NameHasNoOwner"_L1);
+    return isNobody ? NotifierArea::none : NotifierArea::listOnly;
 }
 
 } // namespace
+
+void askForNotifierArea(QObject& receiver, int patience,
+                        const std::function<void(NotifierArea)>& answer)
+{
+    if (!QDBusConnection::sessionBus().isConnected()) { // which its calls would not tell
+        QMetaObject::invokeMethod(
+            &receiver, [answer] { answer(NotifierArea::none); }, Qt::QueuedConnection);
+        return;
+    }
+    ask<QDBusVariant>(callOfWatcher(propertiesInterface, u"Get"_s,
+                                    {watcherService, u"IsStatusNotifierHostRegistered"_s}),
+                      receiver, patience, [answer](const QDBusPendingReply<QDBusVariant>& reply) {
+                          answer(areaOf(reply));
+                      });
+}
 
 StatusNotifier::StatusNotifier(const QIcon& icon, const QString& name)
     : m_bus(QDBusConnection::sessionBus())
@@ -158,7 +170,7 @@ StatusNotifier::StatusNotifier(const QIcon& icon, const QString& name)
     connect(&m_watcher, &QDBusServiceWatcher::serviceOwnerChanged, this,
             [this](const QString&, const QString&, const QString& owner) {
                 if (owner.isEmpty()) // what is sent to nobody may reach the next one
-                    Q_EMIT hostFound(false);
+                    Q_EMIT areaFound(NotifierArea::none);
                 else
                     meetWatcher();
             });
@@ -183,13 +195,7 @@ void StatusNotifier::askForHost()
 {
     if (!m_isAnnounced)
         announce();
-    ask<QDBusVariant>(m_bus,
-                      callOfWatcher(propertiesInterface, u"Get"_s,
-                                    {watcherService, u"IsStatusNotifierHostRegistered"_s}),
-                      this, [this](const QDBusPendingReply<QDBusVariant>& reply) {
-                          const bool isSaid = reply.isValid() && reply.value().variant().toBool();
-                          Q_EMIT hostFound(isSaid || (isThere(reply) && !isOlderAreaFree()));
-                      });
+    askForNotifierArea(*this, forever, [this](NotifierArea area) { Q_EMIT areaFound(area); });
 }
 
 /// GNOME's shell is looked for first: its answer comes before a question of a host.
@@ -200,12 +206,12 @@ void StatusNotifier::announce()
         QDBusMessage::createMethodCall(u"org.freedesktop.DBus"_s, u"/org/freedesktop/DBus"_s,
                                        u"org.freedesktop.DBus"_s, u"GetNameOwner"_s);
     owner << u"org.gnome.Shell"_s;
-    ask<QString>(m_bus, owner, this, [this](const QDBusPendingReply<QString>& reply) {
+    ask<QString>(owner, *this, forever, [this](const QDBusPendingReply<QString>& reply) {
         m_gnomeShell = reply.isValid() ? reply.value() : QString();
     });
-    ask<>(m_bus,
-          callOfWatcher(watcherService, u"RegisterStatusNotifierItem"_s, {m_bus.baseService()}),
-          this, [this](const QDBusPendingReply<>& reply) { m_isAnnounced = reply.isValid(); });
+    ask<>(callOfWatcher(watcherService, u"RegisterStatusNotifierItem"_s, {m_bus.baseService()}),
+          *this, forever,
+          [this](const QDBusPendingReply<>& reply) { m_isAnnounced = reply.isValid(); });
 }
 
 QString StatusNotifier::introspect(const QString& /*path*/) const

@@ -7,9 +7,23 @@
 #include <QDBusVirtualObject>
 #include <QVariantMap>
 
+#include <functional>
+
 class QIcon;
 
 namespace varno {
+
+/// Who there is on the session bus for icons.
+enum class NotifierArea : quint8 {
+    none,     ///< nobody, or no bus
+    listOnly, ///< a watcher that lists them, but no host that shows them
+    shown,    ///< a host
+};
+
+/// Asks the watcher. The answer comes from the event loop, once, unless the receiver is gone by
+/// then; `patience` is in milliseconds.
+void askForNotifierArea(QObject& receiver, int patience,
+                        const std::function<void(NotifierArea)>& answer);
 
 /// The icon as an object on the session bus (org.kde.StatusNotifierItem), which the hosts of
 /// desktops show. It announces itself to whoever keeps the list of such icons, before there is a
@@ -27,8 +41,8 @@ public:
 
 Q_SIGNALS:
     void activated(const varno::UserAction& action);
-    /// Whether there is a host to show the icon. Told first when it is known, which may be never.
-    void hostFound(bool isFound);
+    /// Who may show the icon. Told first when it is known, which may be never.
+    void areaFound(varno::NotifierArea area);
 
 private Q_SLOTS:
     void askForHost();

@@ -8,6 +8,7 @@
 #include <QGuiApplication>
 #include <QStyleHints>
 #include <QTimer>
+#include <QVersionNumber>
 
 #include <utility>
 
@@ -29,7 +30,7 @@ TrayStatusItem::TrayStatusItem(QIcon icon, QString name)
     , m_notifier(m_image, m_name)
 {
     connect(&m_notifier, &StatusNotifier::activated, this, &StatusItem::activated);
-    connect(&m_notifier, &StatusNotifier::hostFound, this, &TrayStatusItem::setHost);
+    connect(&m_notifier, &StatusNotifier::areaFound, this, &TrayStatusItem::setArea);
     if (xConnection()) {
         m_manager = xAtom("MANAGER");
         QCoreApplication::instance()->installNativeEventFilter(this);
@@ -42,9 +43,13 @@ TrayStatusItem::~TrayStatusItem()
         QCoreApplication::instance()->removeNativeEventFilter(this);
 }
 
-void TrayStatusItem::setHost(bool isFound)
+/// From 6.8 on the toolkit announces an icon of its own to a watcher without a host, beside ours.
+void TrayStatusItem::setArea(NotifierArea area)
 {
-    m_wantsOlderArea = !isFound;
+    static const auto version = QVersionNumber::fromString(QLatin1StringView(qVersion()));
+    const bool mayStandBeside = version < QVersionNumber(6, 8);
+    m_wantsOlderArea =
+        area == NotifierArea::none || (area == NotifierArea::listOnly && mayStandBeside);
     if (m_icon)
         m_icon->setVisible(m_wantsOlderArea);
     else

@@ -28,7 +28,7 @@ public:
     bool nativeEventFilter(const QByteArray& type, void* message, qintptr* result) override;
 
 private:
-    void setHost(bool isFound);
+    void setArea(NotifierArea area);
     void showInOlderArea();
     void create();
     [[nodiscard]] bool isSecondClick();
