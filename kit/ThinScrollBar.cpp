@@ -9,6 +9,7 @@
 #include <QStyleOptionSlider>
 
 #include <algorithm>
+#include <cmath>
 
 namespace varno {
 namespace {
@@ -18,6 +19,7 @@ using namespace Qt::StringLiterals;
 constexpr int extent = 10;
 constexpr int leastThumb = 28;
 constexpr int thumbInset = 2;
+constexpr double pieceHeight = 90; // in pixels: the toolkit shares out from 96 on
 
 /// A bar without buttons: the thumb has the whole of its length.
 class ThinStyle final : public QProxyStyle {
@@ -68,6 +70,16 @@ private:
     }
 };
 
+/// Opaque.
+QColor mixed(const QColor& ground, const QColor& ink, double opacity)
+{
+    const auto mix = [=](int below, int above) {
+        return int(std::lround(below + (above - below) * opacity));
+    };
+    return {mix(ground.red(), ink.red()), mix(ground.green(), ink.green()),
+            mix(ground.blue(), ink.blue())};
+}
+
 } // namespace
 
 ThinScrollBar::ThinScrollBar(QWidget* parent)
@@ -89,10 +101,21 @@ void ThinScrollBar::paintEvent(QPaintEvent* /*event*/)
     const QRectF thumb = QRectF(style()->subControlRect(QStyle::CC_ScrollBar, &option,
                                                         QStyle::SC_ScrollBarSlider, this))
                              .adjusted(thumbInset, thumbInset, -thumbInset, -thumbInset);
-    const bool strong = isSliderDown() || underMouse();
+    const double opacity = isSliderDown() || underMouse() ? 0.75 : 0.55;
+    paintThumb(thumb, mixed(themeColor(palette(), ColorRole::background),
+                            themeColor(palette(), ColorRole::text), opacity));
+}
+
+/// In pieces that overlap by their round ends: what is taller is painted by several threads, which
+/// wait for more for half a minute.
+void ThinScrollBar::paintThumb(const QRectF& thumb, const QColor& color)
+{
     QPainter painter(this);
-    fillRounded(painter, thumb, thumb.width() / 2,
-                themeColor(palette(), ColorRole::text, strong ? 0.75 : 0.55));
+    const double width = thumb.width();
+    const double height = pieceHeight / devicePixelRatioF();
+    for (double top = thumb.top(); top + width <= thumb.bottom(); top += height - width)
+        fillRounded(painter, {thumb.left(), top, width, std::min(height, thumb.bottom() - top)},
+                    width / 2, color);
 }
 
 } // namespace varno

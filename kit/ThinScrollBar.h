@@ -13,6 +13,9 @@ public:
 
 protected:
     void paintEvent(QPaintEvent* event) override;
+
+private:
+    void paintThumb(const QRectF& thumb, const QColor& color);
 };
 
 } // namespace varno
