@@ -1,5 +1,6 @@
 #include "app/AppDelegate.h"
 
+#include "app/AfterShowing.h"
 #include "app/OpenShortcut.h"
 #include "kit/RoundedShape.h"
 #include "kit/Symbol.h"
@@ -105,7 +106,7 @@ void AppDelegate::showWindow(const UserAction& action)
     if (!m_panel)
         m_panel = std::make_unique<VarnoPanel>(m_viewModel, m_keys, panelShortcut());
     m_panel->present(action);
-    m_viewModel.refreshHistory();
+    afterShowing(this, [this] { m_viewModel.refreshHistory(); });
 }
 
 void AppDelegate::toggleWindow(const UserAction& action)

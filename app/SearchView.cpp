@@ -1,5 +1,6 @@
 #include "app/SearchView.h"
 
+#include "app/AfterShowing.h"
 #include "kit/Accessibility.h"
 #include "kit/Layout.h"
 #include "platform/KeyLabel.h"
@@ -208,7 +209,7 @@ void SearchView::showEvent(QShowEvent* event)
 {
     QWidget::showEvent(event);
     showHints();
-    askForKeys();
+    afterShowing(this, &SearchView::askForKeys);
     m_box.setFocus();
 }
 
