@@ -74,7 +74,7 @@ void CloseButton::paintEvent(QPaintEvent*)
     fillRounded(painter, rect(), side / 2.0,
                 themeColor(palette(), ColorRole::text, (isStrong ? 2 : 1) * hoverOpacity()));
     if (hasFocus())
-        outlineRounded(painter, rect(), side / 2.0, 1.5, themeColor(palette(), ColorRole::accent));
+        outlineFocus(painter, rect(), side / 2.0, palette());
     const double margin = (side - symbolSide) / 2;
     drawSymbol(painter, Symbol::xmark, QRectF(rect()).adjusted(margin, margin, -margin, -margin),
                themeColor(palette(), ColorRole::text, isStrong ? 0.8 : 0.5), QFont::Medium);

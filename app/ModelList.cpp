@@ -49,8 +49,7 @@ protected:
         QPainter painter(this);
         fillRounded(painter, rect(), radius, themeColor(palette(), ColorRole::accent, 0.1));
         if (hasFocus())
-            outlineRounded(painter, rect(), radius, 1.5,
-                           themeColor(palette(), ColorRole::accent, 0.8));
+            outlineFocus(painter, rect(), radius, palette());
     }
 
 private:

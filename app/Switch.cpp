@@ -57,8 +57,7 @@ void Switch::paintEvent(QPaintEvent*)
 
     const QRectF ring = QRect(QPoint(), sizeHint());
     if (hasFocus())
-        outlineRounded(painter, ring, ring.height() / 2 - 0.25, 1.5,
-                       themeColor(palette(), ColorRole::accent, 0.8));
+        outlineFocus(painter, ring, ring.height() / 2 - 0.25, palette());
 }
 
 } // namespace varno

@@ -55,7 +55,7 @@ protected:
     void paintEvent(QPaintEvent*) override
     {
         QPainter painter(this);
-        outlineRounded(painter, rect(), 5, 1.5, themeColor(palette(), ColorRole::accent, 0.8));
+        outlineFocus(painter, rect(), 5, palette());
     }
 };
 

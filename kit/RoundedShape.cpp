@@ -1,5 +1,7 @@
 #include "kit/RoundedShape.h"
 
+#include "kit/Theme.h"
+
 #include <QPainter>
 #include <QPainterPath>
 
@@ -29,6 +31,11 @@ void outlineRounded(QPainter& painter, const QRectF& place, double radius, doubl
     painter.setPen(QPen(color, width));
     painter.setBrush(ground);
     painter.drawRoundedRect(inset(place, half), radius - half, radius - half);
+}
+
+void outlineFocus(QPainter& painter, const QRectF& place, double radius, const QPalette& palette)
+{
+    outlineRounded(painter, place, radius, 1.5, themeColor(palette, ColorRole::accent, 0.8));
 }
 
 void clipRounded(QPainter& painter, const QRectF& place, double radius, double width)

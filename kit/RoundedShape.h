@@ -3,6 +3,7 @@
 #include <QBrush>
 
 class QPainter;
+class QPalette;
 class QRectF;
 
 namespace varno {
@@ -16,6 +17,9 @@ void fillRounded(QPainter& painter, const QRectF& place, double radius, const QC
 /// `ground` within.
 void outlineRounded(QPainter& painter, const QRectF& place, double radius, double width,
                     const QColor& color, const QBrush& ground = Qt::NoBrush);
+
+/// Draws the ring round what has the keyboard's attention, in the accent of the theme.
+void outlineFocus(QPainter& painter, const QRectF& place, double radius, const QPalette& palette);
 
 /// Clips what is painted next to the inner side of the middle of such a line.
 void clipRounded(QPainter& painter, const QRectF& place, double radius, double width);
