@@ -76,12 +76,8 @@ void MarkdownContentView::setFontSize(int points)
     if (points == m_writer.format().fontSize())
         return;
     const int lastOnScreen = m_surface.rowAt(visibleRegion().boundingRect().bottom()).blockNumber();
-    const Selection selection = this->selection();
     const RowFormat& format = m_writer.format();
-    m_writer.setFormat(RowFormat(points, format.textColor(), format.direction()));
-    m_surface.setFormat(m_writer.format());
-    write(lastOnScreen + 1);
-    select(selection);
+    setFormat(RowFormat(points, format.textColor(), format.direction()), lastOnScreen + 1);
 }
 
 void MarkdownContentView::changeEvent(QEvent* event)
@@ -90,8 +86,17 @@ void MarkdownContentView::changeEvent(QEvent* event)
     const RowFormat& format = m_writer.format();
     if (event->type() != QEvent::LayoutDirectionChange || layoutDirection() == format.direction())
         return;
-    m_writer.setFormat(RowFormat(format.fontSize(), format.textColor(), layoutDirection()));
-    write();
+    setFormat(RowFormat(format.fontSize(), format.textColor(), layoutDirection()));
+}
+
+/// Writes the page anew, and keeps what is selected.
+void MarkdownContentView::setFormat(const RowFormat& format, qsizetype atLeast)
+{
+    const Selection selection = this->selection();
+    m_writer.setFormat(format);
+    m_surface.setFormat(m_writer.format());
+    write(atLeast);
+    select(selection);
 }
 
 void MarkdownContentView::setTextColor(const QColor& color)

@@ -82,6 +82,7 @@ private:
         bool operator==(const Selection&) const = default;
     };
 
+    void setFormat(const RowFormat& format, qsizetype atLeast = 0);
     void write(qsizetype atLeast = 0);
     void writeToEnd();
     void adjustHeight();
