@@ -1,16 +1,4 @@
 # The backends for macOS. Its libraries are there before any program, so nothing is loaded late.
-add_library(varno_http STATIC
-    HttpSession.h
-    posix/CurlHttpSession.cpp
-    posix/CurlHttpSession.h
-    posix/CurlTransfer.cpp
-    posix/CurlTransfer.h
-    posix/HeldTransfer.cpp
-    posix/HeldTransfer.h
-)
-target_compile_definitions(varno_http PUBLIC CURL_STRICTER)
-target_link_libraries(varno_http PUBLIC Qt6::Core Threads::Threads CURL::libcurl)
-
 add_library(varno_platform STATIC
     AnimationSetting.h
     Background.cpp
