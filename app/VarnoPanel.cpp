@@ -36,13 +36,19 @@ VarnoPanel::VarnoPanel(AppViewModel& viewModel, KeychainTasks& keys, const Panel
     setTheme(*this, viewModel.theme());
     setLayout(column({}, {grow(m_content)}));
     setFocusProxy(&m_content);
-    new WindowFrame(*this);
-    auto* close = new CloseButton(*this); // over its corner
-    connect(close, &CloseButton::clicked, this, &QWidget::hide);
+    if (!hasSystemFrame())
+        addFrame();
     if (const QRect room = roomBeforeUser(); !room.isEmpty())
         move(room.center() + QPoint(1, 1) - QPoint(firstSize.width(), firstSize.height()) / 2);
     connect(&viewModel, &AppViewModel::changed, this, &VarnoPanel::takeNote);
     connect(&m_content, &ContentView::hideRequested, this, &QWidget::hide);
+}
+
+void VarnoPanel::addFrame()
+{
+    new WindowFrame(*this);
+    auto* close = new CloseButton(*this); // over its corner
+    connect(close, &CloseButton::clicked, this, &QWidget::hide);
 }
 
 void VarnoPanel::takeNote(AppViewModel::Changes what)

@@ -29,6 +29,7 @@ protected:
     void mouseReleaseEvent(QMouseEvent* event) override;
 
 private:
+    void addFrame();
     void takeNote(AppViewModel::Changes what);
     void keepOnScreen();
 

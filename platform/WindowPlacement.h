@@ -33,6 +33,9 @@ private:
 /// else the pointer. Empty where there is no screen.
 [[nodiscard]] QRect roomBeforeUser();
 
+/// Whether panels have an edge and a close button of the system's own.
+[[nodiscard]] bool hasSystemFrame();
+
 /// Makes it a panel: above other windows, on every desktop, in no list of windows. Before every
 /// showing, since the desktop forgets it when the window is hidden. The window has been created.
 void prepareFloatingPanel(QWindow& window);

@@ -110,6 +110,11 @@ void DisplayChoice::choose(const char* platforms)
     m_hasChosen = true;
 }
 
+bool hasSystemFrame()
+{
+    return false;
+}
+
 void prepareFloatingPanel(QWindow& window)
 {
     if (LayerShell* const layers = layerShell())

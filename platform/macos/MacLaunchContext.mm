@@ -20,18 +20,13 @@ LaunchContext takeLaunchContext()
 /// Once the event loop runs: before, the system's own handler would take its place.
 void onStartedAgain(QObject& context, std::function<void()> action)
 {
-    const auto guarded = [weak = QPointer(&context), action = std::move(action)] {
-        if (weak)
-            action();
-    };
-    const auto install = [guarded] {
-        static VarnoActionTarget* target = nil;
-        target = [[VarnoActionTarget alloc] initWithAction:guarded];
-        [NSAppleEventManager.sharedAppleEventManager
-            setEventHandler:target
-                andSelector:@selector(reopen:reply:)
-              forEventClass:'aevt'
-                 andEventID:'rapp'];
+    const auto install = [weak = QPointer(&context), action = std::move(action)] {
+        static VarnoActionTarget* const target =
+            [[VarnoActionTarget alloc] initWithAction:[=] { weak ? action() : void(); }];
+        [NSAppleEventManager.sharedAppleEventManager setEventHandler:target
+                                                         andSelector:@selector(reopen:reply:)
+                                                       forEventClass:'aevt'
+                                                          andEventID:'rapp'];
     };
     QMetaObject::invokeMethod(&context, install, Qt::QueuedConnection);
 }

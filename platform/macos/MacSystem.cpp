@@ -30,8 +30,7 @@ void lowerThreadPriority()
 int flushToMedium(int descriptor)
 {
     // What fsync writes may wait in the drive. Some file systems know nothing better.
-    const int flushed = ::fcntl(descriptor, F_FULLFSYNC);
-    return flushed >= 0 ? flushed : ::fsync(descriptor);
+    return ::fcntl(descriptor, F_FULLFSYNC) >= 0 ? 0 : ::fsync(descriptor);
 }
 
 timespec changeTime(const struct stat& status)

@@ -3,11 +3,11 @@
 
 #include <QWindow>
 
-#include <array>
-#include <string>
-
 #import <AppKit/AppKit.h>
 #import <objc/runtime.h>
+
+#include <array>
+#include <string>
 
 namespace varno {
 namespace {
@@ -35,7 +35,7 @@ Class panelClass(Class toolkitClass)
         const Class panels = objc_allocateClassPair(toolkitClass, "Varno.VarnoPanel", 0);
         const std::string type = std::string(@encode(BOOL)) + "@:";
         const auto always = +[](id, SEL) -> BOOL { return YES; };
-        for (const SEL question : {@selector(canBecomeKeyWindow), @selector(canBecomeMainWindow)})
+        for (const SEL question : { @selector(canBecomeKeyWindow), @selector(canBecomeMainWindow) })
             class_addMethod(panels, question, reinterpret_cast<IMP>(always), type.c_str());
         objc_registerClassPair(panels);
         return panels;
@@ -59,6 +59,11 @@ QRect roomBeforeUser()
     return QRectF(room.origin.x, top - room.origin.y - room.size.height, room.size.width,
                   room.size.height)
         .toRect();
+}
+
+bool hasSystemFrame()
+{
+    return true;
 }
 
 void prepareFloatingPanel(QWindow& window)
