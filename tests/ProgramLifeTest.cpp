@@ -39,10 +39,14 @@ private:
         QDir().mkpath(QFileInfo(m_program->historyPath()).path());
         QVERIFY(writeFileAtomically(m_program->historyPath(),
                                     encodeSessions({sessionOf(u"onyx"_s), sessionOf(u"opal"_s)})));
+        QFile leftover(m_program->historyPath() + u".unfinished-1"_s);
+        QVERIFY(leftover.open(QIODevice::WriteOnly));
         QVERIFY(m_program->start());
         QVERIFY(m_program->activate());
         QTRY_VERIFY(m_program->hasKeyboard());
+        QTRY_VERIFY(!leftover.exists()); // gone when the history is read, which a search waits for
         search(desktop, "opal");
+        QVERIFY(m_program->settles());
     }
     /// What was on show has been saved again, as the newest.
     void verifySaved()
