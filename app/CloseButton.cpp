@@ -12,7 +12,7 @@ namespace {
 
 // Within the margins of all screens.
 constexpr int side = 16;
-constexpr int inset = 4;
+constexpr int inset = CloseButton::reach - side;
 constexpr double symbolSide = 8;
 constexpr int upperEdge = 28; ///< how far down the pointer reveals it
 

@@ -10,6 +10,8 @@ class CloseButton final : public PressableButton {
     Q_OBJECT
 
 public:
+    static constexpr int reach = 20; ///< from the corner: what is less far away is under it
+
     /// It follows the size of `window`; raise it above its siblings.
     explicit CloseButton(QWidget& window);
 

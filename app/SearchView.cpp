@@ -1,6 +1,7 @@
 #include "app/SearchView.h"
 
 #include "app/AfterShowing.h"
+#include "app/CloseButton.h"
 #include "kit/Accessibility.h"
 #include "kit/Layout.h"
 #include "platform/KeyLabel.h"
@@ -40,6 +41,9 @@ SearchView::SearchView(AppViewModel& viewModel, KeychainTasks& keys,
     , m_settings(Symbol::gearshape, {.symbol = {.size = 13, .opacity = 0.45}})
 {
     m_scrollArea.setContent(*page());
+    auto* corner = new QWidget; // where the panel has its close button
+    corner->setFixedHeight(CloseButton::reach);
+    m_scrollArea.addScrollBarWidget(corner, Qt::AlignTop);
     setLayout(column({}, {
                              grow(m_scrollArea),
                              row({.horizontal = 24}, {m_bottomBar, stretch(), m_settings}),
