@@ -24,6 +24,11 @@ PanelShortcut panelShortcut()
                 return shortcuts.isRefused(openVarno()) ? QString()
                                                         : shortcuts.shownShortcut(openVarno());
             },
+        .onLabelChange =
+            [](QObject& receiver, const std::function<void()>& action) {
+                QObject::connect(&KeyboardShortcuts::shared(),
+                                 &KeyboardShortcuts::shownShortcutsDidChange, &receiver, action);
+            },
         .makeRecorder =
             [] {
                 auto* recorder = new RecorderCocoa(openVarno());

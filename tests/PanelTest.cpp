@@ -34,6 +34,7 @@ struct PanelFixture : ControllerFixture {
     VarnoPanel panel{*model,
                      keys,
                      {.label = [] { return QString(); },
+                      .onLabelChange = [](QObject&, const std::function<void()>&) {},
                       .makeRecorder = [] { return new QWidget; },
                       .makeNotice = [] { return new QWidget; }}};
 };

@@ -49,7 +49,15 @@ struct SearchFixture : ControllerFixture {
     KeychainTasks keys{keychain};
     QString label;
     FakeAnimationSetting motion;
-    SearchView view{*model, keys, [this] { return label; }, nullptr, motion};
+    std::function<void()> tellLabel;
+    SearchView view{*model,
+                    keys,
+                    {.label = [this] { return label; },
+                     .onLabelChange = [this](QObject&, const auto& action) { tellLabel = action; },
+                     .makeRecorder = {},
+                     .makeNotice = {}},
+                    nullptr,
+                    motion};
 };
 
 } // namespace
@@ -241,7 +249,7 @@ private Q_SLOTS:
         SearchFixture f;
         QVERIFY(shownText(f.view, u"⌘K  New search"_s));
         f.label = u"⌥⌘F"_s;
-        f.show();
+        f.tellLabel();
         const auto* bar = shownText(f.view, u"⌘K  New search    ⌥⌘F  Open from anywhere"_s);
         QVERIFY(bar);
         QCOMPARE(bar->toolTip(), u"Ctrl+K  New search\nAlt+Super+F  Open from anywhere"_s);

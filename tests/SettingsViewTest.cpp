@@ -46,6 +46,7 @@ struct SettingsFixture : ControllerFixture {
         *model,
         keys,
         {.label = {},
+         .onLabelChange = {},
          .makeRecorder = [] { return new QWidget; },
          .makeNotice = [this] { return new RefusalNotice(openVarno, shortcuts); }}};
 };
