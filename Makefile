@@ -17,6 +17,7 @@ PREFIX ?= /usr/local
 DESTDIR ?=
 SESSIONS ?=
 INSTALLED ?=
+$(if $(word 2,$(PREFIX))$(word 2,$(DESTDIR)),$(error PREFIX and DESTDIR can have no blanks))
 
 .PHONY: demo run install uninstall package test lint bench bench-desktop desktops instructions fuzz
 .PHONY: check-macos clean
