@@ -107,10 +107,12 @@ void ThinScrollBar::paintEvent(QPaintEvent* /*event*/)
 }
 
 /// In pieces that overlap by their round ends: what is taller is painted by several threads, which
-/// wait for more for half a minute.
-void ThinScrollBar::paintThumb(const QRectF& thumb, const QColor& color)
+/// wait for more for half a minute. On whole pixels: halves would be seen twice where they overlap.
+void ThinScrollBar::paintThumb(const QRectF& place, const QColor& color)
 {
     QPainter painter(this);
+    const QTransform toPixels = painter.deviceTransform();
+    const QRectF thumb = toPixels.inverted().mapRect(QRectF(toPixels.mapRect(place).toRect()));
     const double width = thumb.width();
     const double height = pieceHeight / devicePixelRatioF();
     for (double top = thumb.top(); top + width <= thumb.bottom(); top += height - width)

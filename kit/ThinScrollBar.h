@@ -15,7 +15,7 @@ protected:
     void paintEvent(QPaintEvent* event) override;
 
 private:
-    void paintThumb(const QRectF& thumb, const QColor& color);
+    void paintThumb(const QRectF& place, const QColor& color);
 };
 
 } // namespace varno
