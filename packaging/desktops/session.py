@@ -73,7 +73,7 @@ class Session:
         entry = f"etc/xdg/autostart/{NAME}.desktop"
         offered = pathlib.Path("/" if self.prefix == pathlib.Path("/usr") else self.prefix, entry)
         self.write(f".config/autostart/{NAME}.desktop",
-                   offered.read_text(encoding="utf-8").replace("Hidden=true\n", ""))
+                   offered.read_text(encoding="utf-8").replace("Hidden=true", "Hidden=false"))
 
     def log_out(self):
         """Ends the session as a user does; the display goes with it, as a display manager has it."""
