@@ -6,6 +6,7 @@
 #include "kit/CommandKeys.h"
 #include "reader/EntryView.h"
 
+#include <QCoreApplication>
 #include <QShortcut>
 
 #include <utility>
@@ -30,6 +31,15 @@ ContentView::ContentView(AppViewModel& viewModel, KeychainTasks& keys,
     goTo(dueScreen());
 }
 
+template <typename Action>
+void ContentView::bind(const QList<QKeySequence>& keys, Action action)
+{
+    auto* shortcut = new QShortcut(this);
+    shortcut->setKeys(commandKeys(keys));
+    shortcut->setAutoRepeat(false); // a key that is held goes one step
+    connect(shortcut, &QShortcut::activated, this, action);
+}
+
 void ContentView::bindKeys()
 {
     // “Meta” is the key with the system's sign on it. In a text field Ctrl+Left stays the field's.
@@ -37,15 +47,7 @@ void ContentView::bindKeys()
     bind({u"Ctrl+Left"_s, u"Meta+Left"_s, u"Alt+Left"_s}, &ContentView::goBack);
     bind({u"Ctrl+K"_s, u"Meta+K"_s}, &ContentView::newSearch);
     bind({u"Ctrl+,"_s, u"Meta+,"_s}, &ContentView::toggleSettings);
-    bind({u"Ctrl+Q"_s, u"Meta+Q"_s}, &ContentView::quit);
-}
-
-void ContentView::bind(const QList<QKeySequence>& keys, void (ContentView::*action)())
-{
-    auto* shortcut = new QShortcut(this);
-    shortcut->setKeys(commandKeys(keys));
-    shortcut->setAutoRepeat(false); // a key that is held goes one step
-    connect(shortcut, &QShortcut::activated, this, action);
+    bind({u"Ctrl+Q"_s, u"Meta+Q"_s}, &QCoreApplication::quit);
 }
 
 void ContentView::escape()

@@ -3,7 +3,6 @@
 #include "app/PanelShortcut.h"
 #include "core/AppViewModel.h"
 
-#include <QCoreApplication>
 #include <QWidget>
 
 class QKeySequence;
@@ -36,11 +35,11 @@ protected:
 
 private:
     void bindKeys();
-    void bind(const QList<QKeySequence>& keys, void (ContentView::*action)());
+    template <typename Action>
+    void bind(const QList<QKeySequence>& keys, Action action);
     void escape();
     void goBack() { m_viewModel.goBack(); }
     void newSearch() { m_viewModel.newSearch(); }
-    void quit() { QCoreApplication::quit(); }
     void toggleSettings() { m_viewModel.setShowingSettings(!m_viewModel.isShowingSettings()); }
 
     void takeNote(varno::AppViewModel::Changes what);

@@ -2,6 +2,8 @@
 
 #include "app/AppDelegate.h"
 
+#include <QCoreApplication>
+
 #include <functional>
 #include <memory>
 

@@ -52,7 +52,7 @@ public:
         : m_level(level)
     {
     }
-    [[nodiscard]] void* levelInterface(QAccessible::InterfaceType) { return nullptr; }
+    [[nodiscard]] static void* levelInterface(QAccessible::InterfaceType) { return nullptr; }
     [[nodiscard]] QString levelDescription() const;
 
 private:
