@@ -44,7 +44,7 @@ public:
 
     [[nodiscard]] QString text(QAccessible::Text what) const override
     {
-        const QString given = QAccessibleWidget::text(what);
+        QString given = QAccessibleWidget::text(what);
         if (!given.isEmpty())
             return given;
         const auto* label = qobject_cast<QLabel*>(widget());

@@ -100,7 +100,7 @@ private:
         message.setArguments(arguments);
         return m_bus.asyncCall(message);
     }
-    QDBusPendingCall ask(const QString& name) const
+    [[nodiscard]] QDBusPendingCall ask(const QString& name) const
     {
         return call(name, u"org.freedesktop.DBus.Properties"_s, u"GetAll"_s, {item});
     }
