@@ -37,6 +37,6 @@ struct LaunchContext {
 /// Calls `action`, from the event loop and while `context` lives, each time that the user starts
 /// the program again and the system tells the one that runs. Where a second process tells it,
 /// never.
-void onStartedAgain(QObject& context, std::function<void()> action);
+void onStartedAgain(QObject& context, const std::function<void()>& action);
 
 } // namespace varno

@@ -10,7 +10,7 @@ using namespace Qt::StringLiterals;
 
 QByteArray take(const char* variable)
 {
-    const QByteArray value = qgetenv(variable);
+    QByteArray value = qgetenv(variable);
     qunsetenv(variable);
     return value;
 }
@@ -48,6 +48,6 @@ LaunchContext takeLaunchContext()
     return context;
 }
 
-void onStartedAgain(QObject& /*context*/, std::function<void()> /*action*/) {}
+void onStartedAgain(QObject& /*context*/, const std::function<void()>& /*action*/) {}
 
 } // namespace varno

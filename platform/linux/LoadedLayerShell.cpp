@@ -38,6 +38,7 @@ bool chooseLayers()
 
 LayerShell* layerShell()
 {
+    // NOLINTNEXTLINE(*-non-const-global-variables): made once, with the connection to the screen
     static LayerShell* const shell = []() -> LayerShell* {
         if (!areLayersChosen())
             return nullptr;

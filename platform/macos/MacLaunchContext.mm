@@ -3,8 +3,6 @@
 
 #include <QPointer>
 
-#include <utility>
-
 namespace varno {
 
 UserAction ActivationMarks::action() const
@@ -18,9 +16,9 @@ LaunchContext takeLaunchContext()
 }
 
 /// Once the event loop runs: before, the system's own handler would take its place.
-void onStartedAgain(QObject& context, std::function<void()> action)
+void onStartedAgain(QObject& context, const std::function<void()>& action)
 {
-    const auto install = [weak = QPointer(&context), action = std::move(action)] {
+    const auto install = [weak = QPointer(&context), action] {
         static VarnoActionTarget* const target =
             [[VarnoActionTarget alloc] initWithAction:[=] { weak ? action() : void(); }];
         [NSAppleEventManager.sharedAppleEventManager setEventHandler:target

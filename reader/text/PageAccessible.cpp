@@ -126,7 +126,7 @@ PageAccessible::PageAccessible(TextSurface& surface)
 /// The toolkit has it made early, nobody listening; who asks for parts is assistive technology.
 const PageParts& PageAccessible::parts() const
 {
-    if (!m_isRead)
+    if (!m_isRead) // NOLINTNEXTLINE(*-const-cast): the toolkit asks of a constant
         const_cast<PageAccessible*>(this)->readFirst();
     return m_parts;
 }
