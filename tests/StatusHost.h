@@ -80,7 +80,7 @@ public:
         if (message.member() == u"RegisterStatusNotifierItem"_s) {
             const QString name = message.arguments().value(0).toString();
             m_items.append(name.startsWith(u'/') ? message.service() : name);
-            ask(m_items.constLast()); // as a host does, which wants to show it
+            static_cast<void>(ask(m_items.constLast())); // as a host does, to show it
             onItem();
             return connection.send(message.createReply());
         }
