@@ -21,7 +21,7 @@ ContentView::ContentView(AppViewModel& viewModel, KeychainTasks& keys,
     , m_viewModel(viewModel)
     , m_keys(keys)
     , m_shortcut(shortcut)
-    , m_search(new SearchView(viewModel, keys, shortcut, this))
+    , m_search(new SearchView(viewModel, keys, shortcut.label, this))
     , m_shown(m_search)
     , m_transition(new ScreenTransition(this))
 {

@@ -21,13 +21,8 @@ PanelShortcut panelShortcut()
         .label =
             [] {
                 const KeyboardShortcuts& shortcuts = KeyboardShortcuts::shared();
-                return shortcuts.isRefused(openVarno()) ? QString()
-                                                        : shortcuts.shownShortcut(openVarno());
-            },
-        .onLabelChange =
-            [](QObject& receiver, const std::function<void()>& action) {
-                QObject::connect(&KeyboardShortcuts::shared(),
-                                 &KeyboardShortcuts::shownShortcutsDidChange, &receiver, action);
+                return shortcuts.works(openVarno()) ? shortcuts.shownShortcut(openVarno())
+                                                    : QString();
             },
         .makeRecorder =
             [] {

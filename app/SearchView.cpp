@@ -21,12 +21,13 @@ const auto between = u"    "_s; // the hints of the bottom bar
 
 } // namespace
 
-SearchView::SearchView(AppViewModel& viewModel, KeychainTasks& keys, const PanelShortcut& shortcut,
-                       QWidget* parent, AnimationSetting& animationSetting)
+SearchView::SearchView(AppViewModel& viewModel, KeychainTasks& keys,
+                       std::function<QString()> shortcutLabel, QWidget* parent,
+                       AnimationSetting& animationSetting)
     : QWidget(parent)
     , m_viewModel(viewModel)
     , m_keys(keys)
-    , m_shortcutLabel(shortcut.label)
+    , m_shortcutLabel(std::move(shortcutLabel))
     , m_title(tr("VARNO"), {.size = 42, .weight = QFont::Light, .tracking = 8})
     , m_subtitle(tr("An AI Encyclopedia"), {.size = 13, .tracking = 2, .opacity = 0.55})
     , m_warningPlace(animationSetting)
@@ -55,7 +56,6 @@ SearchView::SearchView(AppViewModel& viewModel, KeychainTasks& keys, const Panel
     m_box.focusProxy()->installEventFilter(this);
     showList();
     connectParts();
-    shortcut.onLabelChange(*this, [this] { showHints(); });
 }
 
 QWidget* SearchView::page()

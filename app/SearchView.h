@@ -2,7 +2,6 @@
 
 #include "app/GlidingPlace.h"
 #include "app/KeychainTasks.h"
-#include "app/PanelShortcut.h"
 #include "app/SearchBox.h"
 #include "app/SearchList.h"
 #include "core/AppViewModel.h"
@@ -18,8 +17,10 @@ class SearchView final : public QWidget {
     Q_OBJECT
 
 public:
-    /// The view model and the key tasks outlive the view.
-    SearchView(AppViewModel& viewModel, KeychainTasks& keys, const PanelShortcut& shortcut,
+    /// The view model and the key tasks outlive the view. `shortcutLabel` returns the display form
+    /// of the shortcut that opens the panel, empty if there is none; it is called when the screen
+    /// appears.
+    SearchView(AppViewModel& viewModel, KeychainTasks& keys, std::function<QString()> shortcutLabel,
                QWidget* parent = nullptr,
                AnimationSetting& animationSetting = systemAnimationSetting());
 

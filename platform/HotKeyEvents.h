@@ -44,7 +44,8 @@ struct HotKeyEvent {
 /// What the system has made of a registered hot key.
 struct HotKeyBinding {
     bool isBound = true;
-    QString trigger{}; ///< the combination, as the system names it; empty: as registered
+    QString trigger{};     ///< the combination, as the system names it; empty: as registered
+    bool isCertain = true; ///< false until a system that asks its user has answered
 
     friend bool operator==(const HotKeyBinding&, const HotKeyBinding&) = default;
 };
@@ -74,6 +75,8 @@ public:
     /// empty handler takes it off. It may destroy this object. Systems that bind at once, and
     /// nothing else, never call it.
     virtual void setBindingHandler(const BindingHandler& /*handler*/) {}
+    /// Whether it tells that handler of every hot key, which is uncertain until then.
+    [[nodiscard]] virtual bool bindsLater() const { return false; }
 
     /// The one handler of events, called from the event loop; an empty one takes it off. It may
     /// destroy this object.

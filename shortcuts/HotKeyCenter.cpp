@@ -49,7 +49,9 @@ bool HotKeyCenter::add(const Shortcut& shortcut, Callbacks callbacks)
         shortcut.carbonKeyCode(), shortcut.carbonModifiers(), {.signature = signature, .id = id});
     if (!reference)
         return false;
-    m_hotKeys.emplace(id, HotKey{shortcut, *reference, std::move(callbacks), {}});
+    m_hotKeys.emplace(
+        id,
+        HotKey{shortcut, *reference, std::move(callbacks), {.isCertain = !m_events.bindsLater()}});
     installHandler();
     return true;
 }

@@ -166,6 +166,11 @@ QString KeyboardShortcuts::shownShortcut(const Name& name) const
     return trigger.isEmpty() ? description(*shortcut) : trigger;
 }
 
+bool KeyboardShortcuts::works(const Name& name) const
+{
+    return isEnabled(name) && m_center.binding(*getShortcut(name)).isCertain;
+}
+
 bool KeyboardShortcuts::isRefused(const Name& name) const
 {
     return getShortcut(name) && m_live.contains(name.rawValue()) && !isEnabled(name);

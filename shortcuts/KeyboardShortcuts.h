@@ -87,6 +87,8 @@ public:
     /// The combination that works for a name, as the system names it or else as `description` does;
     /// empty if there is none.
     [[nodiscard]] QString shownShortcut(const Name& name) const;
+    /// Whether a name has a shortcut that is known to come here from every program.
+    [[nodiscard]] bool works(const Name& name) const;
     /// Whether a name has a shortcut that the system has refused.
     [[nodiscard]] bool isRefused(const Name& name) const;
     /// Whether the system or another program has reserved the combination.

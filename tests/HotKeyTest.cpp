@@ -174,8 +174,11 @@ private Q_SLOTS:
     void showsWhatTheSystemHasBound()
     {
         const Name name = open();
+        m_events.asksUser = true;
         m_shortcuts->onKeyUp(name, {});
+        QVERIFY(!m_shortcuts->works(name) && !m_shortcuts->isRefused(name));
         m_events.bind(m_events.registered.begin()->first, {.trigger = u"F12"_s});
+        QVERIFY(m_shortcuts->works(name));
         QCOMPARE(m_shortcuts->shownShortcut(name), u"F12"_s);
         m_shortcuts->setShortcut(optionCommandF, name); // the user's new wish
         QCOMPARE(m_shortcuts->shownShortcut(name), u"⌥⌘F"_s);

@@ -34,7 +34,6 @@ struct PanelFixture : ControllerFixture {
     VarnoPanel panel{*model,
                      keys,
                      {.label = [] { return QString(); },
-                      .onLabelChange = [](QObject&, const std::function<void()>&) {},
                       .makeRecorder = [] { return new QWidget; },
                       .makeNotice = [] { return new QWidget; }}};
 };

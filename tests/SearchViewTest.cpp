@@ -49,15 +49,7 @@ struct SearchFixture : ControllerFixture {
     KeychainTasks keys{keychain};
     QString label;
     FakeAnimationSetting motion;
-    std::function<void()> tellLabel;
-    SearchView view{*model,
-                    keys,
-                    {.label = [this] { return label; },
-                     .onLabelChange = [this](QObject&, const auto& action) { tellLabel = action; },
-                     .makeRecorder = {},
-                     .makeNotice = {}},
-                    nullptr,
-                    motion};
+    SearchView view{*model, keys, [this] { return label; }, nullptr, motion};
 };
 
 } // namespace
@@ -249,7 +241,7 @@ private Q_SLOTS:
         SearchFixture f;
         QVERIFY(shownText(f.view, u"⌘K  New search"_s));
         f.label = u"⌥⌘F"_s;
-        f.tellLabel();
+        f.show();
         const auto* bar = shownText(f.view, u"⌘K  New search    ⌥⌘F  Open from anywhere"_s);
         QVERIFY(bar);
         QCOMPARE(bar->toolTip(), u"Ctrl+K  New search\nAlt+Super+F  Open from anywhere"_s);

@@ -46,7 +46,6 @@ struct SettingsFixture : ControllerFixture {
         *model,
         keys,
         {.label = {},
-         .onLabelChange = {},
          .makeRecorder = [] { return new QWidget; },
          .makeNotice = [this] { return new RefusalNotice(openVarno, shortcuts); }}};
 };

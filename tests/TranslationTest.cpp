@@ -89,7 +89,6 @@ struct Interface : ControllerFixture {
     ContentView view{*model,
                      keys,
                      {.label = [this] { return shortcuts.shownShortcut(name); },
-                      .onLabelChange = [](QObject&, const auto&) {},
                       .makeRecorder = [this] { return new RecorderCocoa(name, {}, shortcuts); },
                       .makeNotice = [this] { return new RefusalNotice(name, shortcuts); }}};
 };

@@ -24,6 +24,7 @@ public:
     BindingHandler bindingHandler;
     EventTypes types;
     int installations = 0;
+    bool asksUser = false;
 
     /// What the handler answers; nothing if it does not get the event.
     [[nodiscard]] std::optional<int> send(const HotKeyEvent& event) const
@@ -58,6 +59,8 @@ public:
     {
         bindingHandler = newHandler;
     }
+
+    [[nodiscard]] bool bindsLater() const override { return asksUser; }
 
     void installHandler(Handler newHandler) override
     {

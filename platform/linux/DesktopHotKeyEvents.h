@@ -33,6 +33,7 @@ public:
                                                           HotKeyIdentity identity) override;
     void unregisterHotKey(Reference reference) override;
     void setBindingHandler(const BindingHandler& handler) override;
+    [[nodiscard]] bool bindsLater() const override { return true; }
     void installHandler(Handler handler) override;
     void addEventTypes(EventTypes types) override;
     void removeEventTypes(EventTypes types) override;
