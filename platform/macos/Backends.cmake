@@ -1,15 +1,6 @@
 # The backends for macOS. Its libraries are there before any program, so nothing is loaded late.
 add_library(varno_platform STATIC
-    AnimationSetting.h
-    Background.cpp
-    Background.h
-    Inbox.cpp
-    Inbox.h
-    KeyLabel.cpp
-    KeyLabel.h
-    Keyboard.h
-    PreferencesStore.h
-    TerminationSignals.h
+    ${on_every_system}
     macos/CarbonHotKeyEvents.cpp
     macos/CarbonHotKeyEvents.h
     macos/CarbonKeyboard.cpp
@@ -24,10 +15,6 @@ add_library(varno_platform STATIC
     macos/MacProgramKeys.mm
     macos/MacSystem.cpp
     macos/WorkspaceAnimationSetting.mm
-    posix/FileSystem.h
-    posix/PosixFiles.cpp
-    posix/PosixResources.cpp
-    posix/PosixTerminationSignals.cpp
 )
 target_link_libraries(varno_platform
     PUBLIC Qt6::Core Threads::Threads
