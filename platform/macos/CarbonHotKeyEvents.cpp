@@ -14,16 +14,16 @@ constexpr int combinable = carbonModifier::command | carbonModifier::shift |
                            carbonModifier::option | carbonModifier::control |
                            carbonModifier::function;
 
-std::vector<EventTypeSpec> specificationsOf(HotKeyEvents::EventTypes types)
+std::vector<EventTypeSpec> eventTypesOf(HotKeyEvents::EventTypes types)
 {
-    std::vector<EventTypeSpec> specifications;
+    std::vector<EventTypeSpec> eventTypes;
     for (const auto& [type, kind] : {std::pair(HotKeyEvents::hotKeyEvents, hotKeyPressed),
                                      std::pair(HotKeyEvents::hotKeyEvents, hotKeyReleased),
                                      std::pair(HotKeyEvents::keyboardEvents, rawKeyDown),
                                      std::pair(HotKeyEvents::keyboardEvents, rawKeyUp)})
         if (types.testFlag(type))
-            specifications.push_back({kEventClassKeyboard, kind});
-    return specifications;
+            eventTypes.push_back({kEventClassKeyboard, kind});
+    return eventTypes;
 }
 
 template <typename Value>
@@ -112,7 +112,7 @@ void CarbonHotKeyEvents::installHandler(Handler handler)
 
 void CarbonHotKeyEvents::addEventTypes(EventTypes types)
 {
-    const std::vector<EventTypeSpec> added = specificationsOf(types & ~m_types);
+    const std::vector<EventTypeSpec> added = eventTypesOf(types & ~m_types);
     m_types |= types;
     if (m_installed && !added.empty())
         AddEventTypesToHandler(m_installed, added.size(), added.data());
@@ -120,7 +120,7 @@ void CarbonHotKeyEvents::addEventTypes(EventTypes types)
 
 void CarbonHotKeyEvents::removeEventTypes(EventTypes types)
 {
-    const std::vector<EventTypeSpec> removed = specificationsOf(types & m_types);
+    const std::vector<EventTypeSpec> removed = eventTypesOf(types & m_types);
     m_types &= ~types;
     if (m_installed && !removed.empty())
         RemoveEventTypesFromHandler(m_installed, removed.size(), removed.data());
