@@ -72,7 +72,7 @@ void AppDelegate::warmUp()
         return;
     ContentView content(m_viewModel, m_keys, panelShortcut());
     setTheme(content, m_viewModel.theme());
-    content.resize(VarnoPanel::firstSize); // no less, or there is a scroll bar, painted by threads
+    content.resize(VarnoPanel::firstSize);
     static_cast<void>(content.grab());
     static_cast<void>(panelShortcut().label());
 }
